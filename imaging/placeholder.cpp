@@ -1,0 +1,1 @@
+// Placeholder until the subsystem's first classes arrive; delete it then.

@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Installs every Debian package TarnwellLaser needs to build, test and run.
+# Safe to run again: apt-get skips what is already there.
+set -euo pipefail
+
+PACKAGES=(
+  # build
+  cmake ninja-build g++ pkg-config
+  # Qt 5 and libraries
+  qtbase5-dev libqt5svg5-dev libqt5serialport5-dev libqt5opengl5-dev
+  qttools5-dev qttools5-dev-tools
+  nlohmann-json3-dev libqrencode-dev libpotrace-dev
+  # tests and looking at the program
+  xvfb xauth xdotool socat imagemagick fonts-wqy-zenhei
+  libgl1-mesa-dri
+)
+
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
+
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update
+$SUDO apt-get install -y --no-install-recommends "${PACKAGES[@]}"

@@ -1,0 +1,147 @@
+#include "exportcommon.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QTextStream>
+#include <cmath>
+
+namespace ExportCommon {
+
+int fail(const QString &message)
+{
+    QTextStream err(stderr);
+    err << "tarnwell-export: " << message << '\n';
+    return BadInput;
+}
+
+bool Options::parse(const QStringList &args, const QStringList &known, QString *error)
+{
+    for (int i = 0; i < args.size(); ++i) {
+        const QString &arg = args.at(i);
+        if (arg == QLatin1String("--help")) {
+            m_help = true;
+            continue;
+        }
+        if (!arg.startsWith(QLatin1String("--"))) {
+            *error = QStringLiteral("unexpected argument '%1'").arg(arg);
+            return false;
+        }
+        const QString name = arg.mid(2);
+        if (!known.contains(name)) {
+            *error = QStringLiteral("unknown option '%1'").arg(arg);
+            return false;
+        }
+        if (i + 1 >= args.size()) {
+            *error = QStringLiteral("option '%1' needs a value").arg(arg);
+            return false;
+        }
+        m_values.insert(name, args.at(++i));
+    }
+    return true;
+}
+
+QString Options::text(const QString &name, const QString &fallback) const
+{
+    return m_values.value(name, fallback);
+}
+
+bool Options::number(const QString &name, double fallback, double *out, QString *error) const
+{
+    if (!has(name)) {
+        *out = fallback;
+        return true;
+    }
+    bool ok = false;
+    const double v = m_values.value(name).toDouble(&ok);
+    if (!ok || !std::isfinite(v)) {
+        *error = QStringLiteral("--%1: '%2' is not a number").arg(name, m_values.value(name));
+        return false;
+    }
+    *out = v;
+    return true;
+}
+
+bool Options::integer(const QString &name, int fallback, int *out, QString *error) const
+{
+    if (!has(name)) {
+        *out = fallback;
+        return true;
+    }
+    bool ok = false;
+    const int v = m_values.value(name).toInt(&ok);
+    if (!ok) {
+        *error = QStringLiteral("--%1: '%2' is not a whole number").arg(name, m_values.value(name));
+        return false;
+    }
+    *out = v;
+    return true;
+}
+
+bool Options::percent(const QString &name, int fallback, int *out, QString *error) const
+{
+    if (!integer(name, fallback, out, error))
+        return false;
+    if (*out < 0 || *out > 100) {
+        *error = QStringLiteral("--%1: %2 is outside 0 to 100").arg(name).arg(*out);
+        return false;
+    }
+    return true;
+}
+
+PrivateWorkDir::PrivateWorkDir() : m_previous(QDir::currentPath())
+{
+    if (m_dir.isValid())
+        QDir::setCurrent(m_dir.path());
+}
+
+PrivateWorkDir::~PrivateWorkDir()
+{
+    QDir::setCurrent(m_previous);
+}
+
+QString absolute(const QString &path)
+{
+    return QFileInfo(path).absoluteFilePath();
+}
+
+bool outputWritable(const QString &path)
+{
+    const QFileInfo info(path);
+    if (info.isDir())
+        return false;
+    if (info.exists())
+        return info.isWritable();
+    const QFileInfo folder(info.absolutePath());
+    return folder.isDir() && folder.isWritable();
+}
+
+bool publish(const QString &source, const QString &output, QString *error)
+{
+    QFile in(source);
+    if (!in.open(QIODevice::ReadOnly)) {
+        *error = QStringLiteral("the generator wrote no output");
+        return false;
+    }
+    QSaveFile out(output);
+    if (!out.open(QIODevice::WriteOnly)) {
+        *error = QStringLiteral("cannot write %1").arg(output);
+        return false;
+    }
+    while (!in.atEnd()) {
+        const QByteArray chunk = in.read(1 << 20);
+        if (out.write(chunk) != chunk.size()) {
+            out.cancelWriting();
+            *error = QStringLiteral("cannot write %1").arg(output);
+            return false;
+        }
+    }
+    if (!out.commit()) {
+        *error = QStringLiteral("cannot write %1").arg(output);
+        return false;
+    }
+    return true;
+}
+
+} // namespace ExportCommon

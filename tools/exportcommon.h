@@ -1,0 +1,80 @@
+// Common rules of tarnwell-export: long options, number checks, machine values from
+// slider percentages, the private working directory and the all-or-nothing output.
+#ifndef EXPORTCOMMON_H
+#define EXPORTCOMMON_H
+
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace ExportCommon {
+
+// Exit status for any bad input.
+constexpr int BadInput = 2;
+
+// Slider defaults of the main window.
+constexpr int DefaultSpeedPercent = 33;
+constexpr int DefaultPowerPercent = 91;
+
+// The main window's conversions (integer arithmetic, speed scale 30, power scale 255).
+inline int feedSpeed(int speedPercent) { return speedPercent * 30 * 60 / 100; }
+inline int travelSpeed(int speedPercent) { return speedPercent * 30 * 12; }
+inline int machinePower(int powerPercent) { return powerPercent * 255 / 100; }
+
+// One line on standard error; returns BadInput so callers can `return fail(...)`.
+int fail(const QString &message);
+
+// Parses "--name value" pairs (and a lone "--help"). Every name must be in `known`;
+// a repeated option keeps the last value.
+class Options
+{
+public:
+    bool parse(const QStringList &args, const QStringList &known, QString *error);
+    bool help() const { return m_help; }
+    bool has(const QString &name) const { return m_values.contains(name); }
+    QString text(const QString &name, const QString &fallback = QString()) const;
+    // Number readers: false (with a message naming the option) when the text is not a number.
+    bool number(const QString &name, double fallback, double *out, QString *error) const;
+    bool integer(const QString &name, int fallback, int *out, QString *error) const;
+    // A percentage option: an integer from 0 to 100.
+    bool percent(const QString &name, int fallback, int *out, QString *error) const;
+
+private:
+    QMap<QString, QString> m_values;
+    bool m_help = false;
+};
+
+// Makes a temporary directory the current one for the generators' fixed-name files,
+// and returns to the caller's directory, removing it, when it goes.
+class PrivateWorkDir
+{
+public:
+    PrivateWorkDir();
+    ~PrivateWorkDir();
+    bool isValid() const { return m_dir.isValid(); }
+    QString path() const { return m_dir.path(); }
+
+private:
+    QString m_previous;
+    QTemporaryDir m_dir;
+};
+
+// An absolute path for a name given relative to the caller's directory.
+QString absolute(const QString &path);
+
+// Can `path` be created or replaced? Checked before any generator runs.
+bool outputWritable(const QString &path);
+
+// Copies a finished file to the output as a whole: the output appears complete or not at all.
+bool publish(const QString &source, const QString &output, QString *error);
+
+} // namespace ExportCommon
+
+// Subcommands: each takes the arguments after its name and returns the exit status.
+int runRaster(const QStringList &args);
+int runVector(const QStringList &args);
+int runTrace(const QStringList &args);
+int runQr(const QStringList &args);
+
+#endif

@@ -1,0 +1,43 @@
+// tarnwell-export: runs the program's own generators without a window.
+// Dispatches to one subcommand; every byte written comes from the program's classes.
+#include "exportcommon.h"
+
+#include <QApplication>
+#include <QTextStream>
+
+static const char *const Usage =
+    "Usage: tarnwell-export SUBCOMMAND [options]\n"
+    "\n"
+    "Subcommands:\n"
+    "  raster   a picture to raster engraving G-code\n"
+    "  vector   an SVG drawing to vector G-code (laser or CNC)\n"
+    "  trace    a picture traced into an outline SVG\n"
+    "  qr       a text as a QR-code bitmap\n"
+    "\n"
+    "'tarnwell-export SUBCOMMAND --help' describes each one.\n";
+
+int main(int argc, char *argv[])
+{
+    // The generators paint into pictures and never open a window.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+
+    QStringList args = app.arguments().mid(1);
+    if (args.isEmpty())
+        return ExportCommon::fail(QStringLiteral("no subcommand given (try --help)"));
+    const QString command = args.takeFirst();
+    if (command == QLatin1String("--help") || command == QLatin1String("help")) {
+        QTextStream(stdout) << Usage;
+        return 0;
+    }
+    if (command == QLatin1String("raster"))
+        return runRaster(args);
+    if (command == QLatin1String("vector"))
+        return runVector(args);
+    if (command == QLatin1String("trace"))
+        return runTrace(args);
+    if (command == QLatin1String("qr"))
+        return runQr(args);
+    return ExportCommon::fail(QStringLiteral("unknown subcommand '%1' (try --help)").arg(command));
+}
