@@ -47,3 +47,7 @@ done
 convert -delay 8 -loop 0 -dispose background "${frames[@]}" "$img/gif/wait.gif"
 rm -rf "$tmp"
 echo "pictures written to $img"
+
+# Small arrows for combo and spin boxes of the dark stylesheet.
+convert -size 10x6 xc:none -fill '#dfe6ee' -draw 'polygon 0,0 9,0 4.5,5' "$img/arrow-down.png"
+convert -size 10x6 xc:none -fill '#dfe6ee' -draw 'polygon 0,5 9,5 4.5,0' "$img/arrow-up.png"

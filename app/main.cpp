@@ -1,0 +1,46 @@
+// Program entry: builds the main window, applies the dark stylesheet,
+// shows the splash picture for two seconds, then runs the event loop.
+#include "draw.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QPixmap>
+#include <QSplashScreen>
+#include <QThread>
+#include <QTextStream>
+#include <cstdio>
+
+namespace {
+constexpr qint64 SplashMilliseconds = 2000;
+}
+
+int main(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    Draw window;
+
+    QFile style(QStringLiteral(":/qdarkstyle/test.qss"));
+    if (style.exists() && style.open(QFile::ReadOnly | QFile::Text)) {
+        QTextStream in(&style);
+        app.setStyleSheet(in.readAll());
+    } else {
+        std::printf("Unable to set stylesheet, file not found\n");
+        std::fflush(stdout);
+    }
+
+    QSplashScreen splash(QPixmap(QStringLiteral(":/img/earth.jpg")));
+    splash.setEnabled(false);   // takes no clicks
+    splash.show();
+
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (elapsed.elapsed() < SplashMilliseconds) {
+        app.processEvents();
+        QThread::msleep(10);   // no need to spin a core at full speed
+    }
+
+    splash.close();
+    window.show();
+    return app.exec();
+}

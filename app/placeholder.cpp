@@ -1,1 +1,0 @@
-// Placeholder until the main window arrives; delete it then.

@@ -1,0 +1,152 @@
+// Config.ini and Slice.ini access: keys, defaults, letter case and damaged files.
+#include "appsettings.h"
+#include "testsupport.h"
+
+#include <QFile>
+#include <QSettings>
+
+class TestAppSettings : public QObject
+{
+    Q_OBJECT
+
+private:
+    static void writeFile(const QString &name, const QByteArray &bytes)
+    {
+        QFile f(name);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    }
+
+private slots:
+    void languageLookup_data()
+    {
+        QTest::addColumn<QByteArray>("config");
+        QTest::addColumn<bool>("found");
+        QTest::addColumn<int>("index");
+        QTest::newRow("no file") << QByteArray() << false << 0;
+        QTest::newRow("Chinese") << QByteArray("[Language]\nlanguage=Chinese\n") << true << 0;
+        QTest::newRow("English") << QByteArray("[Language]\nlanguage=English\n") << true << 1;
+        QTest::newRow("Korean") << QByteArray("[Language]\nlanguage=Korean\n") << true << 2;
+        QTest::newRow("lower case english") << QByteArray("[Language]\nlanguage=english\n") << false << 0;
+        QTest::newRow("upper case KOREAN") << QByteArray("[Language]\nlanguage=KOREAN\n") << false << 0;
+        QTest::newRow("French") << QByteArray("[Language]\nlanguage=French\n") << false << 0;
+        QTest::newRow("wrong group") << QByteArray("[Tarnwy]\nlanguage=English\n") << false << 0;
+    }
+
+    void languageLookup()
+    {
+        QFETCH(QByteArray, config);
+        QFETCH(bool, found);
+        QFETCH(int, index);
+        ScopedWorkDir dir;
+        if (!config.isNull())
+            writeFile("Config.ini", config);
+        int looked = -7;
+        QCOMPARE(AppSettings::lookupLanguage(&looked), found);
+        if (found)
+            QCOMPARE(looked, index);
+        else
+            QCOMPARE(looked, -7);   // untouched on failure
+        QCOMPARE(AppSettings::languageIndex(), index);
+    }
+
+    void defaultsWhenMissing()
+    {
+        ScopedWorkDir dir;
+        QCOMPARE(AppSettings::tarnwyString("laser_on"), QString());
+        QCOMPARE(AppSettings::mode(), QString());
+        QCOMPARE(AppSettings::preVectorPath(), QString());
+        QCOMPARE(AppSettings::xOffset(), 0.0);
+        QCOMPARE(AppSettings::yOffset(), 0.0);
+        QCOMPARE(AppSettings::threshold(), 0);
+        QCOMPARE(AppSettings::slicePath(), QString());
+        // Reading creates no file.
+        QVERIFY(!QFile::exists("Config.ini"));
+        QVERIFY(!QFile::exists("Slice.ini"));
+    }
+
+    void writesLandInTheRightFileAndGroup()
+    {
+        ScopedWorkDir dir;
+        AppSettings::setTarnwyString("crue_speed", "1200");
+        AppSettings::setOffset(12.5, -3.25);
+        AppSettings::setSlicePath("/pictures/a.png");
+        AppSettings::setThreshold(137);
+
+        // Read back with an independent reader: the keys must be exactly these.
+        QSettings config("Config.ini", QSettings::IniFormat);
+        QCOMPARE(config.value("Tarnwy/crue_speed").toString(), QString("1200"));
+        QCOMPARE(config.value("Tarnwy/xoffset").toDouble(), 12.5);
+        QCOMPARE(config.value("Tarnwy/yoffset").toDouble(), -3.25);
+        QCOMPARE(config.value("Slice/pre_vector_path").toString(), QString("/pictures/a.png"));
+        QVERIFY(!config.contains("Slice/thread_hold"));
+        QSettings slice("Slice.ini", QSettings::IniFormat);
+        QCOMPARE(slice.value("Slice/thread_hold").toInt(), 137);
+
+        QCOMPARE(AppSettings::threshold(), 137);
+        QCOMPARE(AppSettings::xOffset(), 12.5);
+    }
+
+    void eachCallSeesTheFileAsItIsNow()
+    {
+        ScopedWorkDir dir;
+        AppSettings::setMode("cnc");
+        QCOMPARE(AppSettings::mode(), QString("cnc"));
+        // Another program (or the user) edits the file between two calls.
+        QFile::remove("Config.ini");
+        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n");
+        QCOMPARE(AppSettings::mode(), QString("laser"));
+    }
+
+    void emptyTextIsWritten()
+    {
+        ScopedWorkDir dir;
+        AppSettings::setTarnwyString("laser_on", "M3");
+        AppSettings::setTarnwyString("laser_on", "");
+        QSettings config("Config.ini", QSettings::IniFormat);
+        QVERIFY(config.contains("Tarnwy/laser_on"));
+        QCOMPARE(config.value("Tarnwy/laser_on").toString(), QString());
+    }
+
+    void otherKeyNameIsNotRead()
+    {
+        ScopedWorkDir dir;
+        writeFile("Config.ini", "[Tarnwy]\ncure_speed=900\nCrue_Speed=800\n");
+        QCOMPARE(AppSettings::tarnwyString("crue_speed"), QString());
+    }
+
+    void damagedFiles_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::newRow("binary garbage") << 0;
+        QTest::newRow("directory in its place") << 1;
+    }
+
+    void damagedFiles()
+    {
+        QFETCH(int, kind);
+        ScopedWorkDir dir;
+        if (kind == 0) {
+            QByteArray junk;
+            for (int i = 0; i < 4096; ++i)
+                junk.append(char((i * 131 + 7) & 0xff));
+            writeFile("Config.ini", junk);
+            writeFile("Slice.ini", junk);
+        } else {
+            QVERIFY(QDir().mkdir("Config.ini"));
+            QVERIFY(QDir().mkdir("Slice.ini"));
+        }
+        QCOMPARE(AppSettings::mode(), QString());
+        QCOMPARE(AppSettings::languageIndex(), 0);
+        QCOMPARE(AppSettings::threshold(), 0);
+        AppSettings::setMode("laser");      // must not crash
+        AppSettings::setThreshold(10);
+        if (kind == 1) {
+            QVERIFY(QFileInfo("Config.ini").isDir());
+            QCOMPARE(AppSettings::mode(), QString());
+        }
+    }
+};
+
+TARNWELL_TEST_MAIN(TestAppSettings)
+#include "tst_appsettings.moc"
