@@ -1,0 +1,41 @@
+// Serial link worker: owns the one serial port to the machine and runs in its
+// own thread, driven only by queued signals (open/close, list, write, answers).
+#ifndef TNWLSERIALPORT_H
+#define TNWLSERIALPORT_H
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+class QSerialPort;
+
+class TNWLserialport : public QObject
+{
+    Q_OBJECT
+public:
+    explicit TNWLserialport(QObject *parent = nullptr);
+    ~TNWLserialport() override;
+
+    // First enumeration, called once by the owner before the worker's thread starts.
+    void InitPorts();
+
+signals:
+    void SigResponseUart(QString);
+    void SigResponseQStringList(QStringList);
+    void SigConnected(bool init);
+
+public slots:
+    void SlotResponseUart();
+    void SlotUpdata();
+    void SlotConnect(QString);
+    void SlotWritePort(QString str);
+
+private:
+    void enumeratePorts();
+
+    QSerialPort *port;
+    bool connected;
+    QStringList portNames;
+};
+
+#endif
