@@ -1,0 +1,228 @@
+// Bitmap design on the canvas: a picture file shown at its size in millimetres,
+// moved by its body, resized about its centre from the bottom-right corner.
+#include "pixmapitem.h"
+
+#include <QDebug>
+#include <QGraphicsSceneHoverEvent>
+#include <QGraphicsSceneMouseEvent>
+#include <QImageReader>
+#include <QPainter>
+#include <QPen>
+#include <QStyle>
+#include <QStyleOptionGraphicsItem>
+#include <cmath>
+
+namespace {
+
+// Geometry can turn infinite or NaN for a picture that did not decode; such values
+// must never reach an int conversion.
+constexpr double IntLimit = 1.0e9;
+
+int truncated(double value)
+{
+    if (!std::isfinite(value))
+        return 0;
+    return static_cast<int>(qBound(-IntLimit, value, IntLimit));
+}
+
+const QColor FrameOutside(255, 0, 0);
+const QColor FrameInside(67, 240, 20);
+
+} // namespace
+
+PixmapItem::PixmapItem(QGraphicsItem *parent)
+    : QObject(nullptr), QGraphicsPixmapItem(parent)
+{
+    setZValue(0);
+    setAcceptDrops(true);
+    setAcceptHoverEvents(true);
+    m_cursor = new QCursor;
+    setFlags(QGraphicsItem::ItemIsMovable | QGraphicsItem::ItemIsSelectable);
+}
+
+PixmapItem::~PixmapItem()
+{
+    delete m_cursor;
+}
+
+QRectF PixmapItem::boundingRect() const
+{
+    // The margin lets the corner zone outside the picture receive the mouse.
+    return QRectF(m_rect.x(), m_rect.y(), m_rect.width() + BoundingMargin,
+                  m_rect.height() + BoundingMargin);
+}
+
+QPainterPath PixmapItem::shape() const
+{
+    QPainterPath path;
+    path.addRect(m_rect);
+    return path;
+}
+
+QPixmap PixmapItem::loadScaled(const QString &path, int width, int height)
+{
+    if (width <= 0 || height <= 0)
+        return QPixmap();
+    // Decoding straight at the shown size keeps a resize step fast even for photos
+    // of many megapixels; the JPEG decoder then skips most of the work.
+    QImageReader reader(path);
+    reader.setScaledSize(QSize(width, height));
+    QImage image = reader.read();
+    if (image.isNull())
+        return QPixmap();
+    if (image.size() != QSize(width, height))
+        image = image.scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return QPixmap::fromImage(image);
+}
+
+void PixmapItem::reloadPicture()
+{
+    setPixmap(loadScaled(m_path, truncated(m_rect.width()), truncated(m_rect.height())));
+}
+
+void PixmapItem::ResetRect(QRectF r)
+{
+    qDebug() << "in the pixitem reset rect";
+    prepareGeometryChange();
+    m_rect = r;
+    reloadPicture();
+    update();
+}
+
+bool PixmapItem::inCornerZone(const QPointF &p) const
+{
+    const QPointF pos = scenePos();
+    const double right = m_rect.x() + m_rect.width() + pos.x();
+    const double bottom = m_rect.y() + m_rect.height() + pos.y();
+    return right - CornerZone < p.x() && p.x() < right + CornerZone
+        && bottom - CornerZone < p.y() && p.y() < bottom + CornerZone;
+}
+
+void PixmapItem::hoverEnterEvent(QGraphicsSceneHoverEvent *event)
+{
+    if (inCornerZone(event->scenePos())) {
+        m_cursor->setShape(Qt::SizeFDiagCursor);
+        m_dragMode = ResizeBottomRight;
+    } else {
+        m_resizeArmed = false;
+        m_cursor->setShape(Qt::SizeAllCursor);
+    }
+    setPixmap(pixmap().scaled(truncated(m_rect.width()), truncated(m_rect.height()),
+                              Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    setCursor(*m_cursor);
+    update();
+    QGraphicsPixmapItem::hoverEnterEvent(event);
+}
+
+void PixmapItem::hoverMoveEvent(QGraphicsSceneHoverEvent *event)
+{
+    if (inCornerZone(event->scenePos())) {
+        m_cursor->setShape(Qt::SizeFDiagCursor);
+        m_dragMode = ResizeBottomRight;
+        m_resizeArmed = true;
+    } else {
+        m_resizeArmed = false;
+        m_cursor->setShape(Qt::SizeAllCursor);
+    }
+    setCursor(*m_cursor);
+    update();
+    QGraphicsPixmapItem::hoverMoveEvent(event);
+}
+
+void PixmapItem::hoverLeaveEvent(QGraphicsSceneHoverEvent *event)
+{
+    m_cursor->setShape(Qt::ArrowCursor);
+    m_resizeArmed = false;
+    setCursor(*m_cursor);
+    emit Sig_HidePosTag();
+    QGraphicsPixmapItem::hoverLeaveEvent(event);
+}
+
+void PixmapItem::mousePressEvent(QGraphicsSceneMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        m_start = event->scenePos();
+    QGraphicsPixmapItem::mousePressEvent(event);
+}
+
+void PixmapItem::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
+{
+    m_end = event->scenePos();
+    // Compares a scene point with the item-local corner on purpose: a move reported
+    // exactly at the rectangle's corner is dropped.
+    if (m_end.x() == m_rect.x() && m_end.y() == m_rect.y())
+        return;
+    if (!m_resizeArmed) {
+        update();
+        QGraphicsPixmapItem::mouseMoveEvent(event);
+        return;
+    }
+    if (m_dragMode != ResizeBottomRight)
+        return;
+
+    const double dx = m_end.x() - m_start.x();
+    const double dy = m_end.y() - m_start.y();
+    const double sx = (m_rect.width() + dx) / m_rect.width();
+    const double sy = (m_rect.height() + dy) / m_rect.height();
+    // Grow only when the mouse goes outward in both directions; shrink otherwise.
+    const double s = (sx >= 1.0 && sy >= 1.0) ? qMax(sx, sy) : qMin(sx, sy);
+    const double hx = m_rect.width() * (s - 1) * 0.5;
+    const double hy = m_rect.height() * (s - 1) * 0.5;
+    const QRectF n(m_rect.x() + hx, m_rect.y() + hy, m_rect.width() * s, m_rect.height() * s);
+    qDebug().noquote() << QString("x:%1 y:%2 w:%3 h:%4")
+                              .arg(n.x()).arg(n.y()).arg(n.width()).arg(n.height());
+
+    ResetRect(QRectF(0, 0, n.width(), n.height()));
+    prepareGeometryChange();
+
+    const QString label = QString("W:%1 H:%2").arg(n.width() / 10.0).arg(n.height() / 10.0);
+    emit SigPosTag(n);
+    qDebug().noquote() << label;
+
+    // Shift back by half the growth so the picture stays centred where it was.
+    moveBy(-hx, -hy);
+    qDebug().noquote() << QString("x:%1 y:%2").arg(hy).arg(hx);
+    m_start = m_end;
+}
+
+void PixmapItem::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
+{
+    if (m_resizeArmed) {
+        m_resizeArmed = false;
+        qDebug() << "mouse release checked!";
+        reloadPicture();
+        emit SigPosTag(m_rect);
+        emit Sig_HidePosTag();
+    }
+    emit SigPosTag(m_rect);
+    QGraphicsPixmapItem::mouseReleaseEvent(event);
+}
+
+void PixmapItem::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
+{
+    emit Sig_ShowPos(m_rect);
+    QGraphicsPixmapItem::mouseDoubleClickEvent(event);
+}
+
+void PixmapItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
+{
+    const QPointF pos = scenePos();
+    const QRectF bounds = sceneBoundingRect();
+    const int x = truncated(pos.x());
+    const int y = truncated(pos.y());
+    const int w = truncated(bounds.width());
+    const int h = truncated(bounds.height());
+    // The bounding margin is part of W and H, hence the same tolerance here.
+    const bool outside = x < 0 || y < 0 || w + x > m_areaWidth + InAreaTolerance
+                         || h + y > m_areaHeight + InAreaTolerance;
+
+    if (option->state & QStyle::State_Selected) {
+        QPen pen(QBrush(outside ? FrameOutside : FrameInside), FramePenWidth,
+                 Qt::DashDotDotLine, Qt::SquareCap, Qt::BevelJoin);
+        painter->setPen(pen);
+        painter->drawRect(m_rect);
+    }
+    m_inArea = !outside;
+
+    painter->drawPixmap(QPoint(truncated(m_rect.x()), truncated(m_rect.y())), pixmap());
+}

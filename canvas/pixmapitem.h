@@ -1,0 +1,80 @@
+// Bitmap design on the canvas: a picture file shown at its size in millimetres,
+// moved by its body, resized about its centre from the bottom-right corner.
+#ifndef PIXMAPITEM_H
+#define PIXMAPITEM_H
+
+#include <QCursor>
+#include <QGraphicsPixmapItem>
+#include <QObject>
+#include <QPixmap>
+#include <QRectF>
+
+class PixmapItem : public QObject, public QGraphicsPixmapItem
+{
+    Q_OBJECT
+public:
+    enum { Type = QGraphicsItem::UserType + 4 };
+
+    explicit PixmapItem(QGraphicsItem *parent = nullptr);
+    ~PixmapItem() override;
+
+    QRectF boundingRect() const override;
+    QPainterPath shape() const override;
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
+               QWidget *widget = nullptr) override;
+    int type() const override { return Type; }
+
+    // Takes r whole as the new geometry and reloads the picture at one pixel per mm.
+    void ResetRect(QRectF r);
+
+    void setFilePath(const QString &path) { m_path = path; }
+    QString filePath() const { return m_path; }
+    QRectF rect() const { return m_rect; }
+    void setRect(const QRectF &r) { prepareGeometryChange(); m_rect = r; }
+    bool isInArea() const { return m_inArea; }
+    bool isResizeArmed() const { return m_resizeArmed; }
+    int dragMode() const { return m_dragMode; }
+
+    // Reads the picture file at the given size in pixels; an empty size gives a null picture.
+    static QPixmap loadScaled(const QString &path, int width, int height);
+
+signals:
+    void SigPosTag(QRectF rect);
+    void Sig_PosTag(QString text);
+    void Sig_PosRect(QString text);
+    void Sig_HidePosTag();
+    void Sig_ShowPos(QRectF rect);
+
+protected:
+    void hoverEnterEvent(QGraphicsSceneHoverEvent *event) override;
+    void hoverMoveEvent(QGraphicsSceneHoverEvent *event) override;
+    void hoverLeaveEvent(QGraphicsSceneHoverEvent *event) override;
+    void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) override;
+
+private:
+    bool inCornerZone(const QPointF &scenePoint) const;
+    void reloadPicture();
+
+    static constexpr double CornerZone = 20.0;
+    static constexpr double BoundingMargin = 20.0;
+    static constexpr int InAreaTolerance = 20;
+    static constexpr double FramePenWidth = 2.0;
+    static constexpr int ResizeBottomRight = 4;
+
+    QRectF m_rect;
+    bool m_inArea = false;
+    QString m_path;
+    bool m_resizeArmed = false;
+    QCursor *m_cursor = nullptr;
+    QPointF m_start;
+    QPointF m_end;
+    double m_scale = 1.0;
+    int m_dragMode = 0;
+    int m_areaHeight = 200;
+    int m_areaWidth = 170;
+};
+
+#endif

@@ -1,0 +1,202 @@
+// Vector design on the canvas: an SVG drawing shown at its size in millimetres,
+// moved by its body, resized about its centre from the bottom-right corner.
+#include "svgitem.h"
+
+#include <QGraphicsSceneHoverEvent>
+#include <QGraphicsSceneMouseEvent>
+#include <QPainter>
+#include <QPen>
+#include <QStyle>
+#include <QStyleOptionGraphicsItem>
+#include <QSvgRenderer>
+#include <cmath>
+
+namespace {
+
+// A drawing that did not parse can give odd sizes; keep them away from int overflow.
+constexpr double IntLimit = 1.0e9;
+
+int truncated(double value)
+{
+    if (!std::isfinite(value))
+        return 0;
+    return static_cast<int>(qBound(-IntLimit, value, IntLimit));
+}
+
+const QColor FrameOutside(255, 0, 0);
+const QColor FrameInside(67, 240, 20);
+constexpr double InitialSide = 400.0;
+
+} // namespace
+
+SvgItem::SvgItem(QGraphicsItem *parent)
+    : QGraphicsSvgItem(parent),
+      m_rememberedRect(0, 0, InitialSide, InitialSide),
+      m_rect(0, 0, InitialSide, InitialSide),
+      m_defaultSize(-1, -1)
+{
+    setZValue(0);
+    setAcceptDrops(true);
+    setFlags(QGraphicsItem::ItemIsSelectable);
+    setAcceptHoverEvents(true);
+    m_cursor = new QCursor;
+    setFlag(QGraphicsItem::ItemIsMovable, true);
+}
+
+SvgItem::~SvgItem()
+{
+    delete m_cursor;
+}
+
+QRectF SvgItem::boundingRect() const
+{
+    return m_rect.adjusted(-FrameMargin, -FrameMargin, FrameMargin, FrameMargin);
+}
+
+QPainterPath SvgItem::shape() const
+{
+    QPainterPath path;
+    path.addRect(m_rect);
+    return path;
+}
+
+void SvgItem::ResetRect(QRectF rect)
+{
+    prepareGeometryChange();
+    m_rect = QRectF(0, 0, rect.width(), rect.height());
+    update();
+}
+
+bool SvgItem::inCornerZone(const QPointF &p) const
+{
+    const QPointF pos = scenePos();
+    const double right = m_rect.x() + m_rect.width() + pos.x();
+    const double bottom = m_rect.y() + m_rect.height() + pos.y();
+    return right - m_cornerZone < p.x() && p.x() < right + m_cornerZone
+        && bottom - m_cornerZone < p.y() && p.y() < bottom + m_cornerZone;
+}
+
+void SvgItem::hoverEnterEvent(QGraphicsSceneHoverEvent *event)
+{
+    if (inCornerZone(event->scenePos())) {
+        m_cursor->setShape(Qt::SizeFDiagCursor);
+        m_dragMode = ResizeBottomRight;
+    } else {
+        m_resizeArmed = false;
+        m_cursor->setShape(Qt::SizeAllCursor);
+    }
+    setCursor(*m_cursor);
+    update();
+    QGraphicsSvgItem::hoverEnterEvent(event);
+}
+
+void SvgItem::hoverMoveEvent(QGraphicsSceneHoverEvent *event)
+{
+    if (inCornerZone(event->scenePos())) {
+        m_cursor->setShape(Qt::SizeFDiagCursor);
+        m_dragMode = ResizeBottomRight;
+        m_resizeArmed = true;
+    } else {
+        m_resizeArmed = false;
+        m_cursor->setShape(Qt::SizeAllCursor);
+    }
+    setCursor(*m_cursor);
+    update();
+    QGraphicsSvgItem::hoverMoveEvent(event);
+}
+
+void SvgItem::hoverLeaveEvent(QGraphicsSceneHoverEvent *event)
+{
+    m_cursor->setShape(Qt::ArrowCursor);
+    m_resizeArmed = false;
+    setCursor(*m_cursor);
+    update();
+    emit Sig_HidePosTag();
+    QGraphicsSvgItem::hoverLeaveEvent(event);
+}
+
+void SvgItem::mousePressEvent(QGraphicsSceneMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        m_start = event->scenePos();
+    update();
+    QGraphicsSvgItem::mousePressEvent(event);
+}
+
+void SvgItem::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
+{
+    m_end = event->scenePos();
+    if (!m_resizeArmed) {
+        update();
+        QGraphicsSvgItem::mouseMoveEvent(event);
+        return;
+    }
+    const double dx = m_end.x() - m_start.x();
+    const double dy = m_end.y() - m_start.y();
+    m_start = m_end;
+    if (m_dragMode != ResizeBottomRight)
+        return;
+
+    const double sx = (m_rect.width() + dx) / m_rect.width();
+    const double sy = (m_rect.height() + dy) / m_rect.height();
+    // Grow only when the mouse goes outward in both directions; shrink otherwise.
+    const double s = (sx >= 1.0 && sy >= 1.0) ? qMax(sx, sy) : qMin(sx, sy);
+    const double hx = m_rect.width() * (s - 1) * 0.5;
+    const double hy = m_rect.height() * (s - 1) * 0.5;
+    const QRectF n(m_rect.x() + hx, m_rect.y() + hy, m_rect.width() * s, m_rect.height() * s);
+
+    prepareGeometryChange();
+    m_rect = QRectF(0, 0, n.width(), n.height());
+    prepareGeometryChange();
+
+    emit SigPosTag(n);
+    // Shift back by half the growth so the drawing stays centred where it was.
+    moveBy(-hx, -hy);
+}
+
+void SvgItem::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
+{
+    if (m_resizeArmed)
+        m_resizeArmed = false;
+    emit SigPosTag(m_rect);
+    QGraphicsSvgItem::mouseReleaseEvent(event);
+}
+
+void SvgItem::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
+{
+    QGraphicsSvgItem::mouseDoubleClickEvent(event);
+}
+
+void SvgItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
+{
+    QSvgRenderer *drawing = renderer();
+    if (drawing && drawing->isValid()) {
+        if (elementId().isEmpty())
+            drawing->render(painter, boundingRect());
+        else
+            drawing->render(painter, elementId(), boundingRect());
+    }
+
+    const QPointF pos = scenePos();
+    const QRectF bounds = sceneBoundingRect();
+    const int x = truncated(pos.x());
+    const int y = truncated(pos.y());
+    const int w = truncated(bounds.width());
+    const int h = truncated(bounds.height());
+    // W and H include the frame margin on both sides, hence the tolerance of 4.
+    const bool outside = x < 0 || y < 0 || w + x > m_areaWidth + InAreaTolerance
+                         || h + y > m_areaHeight + InAreaTolerance;
+
+    if (option->state & QStyle::State_Selected) {
+        QPen pen(QBrush(outside ? FrameOutside : FrameInside), FramePenWidth,
+                 Qt::DashDotDotLine, Qt::SquareCap, Qt::BevelJoin);
+        painter->setPen(pen);
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(QRect(truncated(m_rect.x() - FrameMargin), truncated(m_rect.y() - FrameMargin),
+                                truncated(m_rect.width() + 2 * FrameMargin),
+                                truncated(m_rect.height() + 2 * FrameMargin)));
+        painter->drawRect(QRectF(m_rect.x() + m_rect.width(), m_rect.y() + m_rect.height(),
+                                 HandleSize, HandleSize));
+    }
+    m_inArea = !outside;
+}

@@ -1,0 +1,84 @@
+// Vector design on the canvas: an SVG drawing shown at its size in millimetres,
+// moved by its body, resized about its centre from the bottom-right corner.
+#ifndef SVGITEM_H
+#define SVGITEM_H
+
+#include <QCursor>
+#include <QGraphicsSvgItem>
+#include <QRectF>
+#include <QSizeF>
+
+class SvgItem : public QGraphicsSvgItem
+{
+    Q_OBJECT
+public:
+    enum { Type = QGraphicsItem::UserType + 5 };
+
+    explicit SvgItem(QGraphicsItem *parent = nullptr);
+    ~SvgItem() override;
+
+    QRectF boundingRect() const override;
+    QPainterPath shape() const override;
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
+               QWidget *widget = nullptr) override;
+    int type() const override { return Type; }
+
+    void setFilePath(const QString &path) { m_path = path; }
+    QString filePath() const { return m_path; }
+    QRectF rect() const { return m_rect; }
+    void setRect(const QRectF &r) { prepareGeometryChange(); m_rect = r; }
+    QRectF rememberedRect() const { return m_rememberedRect; }
+    void setRememberedRect(const QRectF &r) { m_rememberedRect = r; }
+    double aspectRatio() const { return m_aspect; }
+    void setAspectRatio(double ratio) { m_aspect = ratio; }
+    int kindTag() const { return m_kindTag; }
+    void setKindTag(int tag) { m_kindTag = tag; }
+    bool isInArea() const { return m_inArea; }
+    bool isResizeArmed() const { return m_resizeArmed; }
+
+signals:
+    void SigPosTag(QRectF rect);
+    void Sig_PosRect(QString text);
+    void Sig_HidePosTag();
+    void Sig_ShowPos(QRectF rect);
+
+public slots:
+    // The drawing keeps its origin; only the size of r is taken.
+    void ResetRect(QRectF rect);
+
+protected:
+    void hoverEnterEvent(QGraphicsSceneHoverEvent *event) override;
+    void hoverMoveEvent(QGraphicsSceneHoverEvent *event) override;
+    void hoverLeaveEvent(QGraphicsSceneHoverEvent *event) override;
+    void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
+    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) override;
+
+private:
+    bool inCornerZone(const QPointF &scenePoint) const;
+
+    static constexpr double FrameMargin = 2.0;
+    static constexpr int InAreaTolerance = 4;
+    static constexpr double FramePenWidth = 2.0;
+    static constexpr int HandleSize = 5;
+    static constexpr int ResizeBottomRight = 4;
+
+    QString m_path;
+    QRectF m_rememberedRect;
+    QRectF m_rect;
+    bool m_resizeArmed = false;
+    QCursor *m_cursor = nullptr;
+    QPointF m_start;
+    QPointF m_end;
+    int m_dragMode = 0;
+    double m_aspect = 0.0;
+    QSizeF m_defaultSize;
+    int m_kindTag = 0;
+    int m_cornerZone = 8;
+    int m_areaHeight = 200;
+    int m_areaWidth = 170;
+    bool m_inArea = false;
+};
+
+#endif
