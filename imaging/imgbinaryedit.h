@@ -1,0 +1,92 @@
+// The threshold editor: turns a picture into the black and white (or gray) working picture.
+// Shows source and result side by side, remembers the threshold, writes "black_white.jpg".
+#ifndef IMGBINARYEDIT_H
+#define IMGBINARYEDIT_H
+
+#include <QImage>
+#include <QString>
+#include <QWidget>
+
+class QLabel;
+
+namespace Ui {
+class ImgBinaryEdit;
+}
+
+class ImgBinaryEdit : public QWidget
+{
+    Q_OBJECT
+public:
+    // The file Finish writes in the working directory, and its JPEG quality.
+    static const char *const OutputFile;   // "black_white.jpg"
+    static constexpr int OutputQuality = 100;
+    // Pictures above this many pixels are refused: the editor keeps several full-size
+    // copies, and a 20000 x 20000 picture would need gigabytes.
+    static constexpr qint64 MaxPixels = 64LL * 1000 * 1000;
+
+    explicit ImgBinaryEdit(QWidget *parent = nullptr);
+    ~ImgBinaryEdit() override;
+
+    // Hand in a picture (SetImage keeps its pixels as they are; SetImageFile loads a file).
+    // Both read the remembered threshold and prepare the result of the current mode.
+    void SetImage(QImage image);
+    void SetImageFile(QString path);
+    void ShowSlider();
+
+    // Black/white mode: the threshold workflow with the slider shown (the default).
+    void SetBlackWhiteMode();
+    // Grayscale mode: the slider is hidden and Finish writes the picture in gray levels.
+    void SetGrayscaleMode();
+    bool IsGrayscaleMode() const { return m_grayMode; }
+
+    QImage Source() const { return source; }
+    // What Finish and Save write.
+    QImage Result() const { return result; }
+
+    // The pixel operations, free of the dialog so they can be measured and checked alone.
+    // All read and write 32-bit ARGB words; Prepare() gives a picture in such a format.
+    static QImage Prepare(const QImage &picture);
+    static int Gray(QRgb p) { return (11 * qRed(p) + 16 * qGreen(p) + 5 * qBlue(p)) >> 5; }
+    static QImage GlobalThreshold(const QImage &picture, int threshold);
+    static QImage AdaptiveThreshold(const QImage &picture);
+    static QImage InvertedThreshold(const QImage &picture, int threshold);
+    static QImage Outline(const QImage &inverted);
+    static QImage GrayLevels(const QImage &picture);
+
+signals:
+    void SigBlackWhite();
+
+public slots:
+    void SlotSliderValueChanged(int value);
+    void on_btnLoad_clicked();
+    void on_btnAdaptive_clicked();
+    void on_horizontalSlider_sliderMoved(int position);
+    void on_btnSavr_clicked();
+    void on_btnVacf_clicked();
+    void on_btnBorder_clicked();
+    void on_btnFinish_clicked();
+    void SlotHorizontalSliderValueChanged(int value);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void adopt(const QImage &picture);
+    void refuse(const QString &chinese, const QString &english);
+    void applyGlobalThreshold(int threshold);
+    void showResult(const QImage &picture, bool scaled);
+    void showPreview(QLabel *label, const QImage &picture, bool scaled);
+
+    Ui::ImgBinaryEdit *ui;
+    QImage source;
+    QImage result;
+
+    bool m_grayMode = false;
+    // The threshold that `result` and the preview currently show, or -1. Dragging the
+    // slider reports each step twice (moved and changed); the second costs nothing.
+    int m_shownThreshold = -1;
+    QImage m_preview;          // what labelDest shows, kept for resizes
+    bool m_previewScaled = true;
+};
+
+#endif
