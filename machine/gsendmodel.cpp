@@ -66,7 +66,7 @@ void GSendModel::OpenFile(QString path)
     QRegExp time(QString::fromLatin1(kTimePattern), Qt::CaseSensitive);
 
     if (!file->open(QIODevice::ReadOnly | QIODevice::Text))
-        qDebug() << "Can't open the g-code file!" << fileName;
+        qDebug().noquote() << "Can't open the g-code file!" << fileName;
 
     stream->setDevice(file);
     const qint64 start = file->pos();
@@ -79,11 +79,11 @@ void GSendModel::OpenFile(QString path)
             ++commandCount;
 
         if (layerCount.indexIn(line) != -1)
-            qDebug() << "total layers is :" << layerCount.cap(1);
+            qDebug().noquote() << "total layers is :" << layerCount.cap(1);
 
         // A line that starts with the time tag is left out on purpose.
         if (time.indexIn(line) > 0)
-            qDebug() << "total time is :" << time.cap(1);
+            qDebug().noquote() << "total time is :" << time.cap(1);
 
         QRegExp *move = nullptr;
         if (g1.indexIn(line) != -1)
@@ -110,7 +110,7 @@ void GSendModel::OpenFile(QString path)
     if (file->isOpen())
         stream->seek(start);
 
-    qDebug() << qPrintable(tr("total comands : %1").arg(commandCount));
+    qDebug().noquote() << tr("total comands : %1").arg(commandCount);
 }
 
 QString GSendModel::NextCommand()

@@ -4,8 +4,10 @@
 
 #include <QByteArray>
 #include <QDebug>
+#include <QElapsedTimer>
 #include <QSerialPort>
 #include <QSerialPortInfo>
+#include <QThread>
 
 namespace {
 const qint32 kBaudRate = 115200;
@@ -73,9 +75,21 @@ void TNWLserialport::SlotConnect(QString name)
         if (port->open(QIODevice::ReadWrite)) {
             connected = true;
             connect(port, &QSerialPort::readyRead, this, &TNWLserialport::SlotResponseUart);
+            connect(port, &QSerialPort::errorOccurred, this, &TNWLserialport::onPortError);
         }
     }
     emit SigConnected(connected);
+}
+
+void TNWLserialport::onPortError(QSerialPort::SerialPortError error)
+{
+    // An unplugged device keeps reporting read errors and would keep this
+    // thread busy; close it. The flag stays as it is, so the open/close
+    // toggle seen by the user does not change.
+    if (error == QSerialPort::ResourceError || error == QSerialPort::ReadError) {
+        qDebug() << "serial port lost:" << port->portName() << port->errorString();
+        port->close();
+    }
 }
 
 void TNWLserialport::SlotResponseUart()
@@ -83,11 +97,18 @@ void TNWLserialport::SlotResponseUart()
     // Each pass replaces the buffer: only the chunk read after a wait that saw
     // new data is passed on. A silent line keeps this loop waiting.
     QByteArray buffer;
+    QElapsedTimer pass;
     for (;;) {
+        pass.start();
         const bool gotData = port->waitForReadyRead(kReadWaitMs);
         buffer = port->readAll();
         if (gotData)
             break;
+        // A vanished device fails the wait at once; let the pass last its full
+        // time anyway so that the loop does not spin a core.
+        const qint64 spent = pass.elapsed();
+        if (spent < kReadWaitMs)
+            QThread::msleep(static_cast<unsigned long>(kReadWaitMs - spent));
     }
     emit SigResponseUart(QString(buffer));
 }

@@ -4,10 +4,9 @@
 #define TNWLSERIALPORT_H
 
 #include <QObject>
+#include <QSerialPort>
 #include <QString>
 #include <QStringList>
-
-class QSerialPort;
 
 class TNWLserialport : public QObject
 {
@@ -32,6 +31,7 @@ public slots:
 
 private:
     void enumeratePorts();
+    void onPortError(QSerialPort::SerialPortError error);
 
     QSerialPort *port;
     bool connected;
