@@ -116,7 +116,8 @@ void GSendModel::OpenFile(QString path)
 QString GSendModel::NextCommand()
 {
     const QString lineEnd = QStringLiteral("\n");
-    QString line = stream->readLine() + lineEnd;
+    // A file that never opened reads as empty, without a warning per call.
+    QString line = (file->isOpen() ? stream->readLine() : QString()) + lineEnd;
     QRegExp trailing(QString::fromLatin1(kTrailingCommentPattern), Qt::CaseSensitive);
 
     if (stream->atEnd()) {
