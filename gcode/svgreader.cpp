@@ -1,0 +1,760 @@
+// Reads an SVG file into the shapes / paths / cubic points model of svgimage.h.
+// XML comes from QXmlStreamReader; path data, shapes and transforms are done here.
+#include "svgreader.h"
+
+#include <QFile>
+#include <QString>
+#include <QXmlStreamReader>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+const double Pi = 3.14159265358979323846;
+// Control-point distance of a quarter circle drawn as one cubic, for radius 1.
+const double QuarterArcKappa = 0.5522847498307936;
+const char *const SvgNamespace = "http://www.w3.org/2000/svg";
+const double FloatMax = std::numeric_limits<float>::max();
+
+// x' = a x + c y + e, y' = b x + d y + f (the order of the SVG matrix() function).
+struct Affine
+{
+    double a = 1, b = 0, c = 0, d = 1, e = 0, f = 0;
+
+    // this after other: other is applied to the point first.
+    Affine then(const Affine &o) const
+    {
+        Affine r;
+        r.a = a * o.a + c * o.b;
+        r.b = b * o.a + d * o.b;
+        r.c = a * o.c + c * o.d;
+        r.d = b * o.c + d * o.d;
+        r.e = a * o.e + c * o.f + e;
+        r.f = b * o.e + d * o.f + f;
+        return r;
+    }
+    void map(double x, double y, double *ox, double *oy) const
+    {
+        *ox = a * x + c * y + e;
+        *oy = b * x + d * y + f;
+    }
+};
+
+// Walks the numbers of an attribute value. Separators are white space and commas.
+class Scanner
+{
+public:
+    explicit Scanner(const QByteArray &text)
+        : m_p(text.constData()), m_end(text.constData() + text.size()) {}
+
+    bool atEnd() { skipSeparators(); return m_p >= m_end; }
+    char peek() { skipSeparators(); return m_p < m_end ? *m_p : '\0'; }
+    char take() { return m_p < m_end ? *m_p++ : '\0'; }
+
+    // A number in the SVG grammar; "1.5.5" reads as 1.5 then .5, "1e" stops before the e.
+    bool number(double *out)
+    {
+        skipSeparators();
+        const char *start = m_p;
+        const char *p = m_p;
+        if (p < m_end && (*p == '+' || *p == '-'))
+            ++p;
+        int digits = 0;
+        while (p < m_end && isDigit(*p)) { ++p; ++digits; }
+        if (p < m_end && *p == '.') {
+            ++p;
+            while (p < m_end && isDigit(*p)) { ++p; ++digits; }
+        }
+        if (digits == 0)
+            return false;
+        if (p < m_end && (*p == 'e' || *p == 'E')) {
+            const char *q = p + 1;
+            if (q < m_end && (*q == '+' || *q == '-'))
+                ++q;
+            if (q < m_end && isDigit(*q)) {
+                while (q < m_end && isDigit(*q))
+                    ++q;
+                p = q;
+            }
+        }
+        bool ok = false;
+        // QByteArray's conversion ignores the C locale, so "1.5" reads the same everywhere.
+        const double v = QByteArray::fromRawData(start, int(p - start)).toDouble(&ok);
+        if (!ok || !std::isfinite(v))
+            return false;
+        m_p = p;
+        *out = v;
+        return true;
+    }
+
+    // Arc flags are single characters and may be written without separators ("a1 1 0 01 5 5").
+    bool flag(bool *out)
+    {
+        skipSeparators();
+        if (m_p < m_end && (*m_p == '0' || *m_p == '1')) {
+            *out = *m_p++ == '1';
+            return true;
+        }
+        return false;
+    }
+
+    // The rest of the text after the number just read (a unit such as "mm" or "%").
+    QByteArray rest() const { return QByteArray(m_p, int(m_end - m_p)).trimmed(); }
+
+private:
+    static bool isDigit(char ch) { return ch >= '0' && ch <= '9'; }
+    void skipSeparators()
+    {
+        while (m_p < m_end && (*m_p == ' ' || *m_p == '\t' || *m_p == '\n' || *m_p == '\r' || *m_p == ','))
+            ++m_p;
+    }
+
+    const char *m_p;
+    const char *m_end;
+};
+
+// Collects the subpaths of one element in user units, every segment as a cubic.
+class PathBuilder
+{
+public:
+    struct Sub
+    {
+        std::vector<double> pts;
+        bool closed = false;
+    };
+
+    void moveTo(double x, double y)
+    {
+        finish();
+        m_cur.pts = {x, y};
+        m_open = true;
+        m_sx = m_cx = x;
+        m_sy = m_cy = y;
+    }
+    void cubicTo(double x1, double y1, double x2, double y2, double x, double y)
+    {
+        ensureOpen();
+        m_cur.pts.insert(m_cur.pts.end(), {x1, y1, x2, y2, x, y});
+        m_cx = x;
+        m_cy = y;
+    }
+    // A straight line keeps its control points on itself, a third of the way from each end.
+    void lineTo(double x, double y)
+    {
+        cubicTo(m_cx + (x - m_cx) / 3, m_cy + (y - m_cy) / 3,
+                x - (x - m_cx) / 3, y - (y - m_cy) / 3, x, y);
+    }
+    void quadTo(double qx, double qy, double x, double y)
+    {
+        cubicTo(m_cx + 2.0 / 3 * (qx - m_cx), m_cy + 2.0 / 3 * (qy - m_cy),
+                x + 2.0 / 3 * (qx - x), y + 2.0 / 3 * (qy - y), x, y);
+    }
+    void arcTo(double rx, double ry, double angleDeg, bool largeArc, bool sweep, double x, double y);
+    void close()
+    {
+        if (!m_open)
+            return;
+        if (m_cx != m_sx || m_cy != m_sy)
+            lineTo(m_sx, m_sy);
+        m_cur.closed = true;
+        finish();
+        m_cx = m_sx;
+        m_cy = m_sy;
+    }
+    // A subpath that never drew a segment (a lone moveto) is dropped.
+    void finish()
+    {
+        if (m_open && m_cur.pts.size() > 2)
+            m_subs.push_back(std::move(m_cur));
+        m_cur = Sub();
+        m_open = false;
+    }
+
+    double x() const { return m_cx; }
+    double y() const { return m_cy; }
+    std::vector<Sub> &subs() { finish(); return m_subs; }
+
+private:
+    // After a Z the next drawing command starts a new subpath where the pen stands.
+    void ensureOpen()
+    {
+        if (m_open)
+            return;
+        m_cur.pts = {m_cx, m_cy};
+        m_open = true;
+        m_sx = m_cx;
+        m_sy = m_cy;
+    }
+
+    std::vector<Sub> m_subs;
+    Sub m_cur;
+    bool m_open = false;
+    double m_sx = 0, m_sy = 0, m_cx = 0, m_cy = 0;
+};
+
+double vectorAngle(double ux, double uy, double vx, double vy)
+{
+    return std::atan2(ux * vy - uy * vx, ux * vx + uy * vy);
+}
+
+// Endpoint arc to centre form, then one cubic per quarter turn at most.
+void PathBuilder::arcTo(double rx, double ry, double angleDeg, bool largeArc, bool sweep, double x, double y)
+{
+    const double x1 = m_cx, y1 = m_cy;
+    if (x1 == x && y1 == y)
+        return;
+    rx = std::fabs(rx);
+    ry = std::fabs(ry);
+    if (rx == 0 || ry == 0) {
+        lineTo(x, y);
+        return;
+    }
+    const double phi = angleDeg * Pi / 180;
+    const double cosPhi = std::cos(phi), sinPhi = std::sin(phi);
+    const double dx = (x1 - x) / 2, dy = (y1 - y) / 2;
+    const double x1p = cosPhi * dx + sinPhi * dy;
+    const double y1p = -sinPhi * dx + cosPhi * dy;
+    const double lambda = (x1p * x1p) / (rx * rx) + (y1p * y1p) / (ry * ry);
+    if (lambda > 1) {
+        rx *= std::sqrt(lambda);
+        ry *= std::sqrt(lambda);
+    }
+    const double num = rx * rx * ry * ry - rx * rx * y1p * y1p - ry * ry * x1p * x1p;
+    const double den = rx * rx * y1p * y1p + ry * ry * x1p * x1p;
+    double coef = den > 0 ? std::sqrt(std::max(0.0, num / den)) : 0;
+    if (largeArc == sweep)
+        coef = -coef;
+    const double cxp = coef * rx * y1p / ry;
+    const double cyp = -coef * ry * x1p / rx;
+    const double cx = cosPhi * cxp - sinPhi * cyp + (x1 + x) / 2;
+    const double cy = sinPhi * cxp + cosPhi * cyp + (y1 + y) / 2;
+    const double ux = (x1p - cxp) / rx, uy = (y1p - cyp) / ry;
+    const double vx = (-x1p - cxp) / rx, vy = (-y1p - cyp) / ry;
+    const double theta1 = vectorAngle(1, 0, ux, uy);
+    double delta = vectorAngle(ux, uy, vx, vy);
+    if (!sweep && delta > 0)
+        delta -= 2 * Pi;
+    else if (sweep && delta < 0)
+        delta += 2 * Pi;
+
+    const int pieces = std::max(1, int(std::ceil(std::fabs(delta) / (Pi / 2) - 1e-9)));
+    const double step = delta / pieces;
+    const double k = 4.0 / 3.0 * std::tan(step / 4);
+    auto onEllipse = [&](double ex, double ey, double *px, double *py) {
+        *px = cx + rx * cosPhi * ex - ry * sinPhi * ey;
+        *py = cy + rx * sinPhi * ex + ry * cosPhi * ey;
+    };
+    double a = theta1;
+    for (int i = 0; i < pieces; ++i) {
+        const double b = a + step;
+        double c1x, c1y, c2x, c2y, ex, ey;
+        onEllipse(std::cos(a) - k * std::sin(a), std::sin(a) + k * std::cos(a), &c1x, &c1y);
+        onEllipse(std::cos(b) + k * std::sin(b), std::sin(b) - k * std::cos(b), &c2x, &c2y);
+        if (i == pieces - 1) {
+            ex = x;  // land exactly on the end point the data named
+            ey = y;
+        } else {
+            onEllipse(std::cos(b), std::sin(b), &ex, &ey);
+        }
+        cubicTo(c1x, c1y, c2x, c2y, ex, ey);
+        a = b;
+    }
+}
+
+bool isCommand(char ch)
+{
+    return ch != '\0' && std::strchr("MmLlHhVvCcSsQqTtAaZz", ch) != nullptr;
+}
+
+// Path data: reads up to the first error and keeps what came before it.
+void parsePathData(const QByteArray &data, PathBuilder *pb)
+{
+    Scanner s(data);
+    char cmd = '\0';
+    char previous = '\0';
+    double lastCx = 0, lastCy = 0;  // last cubic or quadratic control point, for S and T
+    bool started = false;
+    while (!s.atEnd()) {
+        if (isCommand(s.peek())) {
+            cmd = s.take();
+        } else if (cmd == '\0' || cmd == 'Z' || cmd == 'z') {
+            return;  // numbers with no command before them
+        }
+        if (!started && cmd != 'M' && cmd != 'm')
+            return;  // path data must begin with a moveto
+        const bool rel = cmd >= 'a' && cmd <= 'z';
+        const double ox = rel ? pb->x() : 0;
+        const double oy = rel ? pb->y() : 0;
+        double v[7];
+        auto read = [&](int n) {
+            for (int i = 0; i < n; ++i)
+                if (!s.number(&v[i]))
+                    return false;
+            return true;
+        };
+        switch (cmd) {
+        case 'M': case 'm':
+            if (!read(2)) return;
+            pb->moveTo(ox + v[0], oy + v[1]);
+            started = true;
+            cmd = rel ? 'l' : 'L';  // further pairs are lines
+            break;
+        case 'L': case 'l':
+            if (!read(2)) return;
+            pb->lineTo(ox + v[0], oy + v[1]);
+            break;
+        case 'H': case 'h':
+            if (!read(1)) return;
+            pb->lineTo(ox + v[0], pb->y());
+            break;
+        case 'V': case 'v':
+            if (!read(1)) return;
+            pb->lineTo(pb->x(), oy + v[0]);
+            break;
+        case 'C': case 'c':
+            if (!read(6)) return;
+            pb->cubicTo(ox + v[0], oy + v[1], ox + v[2], oy + v[3], ox + v[4], oy + v[5]);
+            lastCx = ox + v[2];
+            lastCy = oy + v[3];
+            break;
+        case 'S': case 's': {
+            if (!read(4)) return;
+            const bool smooth = std::strchr("CcSs", previous) != nullptr && previous != '\0';
+            const double c1x = smooth ? 2 * pb->x() - lastCx : pb->x();
+            const double c1y = smooth ? 2 * pb->y() - lastCy : pb->y();
+            pb->cubicTo(c1x, c1y, ox + v[0], oy + v[1], ox + v[2], oy + v[3]);
+            lastCx = ox + v[0];
+            lastCy = oy + v[1];
+            break;
+        }
+        case 'Q': case 'q':
+            if (!read(4)) return;
+            pb->quadTo(ox + v[0], oy + v[1], ox + v[2], oy + v[3]);
+            lastCx = ox + v[0];
+            lastCy = oy + v[1];
+            break;
+        case 'T': case 't': {
+            if (!read(2)) return;
+            const bool smooth = std::strchr("QqTt", previous) != nullptr && previous != '\0';
+            const double qx = smooth ? 2 * pb->x() - lastCx : pb->x();
+            const double qy = smooth ? 2 * pb->y() - lastCy : pb->y();
+            pb->quadTo(qx, qy, ox + v[0], oy + v[1]);
+            lastCx = qx;
+            lastCy = qy;
+            break;
+        }
+        case 'A': case 'a': {
+            bool large = false, sweep = false;
+            if (!read(3) || !s.flag(&large) || !s.flag(&sweep) || !s.number(&v[3]) || !s.number(&v[4]))
+                return;
+            pb->arcTo(v[0], v[1], v[2], large, sweep, ox + v[3], oy + v[4]);
+            break;
+        }
+        case 'Z': case 'z':
+            pb->close();
+            break;
+        default:
+            return;
+        }
+        previous = cmd;
+    }
+}
+
+bool readNumber(const QByteArray &text, double *out)
+{
+    Scanner s(text);
+    return s.number(out);
+}
+
+double attrNumber(const QXmlStreamAttributes &attrs, const char *name, double fallback = 0)
+{
+    double v;
+    return readNumber(attrs.value(QLatin1String(name)).toLatin1(), &v) ? v : fallback;
+}
+
+// transform="translate(..) rotate(..) ..." - the list is applied right to left.
+Affine parseTransform(const QByteArray &text)
+{
+    Affine result;
+    int pos = 0;
+    while (pos < text.size()) {
+        const int open = text.indexOf('(', pos);
+        const int close = open < 0 ? -1 : text.indexOf(')', open);
+        if (close < 0)
+            break;
+        const QByteArray name = text.mid(pos, open - pos).replace(',', ' ').trimmed();
+        Scanner s(text.mid(open + 1, close - open - 1));
+        double v[6];
+        int n = 0;
+        while (n < 6 && s.number(&v[n]))
+            ++n;
+        Affine t;
+        if (name == "matrix" && n == 6) {
+            t.a = v[0]; t.b = v[1]; t.c = v[2]; t.d = v[3]; t.e = v[4]; t.f = v[5];
+        } else if (name == "translate" && n >= 1) {
+            t.e = v[0];
+            t.f = n >= 2 ? v[1] : 0;
+        } else if (name == "scale" && n >= 1) {
+            t.a = v[0];
+            t.d = n >= 2 ? v[1] : v[0];
+        } else if (name == "rotate" && n >= 1) {
+            const double r = v[0] * Pi / 180;
+            Affine rot;
+            rot.a = std::cos(r); rot.b = std::sin(r); rot.c = -std::sin(r); rot.d = std::cos(r);
+            if (n >= 3) {
+                Affine to, back;
+                to.e = v[1]; to.f = v[2];
+                back.e = -v[1]; back.f = -v[2];
+                t = to.then(rot).then(back);
+            } else {
+                t = rot;
+            }
+        } else if (name == "skewX" && n >= 1) {
+            t.c = std::tan(v[0] * Pi / 180);
+        } else if (name == "skewY" && n >= 1) {
+            t.b = std::tan(v[0] * Pi / 180);
+        } else {
+            break;  // an unknown or malformed entry ends the list, as it would for a browser
+        }
+        result = result.then(t);
+        pos = close + 1;
+    }
+    return result;
+}
+
+bool isHidden(const QXmlStreamAttributes &attrs)
+{
+    if (attrs.value(QLatin1String("display")).trimmed() == QLatin1String("none"))
+        return true;
+    const QString style = attrs.value(QLatin1String("style")).toString();
+    for (const QString &decl : style.split(QLatin1Char(';'))) {
+        const int colon = decl.indexOf(QLatin1Char(':'));
+        if (colon > 0 && decl.left(colon).trimmed() == QLatin1String("display")
+            && decl.mid(colon + 1).trimmed() == QLatin1String("none"))
+            return true;
+    }
+    return false;
+}
+
+// Whose contents are only referenced, never drawn where they stand.
+bool isNonRendering(const QStringRef &name)
+{
+    static const char *const names[] = {"defs", "clipPath", "mask", "marker", "pattern", "symbol",
+                                        "linearGradient", "radialGradient", "filter", "style",
+                                        "title", "desc", "metadata", "text", "image", "foreignObject"};
+    for (const char *n : names)
+        if (name == QLatin1String(n))
+            return true;
+    return false;
+}
+
+void ellipse(PathBuilder *pb, double cx, double cy, double rx, double ry)
+{
+    const double kx = rx * QuarterArcKappa, ky = ry * QuarterArcKappa;
+    pb->moveTo(cx + rx, cy);
+    pb->cubicTo(cx + rx, cy + ky, cx + kx, cy + ry, cx, cy + ry);
+    pb->cubicTo(cx - kx, cy + ry, cx - rx, cy + ky, cx - rx, cy);
+    pb->cubicTo(cx - rx, cy - ky, cx - kx, cy - ry, cx, cy - ry);
+    pb->cubicTo(cx + kx, cy - ry, cx + rx, cy - ky, cx + rx, cy);
+    pb->close();
+}
+
+void rect(PathBuilder *pb, const QXmlStreamAttributes &attrs)
+{
+    const double x = attrNumber(attrs, "x"), y = attrNumber(attrs, "y");
+    const double w = attrNumber(attrs, "width"), h = attrNumber(attrs, "height");
+    if (!(w > 0 && h > 0))
+        return;  // a rect without area is not drawn
+    double rx = attrNumber(attrs, "rx", -1), ry = attrNumber(attrs, "ry", -1);
+    if (rx < 0 && ry >= 0)
+        rx = ry;
+    if (ry < 0 && rx >= 0)
+        ry = rx;
+    rx = std::min(std::max(rx, 0.0), w / 2);
+    ry = std::min(std::max(ry, 0.0), h / 2);
+    if (rx <= 0 || ry <= 0) {
+        pb->moveTo(x, y);
+        pb->lineTo(x + w, y);
+        pb->lineTo(x + w, y + h);
+        pb->lineTo(x, y + h);
+        pb->close();
+        return;
+    }
+    const double kx = rx * QuarterArcKappa, ky = ry * QuarterArcKappa;
+    pb->moveTo(x + rx, y);
+    pb->lineTo(x + w - rx, y);
+    pb->cubicTo(x + w - rx + kx, y, x + w, y + ry - ky, x + w, y + ry);
+    pb->lineTo(x + w, y + h - ry);
+    pb->cubicTo(x + w, y + h - ry + ky, x + w - rx + kx, y + h, x + w - rx, y + h);
+    pb->lineTo(x + rx, y + h);
+    pb->cubicTo(x + rx - kx, y + h, x, y + h - ry + ky, x, y + h - ry);
+    pb->lineTo(x, y + ry);
+    pb->cubicTo(x, y + ry - ky, x + rx - kx, y, x + rx, y);
+    pb->close();
+}
+
+void polyline(PathBuilder *pb, const QXmlStreamAttributes &attrs, bool closed)
+{
+    Scanner s(attrs.value(QLatin1String("points")).toLatin1());
+    double x, y;
+    bool first = true;
+    while (s.number(&x) && s.number(&y)) {
+        if (first)
+            pb->moveTo(x, y);
+        else
+            pb->lineTo(x, y);
+        first = false;
+    }
+    if (closed)
+        pb->close();
+}
+
+// Fills `pb` for a drawing element; false for any other element.
+bool buildShape(const QStringRef &name, const QXmlStreamAttributes &attrs, PathBuilder *pb)
+{
+    if (name == QLatin1String("path")) {
+        parsePathData(attrs.value(QLatin1String("d")).toLatin1(), pb);
+    } else if (name == QLatin1String("rect")) {
+        rect(pb, attrs);
+    } else if (name == QLatin1String("circle")) {
+        const double r = attrNumber(attrs, "r");
+        if (r > 0)
+            ellipse(pb, attrNumber(attrs, "cx"), attrNumber(attrs, "cy"), r, r);
+    } else if (name == QLatin1String("ellipse")) {
+        const double rx = attrNumber(attrs, "rx"), ry = attrNumber(attrs, "ry");
+        if (rx > 0 && ry > 0)
+            ellipse(pb, attrNumber(attrs, "cx"), attrNumber(attrs, "cy"), rx, ry);
+    } else if (name == QLatin1String("line")) {
+        pb->moveTo(attrNumber(attrs, "x1"), attrNumber(attrs, "y1"));
+        pb->lineTo(attrNumber(attrs, "x2"), attrNumber(attrs, "y2"));
+    } else if (name == QLatin1String("polyline")) {
+        polyline(pb, attrs, false);
+    } else if (name == QLatin1String("polygon")) {
+        polyline(pb, attrs, true);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+// Size of one unit in px at the given resolution; 0 for a unit we cannot place (%).
+double unitInPx(const QByteArray &unit, double dpi)
+{
+    if (unit.isEmpty() || unit == "px")
+        return 1;
+    if (unit == "pt")
+        return dpi / 72;
+    if (unit == "pc")
+        return dpi / 6;
+    if (unit == "mm")
+        return dpi / 25.4;
+    if (unit == "cm")
+        return dpi / 2.54;
+    if (unit == "in")
+        return dpi;
+    if (unit == "em")
+        return 16;
+    if (unit == "ex")
+        return 8;
+    return 0;
+}
+
+// A width or height attribute in px; false when missing, relative or not positive.
+bool lengthInPx(const QStringRef &text, double dpi, double *px)
+{
+    Scanner s(text.toLatin1());
+    double v;
+    if (!s.number(&v))
+        return false;
+    const double unit = unitInPx(s.rest(), dpi);
+    if (unit <= 0)
+        return false;
+    *px = v * unit;
+    return true;
+}
+
+// Maps user units to px through width, height, viewBox and preserveAspectRatio.
+struct Viewport
+{
+    Affine toPx;
+    bool hasViewBox = false;
+    double widthPx = 0;
+    double heightPx = 0;
+};
+
+Viewport readViewport(const QXmlStreamAttributes &attrs, double dpi)
+{
+    Viewport vp;
+    double w = 0, h = 0;
+    const bool hasW = lengthInPx(attrs.value(QLatin1String("width")), dpi, &w);
+    const bool hasH = lengthInPx(attrs.value(QLatin1String("height")), dpi, &h);
+
+    Scanner s(attrs.value(QLatin1String("viewBox")).toLatin1());
+    double vb[4];
+    const bool hasVb = s.number(&vb[0]) && s.number(&vb[1]) && s.number(&vb[2]) && s.number(&vb[3])
+                       && vb[2] > 0 && vb[3] > 0;
+    if (!hasVb) {
+        vp.widthPx = hasW ? w : 0;
+        vp.heightPx = hasH ? h : 0;
+        return vp;  // user units are px
+    }
+    vp.hasViewBox = true;
+    vp.widthPx = hasW ? w : vb[2];
+    vp.heightPx = hasH ? h : vb[3];
+    double sx = vp.widthPx / vb[2];
+    double sy = vp.heightPx / vb[3];
+    double tx = 0, ty = 0;
+    const QStringList par = attrs.value(QLatin1String("preserveAspectRatio")).toString().simplified().split(QLatin1Char(' '));
+    const QString align = par.value(0);
+    if (align != QLatin1String("none")) {
+        const bool slice = par.contains(QLatin1String("slice"));
+        const double k = slice ? std::max(sx, sy) : std::min(sx, sy);
+        const double freeX = vp.widthPx - vb[2] * k;
+        const double freeY = vp.heightPx - vb[3] * k;
+        const bool minX = align.startsWith(QLatin1String("xMin")), maxX = align.startsWith(QLatin1String("xMax"));
+        const bool minY = align.endsWith(QLatin1String("YMin")), maxY = align.endsWith(QLatin1String("YMax"));
+        tx = minX ? 0 : maxX ? freeX : freeX / 2;
+        ty = minY ? 0 : maxY ? freeY : freeY / 2;
+        sx = sy = k;
+    }
+    vp.toPx.a = sx;
+    vp.toPx.d = sy;
+    vp.toPx.e = tx - vb[0] * sx;
+    vp.toPx.f = ty - vb[1] * sy;
+    return vp;
+}
+
+struct Frame
+{
+    Affine m;
+    bool skip = false;
+};
+
+} // namespace
+
+SvgImage *SvgReader::parseFromFile(const char *path, const char *units, float dpi)
+{
+    if (!path)
+        return nullptr;
+    QFile file(QFile::decodeName(QByteArray(path)));
+    if (!file.open(QIODevice::ReadOnly))
+        return nullptr;
+    return parse(file.readAll(), units, dpi);
+}
+
+SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float dpi)
+{
+    const double unitPx = unitInPx(QByteArray(units ? units : "px"), dpi);
+    if (!(unitPx > 0))
+        return nullptr;
+
+    QXmlStreamReader xml(document);
+    std::vector<Frame> stack;  // explicit stack: deep nesting costs memory, not call depth
+    std::vector<PathBuilder::Sub> collected;
+    std::vector<size_t> shapeEnds;  // end index into `collected` for each shape
+    std::vector<Affine> shapeTransforms;
+    Viewport vp;
+    bool sawRoot = false;
+
+    while (!xml.atEnd()) {
+        const QXmlStreamReader::TokenType token = xml.readNext();
+        if (token == QXmlStreamReader::EndElement) {
+            if (!stack.empty())
+                stack.pop_back();
+            continue;
+        }
+        if (token != QXmlStreamReader::StartElement)
+            continue;
+        const QStringRef name = xml.name();
+        const QXmlStreamAttributes attrs = xml.attributes();
+        const QStringRef ns = xml.namespaceUri();
+        const bool svgElement = ns.isEmpty() || ns == QLatin1String(SvgNamespace);
+        if (!sawRoot) {
+            if (name != QLatin1String("svg") || !svgElement)
+                return nullptr;
+            sawRoot = true;
+            vp = readViewport(attrs, dpi);
+            Frame root;
+            root.skip = isHidden(attrs);
+            root.m = parseTransform(attrs.value(QLatin1String("transform")).toLatin1());
+            stack.push_back(root);
+            continue;
+        }
+        Frame f = stack.empty() ? Frame() : stack.back();
+        if (!f.skip && (!svgElement || isHidden(attrs) || isNonRendering(name)))
+            f.skip = true;
+        if (!f.skip) {
+            f.m = f.m.then(parseTransform(attrs.value(QLatin1String("transform")).toLatin1()));
+            PathBuilder pb;
+            if (buildShape(name, attrs, &pb)) {
+                std::vector<PathBuilder::Sub> &subs = pb.subs();
+                if (!subs.empty()) {
+                    for (PathBuilder::Sub &sub : subs)
+                        collected.push_back(std::move(sub));
+                    shapeEnds.push_back(collected.size());
+                    shapeTransforms.push_back(f.m);
+                }
+            }
+        }
+        stack.push_back(f);
+    }
+    if (xml.hasError() || !sawRoot)
+        return nullptr;
+
+    // User units -> px -> the requested units, in single precision at the end.
+    const double toUnits = 1.0 / unitPx;
+    SvgImage *image = new SvgImage;
+    image->width = float(vp.widthPx * toUnits);
+    image->height = float(vp.heightPx * toUnits);
+    image->shapes.resize(shapeEnds.size());
+    float minX = std::numeric_limits<float>::max(), minY = minX;
+    size_t begin = 0;
+    bool finite = true;
+    for (size_t si = 0; si < shapeEnds.size(); ++si) {
+        const Affine m = vp.toPx.then(shapeTransforms[si]);
+        SvgShape &shape = image->shapes[si];
+        for (size_t k = begin; k < shapeEnds[si]; ++k) {
+            const PathBuilder::Sub &sub = collected[k];
+            SvgPath path;
+            path.closed = sub.closed;
+            path.pts.resize(sub.pts.size());
+            for (size_t i = 0; i + 1 < sub.pts.size(); i += 2) {
+                double x, y;
+                m.map(sub.pts[i], sub.pts[i + 1], &x, &y);
+                x *= toUnits;
+                y *= toUnits;
+                if (!(std::fabs(x) <= FloatMax && std::fabs(y) <= FloatMax)) {
+                    finite = false;
+                    x = y = 0;
+                }
+                path.pts[i] = float(x);
+                path.pts[i + 1] = float(y);
+                minX = std::min(minX, path.pts[i]);
+                minY = std::min(minY, path.pts[i + 1]);
+            }
+            shape.paths.push_back(std::move(path));
+        }
+        begin = shapeEnds[si];
+    }
+    if (!finite) {
+        delete image;
+        return nullptr;
+    }
+    if (!vp.hasViewBox && !image->shapes.empty()) {
+        for (SvgShape &shape : image->shapes)
+            for (SvgPath &path : shape.paths)
+                for (size_t i = 0; i + 1 < path.pts.size(); i += 2) {
+                    path.pts[i] -= minX;
+                    path.pts[i + 1] -= minY;
+                }
+    }
+    return image;
+}
+
+void SvgReader::release(SvgImage *image)
+{
+    delete image;
+}

@@ -1,0 +1,273 @@
+// Tests of the SVG reader: elements to cubic paths, transforms, document units,
+// what is not drawn, and files it must refuse or survive.
+#include "svgreader.h"
+#include "testsupport.h"
+
+#include <QFile>
+
+namespace {
+
+// "x,y x,y ..." per path ("Z:" first when closed), " | " between paths, a line per shape.
+QString dump(const SvgImage *image)
+{
+    QStringList shapes;
+    for (const SvgShape &shape : image->shapes) {
+        QStringList paths;
+        for (const SvgPath &path : shape.paths) {
+            QStringList pts;
+            for (int i = 0; i < path.npts(); ++i)
+                pts << QStringLiteral("%1,%2").arg(double(path.pts[2 * i]), 0, 'g', 6)
+                           .arg(double(path.pts[2 * i + 1]), 0, 'g', 6);
+            paths << (path.closed ? QStringLiteral("Z:") : QString()) + pts.join(QLatin1Char(' '));
+        }
+        shapes << paths.join(QStringLiteral(" | "));
+    }
+    return shapes.join(QLatin1Char('\n'));
+}
+
+// A document whose user unit is one millimetre, so coordinates come out as written.
+QByteArray mmDocument(const QByteArray &body)
+{
+    return "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"100mm\" height=\"100mm\" viewBox=\"0 0 100 100\">"
+           + body + "</svg>";
+}
+
+QString parseDump(const QByteArray &document)
+{
+    SvgImage *image = SvgReader::parse(document, "mm", 0.1f);
+    if (!image)
+        return QStringLiteral("<null>");
+    const QString text = dump(image);
+    SvgReader::release(image);
+    return text;
+}
+
+} // namespace
+
+class TestSvgReader : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void elements_data();
+    void elements();
+    void units_data();
+    void units();
+    void refused_data();
+    void refused();
+    void missingFile();
+    void fileOnDiskByName();
+    void deepNesting();
+    void longPath();
+};
+
+void TestSvgReader::elements_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("line: control points at the thirds")
+        << QByteArray("<line x1='0' y1='0' x2='3' y2='6'/>") << "0,0 1,2 2,4 3,6";
+    QTest::newRow("Z with the pen elsewhere adds the closing line")
+        << QByteArray("<path d='M0 0 L3 0 L3 3 Z'/>") << "Z:0,0 1,0 2,0 3,0 3,1 3,2 3,3 2,2 1,1 0,0";
+    QTest::newRow("Z with the pen at the start adds nothing")
+        << QByteArray("<path d='M0 0 L3 0 L0 0 Z'/>") << "Z:0,0 1,0 2,0 3,0 2,0 1,0 0,0";
+    QTest::newRow("relative moves, h and v")
+        << QByteArray("<path d='m1 1 h3 v3'/>") << "1,1 2,1 3,1 4,1 4,2 4,3 4,4";
+    QTest::newRow("two subpaths in one shape")
+        << QByteArray("<path d='M0 0 L3 0 M6 0 L9 0'/>") << "0,0 1,0 2,0 3,0 | 6,0 7,0 8,0 9,0";
+    QTest::newRow("moveto pairs continue as lines")
+        << QByteArray("<path d='M0 0 3 0'/>") << "0,0 1,0 2,0 3,0";
+    QTest::newRow("a drawing command after Z starts at the old start")
+        << QByteArray("<path d='M0 0 L3 0 Z l0 3'/>")
+        << "Z:0,0 1,0 2,0 3,0 2,0 1,0 0,0 | 0,0 0,1 0,2 0,3";
+    QTest::newRow("quadratic raised to cubic")
+        << QByteArray("<path d='M0 0 Q3 3 6 0'/>") << "0,0 2,2 4,2 6,0";
+    QTest::newRow("S reflects the last control point")
+        << QByteArray("<path d='M0 0 C0 3 3 3 3 0 S6 -3 6 0'/>") << "0,0 0,3 3,3 3,0 3,-3 6,-3 6,0";
+    QTest::newRow("T reflects the last quadratic point")
+        << QByteArray("<path d='M0 0 Q3 3 6 0 T12 0'/>") << "0,0 2,2 4,2 6,0 8,-2 10,-2 12,0";
+    QTest::newRow("S after a line uses the pen as first control")
+        << QByteArray("<path d='M0 0 L3 0 S6 3 6 0'/>") << "0,0 1,0 2,0 3,0 3,0 6,3 6,0";
+    QTest::newRow("quarter arc is one cubic")
+        << QByteArray("<path d='M10 0 A10 10 0 0 1 0 10'/>") << "10,0 10,5.52285 5.52285,10 0,10";
+    QTest::newRow("half arc is two cubics, flags written together")
+        << QByteArray("<path d='M0 0a3 3 0 016 0'/>")
+        << "0,0 0,-1.65685 1.34315,-3 3,-3 4.65685,-3 6,-1.65685 6,0";
+    QTest::newRow("arc with radius 0 is a line")
+        << QByteArray("<path d='M0 0 A0 5 0 0 1 3 0'/>") << "0,0 1,0 2,0 3,0";
+    QTest::newRow("rect")
+        << QByteArray("<rect x='1' y='2' width='3' height='6'/>")
+        << "Z:1,2 2,2 3,2 4,2 4,4 4,6 4,8 3,8 2,8 1,8 1,6 1,4 1,2";
+    QTest::newRow("rect without area is not drawn")
+        << QByteArray("<rect x='1' y='2' width='0' height='6'/>") << "";
+    QTest::newRow("circle: four cubics, closed")
+        << QByteArray("<circle cx='5' cy='5' r='2'/>")
+        << "Z:7,5 7,6.10457 6.10457,7 5,7 3.89543,7 3,6.10457 3,5 3,3.89543 3.89543,3 5,3 6.10457,3 7,3.89543 7,5";
+    QTest::newRow("ellipse")
+        << QByteArray("<ellipse cx='0' cy='0' rx='4' ry='2'/>")
+        << "Z:4,0 4,1.10457 2.20914,2 0,2 -2.20914,2 -4,1.10457 -4,0 -4,-1.10457 -2.20914,-2 0,-2 2.20914,-2 4,-1.10457 4,0";
+    QTest::newRow("polyline stays open")
+        << QByteArray("<polyline points='0,0 3,0 3,3'/>") << "0,0 1,0 2,0 3,0 3,1 3,2 3,3";
+    QTest::newRow("polygon closes")
+        << QByteArray("<polygon points='0,0 3,0 3,3'/>") << "Z:0,0 1,0 2,0 3,0 3,1 3,2 3,3 2,2 1,1 0,0";
+    QTest::newRow("group and element transforms")
+        << QByteArray("<g transform='translate(10,20)'><line x1='0' y1='0' x2='3' y2='0' transform='scale(2)'/></g>")
+        << "10,20 12,20 14,20 16,20";
+    QTest::newRow("transform list applies right to left")
+        << QByteArray("<line x1='0' y1='0' x2='3' y2='0' transform='translate(1 0) scale(2 3)'/>")
+        << "1,0 3,0 5,0 7,0";
+    QTest::newRow("matrix")
+        << QByteArray("<line x1='0' y1='0' x2='3' y2='0' transform='matrix(0 1 -1 0 5 5)'/>")
+        << "5,5 5,6 5,7 5,8";
+    QTest::newRow("one shape per element")
+        << QByteArray("<line x1='0' y1='0' x2='3' y2='0'/><line x1='0' y1='3' x2='3' y2='3'/>")
+        << "0,0 1,0 2,0 3,0\n0,3 1,3 2,3 3,3";
+    QTest::newRow("display none, as attribute and in style, hides the subtree")
+        << QByteArray("<line x1='0' y1='0' x2='3' y2='0' display='none'/>"
+                      "<g style='fill:red; display : none'><line x1='0' y1='0' x2='3' y2='0'/></g>"
+                      "<line x1='0' y1='3' x2='3' y2='3'/>")
+        << "0,3 1,3 2,3 3,3";
+    QTest::newRow("defs, text, images and gradients are not drawn")
+        << QByteArray("<defs><path d='M0 0 L3 0'/></defs><text x='1' y='1'>hi</text>"
+                      "<image href='x.png' width='5' height='5'/>"
+                      "<linearGradient id='g'><stop offset='0'/></linearGradient>"
+                      "<line x1='0' y1='3' x2='3' y2='3'/>")
+        << "0,3 1,3 2,3 3,3";
+    QTest::newRow("a lone moveto is dropped")
+        << QByteArray("<path d='M1 1 M0 0 L3 0'/>") << "0,0 1,0 2,0 3,0";
+    QTest::newRow("bad path data keeps what came before")
+        << QByteArray("<path d='M0 0 L3 0 L x 5'/>") << "0,0 1,0 2,0 3,0";
+    QTest::newRow("path data not starting with a moveto draws nothing")
+        << QByteArray("<path d='L3 0 L3 3'/>") << "";
+}
+
+void TestSvgReader::elements()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(QString, expected);
+    QCOMPARE(parseDump(mmDocument(body)), expected);
+}
+
+void TestSvgReader::units_data()
+{
+    QTest::addColumn<QByteArray>("svgTag");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("expected");
+
+    const QByteArray line = "<line x1='0' y1='0' x2='3' y2='0'/>";
+    QTest::newRow("mm through the viewBox") << QByteArray("width='100mm' height='100mm' viewBox='0 0 50 50'")
+                                            << line << "0,0 2,0 4,0 6,0";
+    QTest::newRow("cm") << QByteArray("width='10cm' height='10cm' viewBox='0 0 100 100'") << line
+                        << "0,0 1,0 2,0 3,0";
+    QTest::newRow("in") << QByteArray("width='1in' height='1in' viewBox='0 0 254 254'") << line
+                        << "0,0 0.1,0 0.2,0 0.3,0";
+    QTest::newRow("pt") << QByteArray("width='72pt' height='72pt' viewBox='0 0 72 72'") << line
+                        << "0,0 0.352778,0 0.705556,0 1.05833,0";
+    QTest::newRow("pc") << QByteArray("width='6pc' height='6pc' viewBox='0 0 6 6'") << line
+                        << "0,0 4.23333,0 8.46667,0 12.7,0";
+    QTest::newRow("px with viewBox: times 254") << QByteArray("width='100' height='100' viewBox='0 0 100 100'")
+                                                << QByteArray("<line x1='1' y1='1' x2='4' y2='1'/>")
+                                                << "254,254 508,254 762,254 1016,254";
+    QTest::newRow("px without viewBox: times 254, shifted to 0") << QByteArray("width='100px' height='100px'")
+                                                                 << QByteArray("<line x1='1' y1='2' x2='4' y2='2'/>")
+                                                                 << "0,0 254,0 508,0 762,0";
+    QTest::newRow("no size at all: px, shifted") << QByteArray()
+                                                 << QByteArray("<line x1='-1' y1='5' x2='2' y2='5'/>")
+                                                 << "0,0 254,0 508,0 762,0";
+    QTest::newRow("viewBox without size") << QByteArray("viewBox='0 0 10 10'") << line
+                                          << "0,0 254,0 508,0 762,0";
+    QTest::newRow("viewBox origin") << QByteArray("width='100mm' height='100mm' viewBox='10 10 100 100'")
+                                    << QByteArray("<line x1='10' y1='10' x2='13' y2='10'/>") << "0,0 1,0 2,0 3,0";
+    QTest::newRow("aspect kept and centred") << QByteArray("width='100mm' height='50mm' viewBox='0 0 100 100'")
+                                             << line << "25,0 25.5,0 26,0 26.5,0";
+    QTest::newRow("aspect none stretches")
+        << QByteArray("width='100mm' height='50mm' viewBox='0 0 100 100' preserveAspectRatio='none'")
+        << QByteArray("<line x1='0' y1='2' x2='3' y2='2'/>") << "0,1 1,1 2,1 3,1";
+    QTest::newRow("zero width collapses x without failing") << QByteArray("width='0' height='10mm' viewBox='0 0 10 10'")
+                                                            << QByteArray("<line x1='0' y1='3' x2='3' y2='0'/>")
+                                                            << "0,5 0,5 0,5 0,5";
+}
+
+void TestSvgReader::units()
+{
+    QFETCH(QByteArray, svgTag);
+    QFETCH(QByteArray, body);
+    QFETCH(QString, expected);
+    QCOMPARE(parseDump("<svg xmlns='http://www.w3.org/2000/svg' " + svgTag + ">" + body + "</svg>"), expected);
+}
+
+void TestSvgReader::refused_data()
+{
+    QTest::addColumn<QByteArray>("document");
+
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("truncated") << QByteArray("<svg xmlns='http://www.w3.org/2000/svg'><path d='M0 0 L1");
+    QTest::newRow("unclosed root") << QByteArray("<svg><line x1='0' y1='0' x2='3' y2='0'/>");
+    QByteArray garbage;
+    for (int i = 0; i < 4096; ++i)
+        garbage.append(char((i * 7919 + 13) % 256));
+    QTest::newRow("binary garbage") << garbage;
+    QTest::newRow("not an svg root") << QByteArray("<html><line x1='0' y1='0' x2='3' y2='0'/></html>");
+    QTest::newRow("coordinate beyond a float") << QByteArray("<svg><line x1='0' y1='0' x2='1e37' y2='0'/></svg>");
+}
+
+void TestSvgReader::refused()
+{
+    QFETCH(QByteArray, document);
+    QCOMPARE(parseDump(document), QStringLiteral("<null>"));
+}
+
+void TestSvgReader::missingFile()
+{
+    ScopedWorkDir dir;
+    QCOMPARE(SvgReader::parseFromFile("no-such-file.svg", "mm", 0.1f), static_cast<SvgImage *>(nullptr));
+    QCOMPARE(SvgReader::parseFromFile(nullptr, "mm", 0.1f), static_cast<SvgImage *>(nullptr));
+}
+
+void TestSvgReader::fileOnDiskByName()
+{
+    ScopedWorkDir dir;
+    QFile f(dir.file(QStringLiteral("drawing.svg")));
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write(mmDocument("<line x1='0' y1='0' x2='3' y2='6'/>"));
+    f.close();
+    SvgImage *image = SvgReader::parseFromFile("drawing.svg", "mm", 0.1f);
+    QVERIFY(image);
+    QCOMPARE(dump(image), QStringLiteral("0,0 1,2 2,4 3,6"));
+    QCOMPARE(image->width, 100.0f);
+    QCOMPARE(image->height, 100.0f);
+    SvgReader::release(image);
+}
+
+void TestSvgReader::deepNesting()
+{
+    const int depth = 20000;
+    QByteArray body;
+    for (int i = 0; i < depth; ++i)
+        body += "<g transform='translate(1,0)'>";
+    body += "<line x1='0' y1='0' x2='3' y2='0'/>";
+    for (int i = 0; i < depth; ++i)
+        body += "</g>";
+    QCOMPARE(parseDump(mmDocument(body)), QStringLiteral("20000,0 20001,0 20002,0 20003,0"));
+}
+
+void TestSvgReader::longPath()
+{
+    const int segments = 100000;
+    QByteArray d = "M0 0";
+    for (int i = 0; i < segments; ++i)
+        d += (i % 2) ? " l1 0" : " l0 1";
+    SvgImage *image = SvgReader::parse(mmDocument("<path d='" + d + "'/>"), "mm", 0.1f);
+    QVERIFY(image);
+    QCOMPARE(int(image->shapes.size()), 1);
+    QCOMPARE(int(image->shapes[0].paths.size()), 1);
+    const SvgPath &path = image->shapes[0].paths[0];
+    QCOMPARE(path.npts(), 1 + 3 * segments);
+    QCOMPARE(path.pts[2 * 3 * segments], float(segments / 2));
+    QCOMPARE(path.pts[2 * 3 * segments + 1], float(segments / 2));
+    SvgReader::release(image);
+}
+
+TARNWELL_TEST_MAIN(TestSvgReader)
+#include "tst_svgreader.moc"
