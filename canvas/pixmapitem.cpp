@@ -2,7 +2,9 @@
 // moved by its body, resized about its centre from the bottom-right corner.
 #include "pixmapitem.h"
 
+#include <QBuffer>
 #include <QDebug>
+#include <QFile>
 #include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QImageReader>
@@ -24,6 +26,8 @@ int truncated(double value)
         return 0;
     return static_cast<int>(qBound(-IntLimit, value, IntLimit));
 }
+
+constexpr int DecodeOversize = 2;
 
 const QColor FrameOutside(255, 0, 0);
 const QColor FrameInside(67, 240, 20);
@@ -59,25 +63,52 @@ QPainterPath PixmapItem::shape() const
     return path;
 }
 
-QPixmap PixmapItem::loadScaled(const QString &path, int width, int height)
+QPixmap PixmapItem::loadScaled(int width, int height)
 {
     if (width <= 0 || height <= 0)
         return QPixmap();
-    // Decoding straight at the shown size keeps a resize step fast even for photos
-    // of many megapixels; the JPEG decoder then skips most of the work.
-    QImageReader reader(path);
-    reader.setScaledSize(QSize(width, height));
-    QImage image = reader.read();
-    if (image.isNull())
+    QFile file(m_path);
+    QByteArray bytes;
+    if (file.open(QIODevice::ReadOnly))
+        bytes = file.readAll();
+    const QSize wanted(width, height);
+    if (bytes.isEmpty()) {
+        m_decodedBytes.clear();
+        m_decoded = QImage();
         return QPixmap();
-    if (image.size() != QSize(width, height))
-        image = image.scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    return QPixmap::fromImage(image);
+    }
+    // A photo of many megapixels costs hundreds of milliseconds to decode, far too
+    // slow for a drag; the file is still read at every step, but decoded again only
+    // when its bytes changed or the kept picture became too small.
+    const bool tooSmall = !m_decodedWhole
+                          && (m_decoded.width() < width || m_decoded.height() < height);
+    if (bytes != m_decodedBytes || m_decoded.isNull() || tooSmall) {
+        QBuffer buffer(&bytes);
+        QImageReader reader(&buffer);
+        const QSize full = reader.size();
+        m_decodedWhole = true;
+        if (full.isValid()) {
+            // Twice the shown size keeps the smooth scaling below as fine as from the original.
+            const QSize reduced(int(qMin<qint64>(full.width(), qint64(DecodeOversize) * width)),
+                                int(qMin<qint64>(full.height(), qint64(DecodeOversize) * height)));
+            if (reduced != full) {
+                reader.setScaledSize(reduced);
+                m_decodedWhole = false;
+            }
+        }
+        m_decoded = reader.read();
+        m_decodedBytes = m_decoded.isNull() ? QByteArray() : bytes;
+    }
+    if (m_decoded.isNull())
+        return QPixmap();
+    if (m_decoded.size() == wanted)
+        return QPixmap::fromImage(m_decoded);
+    return QPixmap::fromImage(m_decoded.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
 }
 
 void PixmapItem::reloadPicture()
 {
-    setPixmap(loadScaled(m_path, truncated(m_rect.width()), truncated(m_rect.height())));
+    setPixmap(loadScaled(truncated(m_rect.width()), truncated(m_rect.height())));
 }
 
 void PixmapItem::ResetRect(QRectF r)

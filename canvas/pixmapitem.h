@@ -3,7 +3,9 @@
 #ifndef PIXMAPITEM_H
 #define PIXMAPITEM_H
 
+#include <QByteArray>
 #include <QCursor>
+#include <QImage>
 #include <QGraphicsPixmapItem>
 #include <QObject>
 #include <QPixmap>
@@ -35,8 +37,9 @@ public:
     bool isResizeArmed() const { return m_resizeArmed; }
     int dragMode() const { return m_dragMode; }
 
-    // Reads the picture file at the given size in pixels; an empty size gives a null picture.
-    static QPixmap loadScaled(const QString &path, int width, int height);
+    // Reads the picture file afresh and gives it at the given size in pixels;
+    // an empty size or an unreadable file gives a null picture.
+    QPixmap loadScaled(int width, int height);
 
 signals:
     void SigPosTag(QRectF rect);
@@ -75,6 +78,12 @@ private:
     int m_dragMode = 0;
     int m_areaHeight = 200;
     int m_areaWidth = 170;
+
+    // The bytes of the last decode and the picture decoded from them, at least
+    // twice the shown size; a step whose file still holds the same bytes skips the decode.
+    QByteArray m_decodedBytes;
+    QImage m_decoded;
+    bool m_decodedWhole = false;
 };
 
 #endif

@@ -85,6 +85,8 @@ private slots:
     void paintInArea();
     void resetRect_data();
     void resetRect();
+    void reloadFollowsFile_data();
+    void reloadFollowsFile();
 };
 
 void TestCanvasItems::typeNumbers()
@@ -326,6 +328,52 @@ void TestCanvasItems::resetRect()
     QCOMPARE(rectOf(item), expected);
     QCOMPARE(item->pos(), QPointF(20, 20));
     QCOMPARE(reports.count(), 0);
+}
+
+void TestCanvasItems::reloadFollowsFile_data()
+{
+    QTest::addColumn<QSize>("newPicture");
+    QTest::addColumn<QRgb>("newColour");
+    QTest::addColumn<QSizeF>("shown");
+    QTest::addColumn<bool>("shows");
+
+    // The item shows a blue 200 x 100 picture at 100 x 50 before the file changes.
+    QTest::newRow("same size, other colour") << QSize(200, 100) << qRgb(255, 255, 0) << QSizeF(100, 50) << true;
+    QTest::newRow("smaller picture") << QSize(20, 10) << qRgb(0, 255, 255) << QSizeF(100, 50) << true;
+    QTest::newRow("unchanged, shown larger") << QSize(200, 100) << qRgb(0, 0, 255) << QSizeF(180, 90) << true;
+    QTest::newRow("unchanged, shown smaller") << QSize(200, 100) << qRgb(0, 0, 255) << QSizeF(10, 5) << true;
+    QTest::newRow("file gone") << QSize() << qRgb(0, 0, 0) << QSizeF(100, 50) << false;
+    QTest::newRow("file no longer a picture") << QSize(-1, -1) << qRgb(0, 0, 0) << QSizeF(100, 50) << false;
+}
+
+void TestCanvasItems::reloadFollowsFile()
+{
+    QFETCH(QSize, newPicture);
+    QFETCH(QRgb, newColour);
+    QFETCH(QSizeF, shown);
+    QFETCH(bool, shows);
+
+    ScopedWorkDir dir;
+    QVERIFY(writePicture("p.png", 200, 100, QColor(0, 0, 255)));
+    PGraphicsScene scene;
+    auto *item = static_cast<PixmapItem *>(addDesign(&scene, "bitmap", QPointF(0, 0), "p.png"));
+    QCOMPARE(item->pixmap().toImage().pixel(50, 25), qRgb(0, 0, 255));
+
+    if (newPicture.isEmpty() && newPicture.width() == -1)
+        QVERIFY(writeText("p.png", "garbage"));
+    else if (newPicture.isEmpty())
+        QVERIFY(QFile::remove("p.png"));
+    else
+        QVERIFY(writePicture("p.png", newPicture.width(), newPicture.height(), QColor(newColour)));
+
+    item->ResetRect(QRectF(QPointF(0, 0), shown));
+    QCOMPARE(item->rect(), QRectF(QPointF(0, 0), shown));
+    QCOMPARE(item->pixmap().isNull(), !shows);
+    if (shows) {
+        const QImage image = item->pixmap().toImage();
+        QCOMPARE(image.size(), shown.toSize());
+        QCOMPARE(image.pixel(image.width() / 2, image.height() / 2), newColour);
+    }
 }
 
 TARNWELL_TEST_MAIN(TestCanvasItems)
