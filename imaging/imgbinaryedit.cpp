@@ -146,8 +146,10 @@ void ImgBinaryEdit::refuse(const QString &chinese, const QString &english)
     source = QImage();
     result = QImage();
     m_shownThreshold = -1;
-    m_preview = QImage();
+    m_adaptive = QImage();
+    m_showsAdaptive = false;
     ui->labelSrc->clear();
+    ui->labelDest->clear();
     ui->labelDest->setText(AppSettings::languageIndex() == 0 ? chinese : english);
 }
 
@@ -168,7 +170,7 @@ void ImgBinaryEdit::adopt(const QImage &picture)
     } else {
         applyGlobalThreshold(threshold);
     }
-    showPreview(ui->labelSrc, source, true);
+    showPreview(ui->labelSrc, source, true, false);
 }
 
 void ImgBinaryEdit::ShowSlider()
@@ -203,62 +205,81 @@ void ImgBinaryEdit::applyGlobalThreshold(int threshold)
     if (m_grayMode)
         return;
     if (threshold != m_shownThreshold || source.isNull()) {
-        QImage copy = GlobalThreshold(source, threshold);
-        showResult(copy, true);
-        AppSettings::setThreshold(threshold);
+        QImage copy = GlobalThreshold(source, threshold, std::move(result));
         result = copy;
+        showResult(result, true);
+        AppSettings::setThreshold(threshold);
         m_shownThreshold = source.isNull() ? -1 : threshold;
     }
     ui->label->setText(QString::number(threshold));
 }
 
+// `scaled` false shows the adaptive picture at its own size; everything else is fitted
+// into the label.
 void ImgBinaryEdit::showResult(const QImage &picture, bool scaled)
 {
-    m_preview = picture;
-    m_previewScaled = scaled;
-    showPreview(ui->labelDest, picture, scaled);
+    m_showsAdaptive = !scaled;
+    m_adaptive = scaled ? QImage() : picture;
+    showPreview(ui->labelDest, picture, scaled, true);
 }
 
-void ImgBinaryEdit::showPreview(QLabel *label, const QImage &picture, bool scaled)
+void ImgBinaryEdit::showPreview(QLabel *label, const QImage &picture, bool scaled, bool asWritten)
 {
     if (picture.isNull()) {
         label->clear();
         return;
     }
-    if (!scaled) {
-        label->setPixmap(QPixmap::fromImage(picture));
-        return;
+    QImage shown = picture;
+    if (asWritten && picture.format() == QImage::Format_ARGB32) {
+        // The JPEG file keeps the colour and drops the alpha, so the result is shown the
+        // same way: its alpha-0 white as white. Reading the words as RGB32 shares the
+        // pixels and spares the scaler a premultiplied copy of the whole picture.
+        shown = QImage(picture.constBits(), picture.width(), picture.height(),
+                       picture.bytesPerLine(), QImage::Format_RGB32);
     }
-    const QSize box = label->size().expandedTo(QSize(1, 1));
-    label->setPixmap(QPixmap::fromImage(picture.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
+    if (scaled) {
+        const QSize box = label->size().expandedTo(QSize(1, 1));
+        shown = shown.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    }
+    label->setPixmap(QPixmap::fromImage(shown));
 }
 
 void ImgBinaryEdit::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     if (!source.isNull())
-        showPreview(ui->labelSrc, source, true);
-    if (!m_preview.isNull())
-        showPreview(ui->labelDest, m_preview, m_previewScaled);
+        showPreview(ui->labelSrc, source, true, false);
+    if (m_showsAdaptive)
+        showPreview(ui->labelDest, m_adaptive, false, true);
+    else if (!result.isNull())
+        showPreview(ui->labelDest, result, true, true);
 }
 
-QImage ImgBinaryEdit::GlobalThreshold(const QImage &picture, int threshold)
+QImage ImgBinaryEdit::GlobalThreshold(const QImage &picture, int threshold, QImage reuse)
 {
     if (picture.isNull())
         return QImage();
     const QImage in = Prepare(picture);
-    QImage out(in.size(), in.format());
+    QImage out;
+    if (reuse.isDetached() && reuse.size() == in.size() && reuse.format() == in.format())
+        out = std::move(reuse);
+    else
+        out = QImage(in.size(), in.format());
     if (out.isNull())
         return QImage();
     const int w = in.width();
+    const quint32 limit = quint32(qBound(-1, threshold, 255) + 1);
+    // Branch-free so the compiler can run the loop on vector registers: this runs on
+    // every slider step.
     for (int y = 0; y < in.height(); ++y) {
         const quint32 *src = reinterpret_cast<const quint32 *>(in.constScanLine(y));
         quint32 *dst = reinterpret_cast<quint32 *>(out.scanLine(y));
         for (int x = 0; x < w; ++x) {
             const quint32 p = src[x];
-            const int sum = 11 * int((p >> 16) & 0xFF) + 16 * int((p >> 8) & 0xFF) + 5 * int(p & 0xFF);
-            const bool transparentDark = (p >> 24) == 0 && sum < TransparentDarkSum;
-            dst[x] = (transparentDark || (sum >> 5) > threshold) ? ClearWhite : Black;
+            const quint32 sum = 11 * ((p >> 16) & 0xFF) + 16 * ((p >> 8) & 0xFF) + 5 * (p & 0xFF);
+            const quint32 transparentDark = quint32(p <= 0x00FFFFFFu) & quint32(sum < quint32(TransparentDarkSum));
+            const quint32 white = transparentDark | quint32((sum >> 5) >= limit);
+            dst[x] = white ? ClearWhite : Black;
         }
     }
     return out;

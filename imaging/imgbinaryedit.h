@@ -47,7 +47,9 @@ public:
     // All read and write 32-bit ARGB words; Prepare() gives a picture in such a format.
     static QImage Prepare(const QImage &picture);
     static int Gray(QRgb p) { return (11 * qRed(p) + 16 * qGreen(p) + 5 * qBlue(p)) >> 5; }
-    static QImage GlobalThreshold(const QImage &picture, int threshold);
+    // `reuse` lends its pixel buffer when it is unshared and of the right size: on a
+    // dragged slider that saves the cost of fresh memory for every step.
+    static QImage GlobalThreshold(const QImage &picture, int threshold, QImage reuse = QImage());
     static QImage AdaptiveThreshold(const QImage &picture);
     static QImage InvertedThreshold(const QImage &picture, int threshold);
     static QImage Outline(const QImage &inverted);
@@ -75,7 +77,7 @@ private:
     void refuse(const QString &chinese, const QString &english);
     void applyGlobalThreshold(int threshold);
     void showResult(const QImage &picture, bool scaled);
-    void showPreview(QLabel *label, const QImage &picture, bool scaled);
+    void showPreview(QLabel *label, const QImage &picture, bool scaled, bool asWritten);
 
     Ui::ImgBinaryEdit *ui;
     QImage source;
@@ -85,8 +87,9 @@ private:
     // The threshold that `result` and the preview currently show, or -1. Dragging the
     // slider reports each step twice (moved and changed); the second costs nothing.
     int m_shownThreshold = -1;
-    QImage m_preview;          // what labelDest shows, kept for resizes
-    bool m_previewScaled = true;
+    // What labelDest shows when it is not `result` (the adaptive picture), kept for resizes.
+    QImage m_adaptive;
+    bool m_showsAdaptive = false;
 };
 
 #endif

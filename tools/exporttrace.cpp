@@ -9,23 +9,61 @@
 #include <QImageReader>
 #include <QTextStream>
 
+#include <cstdio>
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
 namespace {
 
 const char *const TraceUsage =
     "Usage: tarnwell-export trace --input PIC --output OUT.svg\n"
     "\n"
     "Traces the dark parts of the picture (gray below 128, transparent as white)\n"
-    "into filled outlines and writes them as an SVG drawing in picture pixels.\n";
+    "into closed outlines, holes included, and writes them as an SVG drawing\n"
+    "whose coordinates are the picture's pixels.\n";
 
 const char *const WorkFile = "black_white.svg";
 
-// The tracer's debug lines are for the program's log window; the exporter's standard
-// error carries only its own message.
-void quietHandler(QtMsgType type, const QMessageLogContext &, const QString &message)
+// The tracer's debug lines are for the program's log window, and the picture decoders
+// print their own complaints straight to the error stream; the exporter's standard error
+// carries only its own one-line message, so both are held back while the tracer runs.
+void quietHandler(QtMsgType, const QMessageLogContext &, const QString &) {}
+
+class QuietStderr
 {
-    if (type == QtCriticalMsg || type == QtFatalMsg)
-        QTextStream(stderr) << message << '\n';
-}
+public:
+    QuietStderr() : m_previous(qInstallMessageHandler(quietHandler))
+    {
+#ifdef Q_OS_UNIX
+        std::fflush(stderr);
+        m_saved = dup(STDERR_FILENO);
+        const int null = open("/dev/null", O_WRONLY);
+        if (m_saved >= 0 && null >= 0)
+            dup2(null, STDERR_FILENO);
+        if (null >= 0)
+            close(null);
+#endif
+    }
+    ~QuietStderr()
+    {
+#ifdef Q_OS_UNIX
+        std::fflush(stderr);
+        if (m_saved >= 0) {
+            dup2(m_saved, STDERR_FILENO);
+            close(m_saved);
+        }
+#endif
+        qInstallMessageHandler(m_previous);
+    }
+    QuietStderr(const QuietStderr &) = delete;
+    QuietStderr &operator=(const QuietStderr &) = delete;
+
+private:
+    QtMessageHandler m_previous;
+    int m_saved = -1;
+};
 
 } // namespace
 
@@ -69,12 +107,14 @@ int runTrace(const QStringList &args)
         return fail(QStringLiteral("cannot create a temporary working directory"));
 
     Bitmap2Svg tracer;
-    const QtMessageHandler previous = qInstallMessageHandler(quietHandler);
-    tracer.Trace(input);
-    const bool traced = tracer.LastTraceOk();
-    if (traced)
-        tracer.WriteSvg(QString::fromLatin1(WorkFile));
-    qInstallMessageHandler(previous);
+    bool traced = false;
+    {
+        const QuietStderr quiet;
+        tracer.Trace(input);
+        traced = tracer.LastTraceOk();
+        if (traced)
+            tracer.WriteSvg(QString::fromLatin1(WorkFile));
+    }
     if (!traced)
         return fail(QStringLiteral("%1 could not be decoded or traced").arg(input));
     if (!publish(QString::fromLatin1(WorkFile), output, &error))
