@@ -55,7 +55,24 @@ void RenderForm::installViewport()
         return;
     }
     ui->graphicsView->setViewport(gl);
+    // Installed after the view's own filter, so it sees each paint first.
+    gl->setAutoFillBackground(true);
+    gl->installEventFilter(this);
     m_openGL = true;
+}
+
+bool RenderForm::eventFilter(QObject *watched, QEvent *event)
+{
+    // The scene paints no background of its own, so the GL viewport must clear
+    // itself before each paint; otherwise moved or deleted designs stay visible on
+    // black. A style sheet turns the fill off when it polishes the view, hence the
+    // check at every paint rather than once.
+    if (m_openGL && event->type() == QEvent::Paint && watched == ui->graphicsView->viewport()) {
+        auto *viewport = static_cast<QWidget *>(watched);
+        if (!viewport->autoFillBackground())
+            viewport->setAutoFillBackground(true);
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 Graph *RenderForm::view() const

@@ -46,6 +46,7 @@ public slots:
 
 protected:
     void dropEvent(QDropEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void installViewport();
