@@ -45,6 +45,12 @@ FrontEnd::FrontEnd(QObject *parent, CPSerialPort *link)
     }
 }
 
+FrontEnd::~FrontEnd()
+{
+    // The reader holds the job file open; give it back with the streamer.
+    delete reader;
+}
+
 void FrontEnd::SlotPrint(QString gcodefile)
 {
     if (state != Idle)

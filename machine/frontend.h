@@ -19,6 +19,7 @@ public:
 
     // Without a link nothing is wired to a port: texts are emitted only.
     explicit FrontEnd(QObject *parent = nullptr, CPSerialPort *link = nullptr);
+    ~FrontEnd() override;
 
     int State() const { return state; }
     bool Finished() const { return finished; }

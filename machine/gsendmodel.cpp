@@ -64,6 +64,10 @@ void GSendModel::OpenFile(QString path)
     QRegExp layer(QString::fromLatin1(kLayerPattern), Qt::CaseSensitive);
     Q_UNUSED(layer);
     QRegExp time(QString::fromLatin1(kTimePattern), Qt::CaseSensitive);
+    const QLatin1String g1Tag("G1 ");
+    const QLatin1String g0Tag("G0 ");
+    const QLatin1String layerCountTag(";Layer count:");
+    const QLatin1String timeTag(";TIME:");
 
     if (!file->open(QIODevice::ReadOnly | QIODevice::Text))
         qDebug().noquote() << "Can't open the g-code file!" << fileName;
@@ -78,17 +82,19 @@ void GSendModel::OpenFile(QString path)
         if (line.startsWith(QLatin1Char('G')))
             ++commandCount;
 
-        if (layerCount.indexIn(line) != -1)
+        // Each pattern needs its literal head somewhere in the line; looking for
+        // that first spares the matcher on most lines of a long job.
+        if (line.contains(layerCountTag) && layerCount.indexIn(line) != -1)
             qDebug().noquote() << "total layers is :" << layerCount.cap(1);
 
         // A line that starts with the time tag is left out on purpose.
-        if (time.indexIn(line) > 0)
+        if (line.contains(timeTag) && time.indexIn(line) > 0)
             qDebug().noquote() << "total time is :" << time.cap(1);
 
         QRegExp *move = nullptr;
-        if (g1.indexIn(line) != -1)
+        if (line.contains(g1Tag) && g1.indexIn(line) != -1)
             move = &g1;
-        else if (g0.indexIn(line) != -1)
+        else if (line.contains(g0Tag) && g0.indexIn(line) != -1)
             move = &g0;
         if (move) {
             const float x = move->cap(1).toFloat();

@@ -19,7 +19,9 @@ struct WorkerHarness
     QStringList answers;
     QList<QStringList> lists;
 
-    WorkerHarness()
+    // With listFirst the first enumeration runs before the thread starts,
+    // the way the panel does it.
+    explicit WorkerHarness(bool listFirst = false)
     {
         QObject::connect(worker, &TNWLserialport::SigConnected, &receiver,
                          [this](bool open) { connects.append(open); });
@@ -29,6 +31,8 @@ struct WorkerHarness
                          [this](const QStringList &names) { lists.append(names); });
         QObject::connect(&thread, &QThread::finished, worker, &QObject::deleteLater);
         worker->moveToThread(&thread);
+        if (listFirst)
+            worker->InitPorts();
         thread.start();
     }
     ~WorkerHarness()
@@ -80,6 +84,7 @@ private slots:
     void connectToggle();
     void receive_data();
     void receive();
+    void openPortLeftOutOfList();
 };
 
 void TestTNWLserialport::writeBytes_data()
@@ -216,6 +221,26 @@ void TestTNWLserialport::receive()
     // The loop has ended: the worker serves queued calls again.
     QVERIFY(h.sync());
     QCOMPARE(h.answers.size(), 1);
+}
+
+void TestTNWLserialport::openPortLeftOutOfList()
+{
+    WorkerHarness h(true);
+    QCOMPARE(h.lists.size(), 1);
+    const QStringList all = h.lists.first();
+    if (all.isEmpty())
+        QSKIP("no system serial port can be opened on this machine");
+
+    // While the worker holds the first port, a trial open of it fails.
+    h.connectPort(all.first());
+    QVERIFY(h.sync());
+    QCOMPARE(h.connects, QList<bool>{true});
+    QCOMPARE(h.lists.last(), all.mid(1));
+
+    h.connectPort(QString());
+    QVERIFY(h.sync());
+    QCOMPARE(h.connects, (QList<bool>{true, false}));
+    QCOMPARE(h.lists.last(), all);
 }
 
 TARNWELL_TEST_MAIN(TestTNWLserialport)
