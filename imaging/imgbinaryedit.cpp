@@ -5,6 +5,7 @@
 
 #include "appsettings.h"
 
+#include <QEvent>
 #include <QFile>
 #include <QFileDialog>
 #include <QImageReader>
@@ -242,6 +243,18 @@ void ImgBinaryEdit::showPreview(QLabel *label, const QImage &picture, bool scale
         shown = shown.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     }
     label->setPixmap(QPixmap::fromImage(shown));
+}
+
+void ImgBinaryEdit::RetranslateUi()
+{
+    ui->retranslateUi(this);
+}
+
+void ImgBinaryEdit::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        ui->retranslateUi(this);
+    QWidget::changeEvent(event);
 }
 
 void ImgBinaryEdit::resizeEvent(QResizeEvent *event)

@@ -39,6 +39,9 @@ public:
     void SetGrayscaleMode();
     bool IsGrayscaleMode() const { return m_grayMode; }
 
+    // Re-reads the form's texts from the installed translation catalogue.
+    void RetranslateUi();
+
     QImage Source() const { return source; }
     // What Finish and Save write.
     QImage Result() const { return result; }
@@ -71,6 +74,7 @@ public slots:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void adopt(const QImage &picture);

@@ -3,6 +3,7 @@
 #include "waitingform.h"
 #include "ui_waitingform.h"
 
+#include <QEvent>
 #include <QMovie>
 
 const char *const WaitingForm::AnimationFile = ":/img/gif/wait.gif";
@@ -30,4 +31,11 @@ void WaitingForm::hideEvent(QHideEvent *event)
 {
     m_movie->stop();
     QWidget::hideEvent(event);
+}
+
+void WaitingForm::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        ui->retranslateUi(this);
+    QWidget::changeEvent(event);
 }
