@@ -72,7 +72,6 @@ class TestCanvasItems : public QObject
 {
     Q_OBJECT
 private slots:
-    void typeNumbers();
     void cornerZone_data();
     void cornerZone();
     void dragCorner_data();
@@ -88,14 +87,6 @@ private slots:
     void reloadFollowsFile_data();
     void reloadFollowsFile();
 };
-
-void TestCanvasItems::typeNumbers()
-{
-    PixmapItem pix;
-    SvgItem svg;
-    QCOMPARE(pix.type(), 65540);
-    QCOMPARE(svg.type(), 65541);
-}
 
 void TestCanvasItems::cornerZone_data()
 {
