@@ -6,6 +6,7 @@
 #include "pgraphicsscene.h"
 #include "pixmapitem.h"
 #include "svgitem.h"
+#include "svgpolygons.h"
 
 #include <QSignalSpy>
 #include <QSvgRenderer>
@@ -86,6 +87,8 @@ private slots:
     void resetRect();
     void reloadFollowsFile_data();
     void reloadFollowsFile();
+    void outlineBounds_data();
+    void outlineBounds();
 };
 
 void TestCanvasItems::cornerZone_data()
@@ -365,6 +368,33 @@ void TestCanvasItems::reloadFollowsFile()
         QCOMPARE(image.size(), shown.toSize());
         QCOMPARE(image.pixel(image.width() / 2, image.height() / 2), newColour);
     }
+}
+
+void TestCanvasItems::outlineBounds_data()
+{
+    QTest::addColumn<QVector<QPolygonF>>("outlines");
+    QTest::addColumn<QRectF>("bounds");
+
+    QTest::newRow("nothing") << QVector<QPolygonF>{} << QRectF();
+    QTest::newRow("only empty outlines") << QVector<QPolygonF>{QPolygonF(), QPolygonF()} << QRectF();
+    QTest::newRow("one point") << QVector<QPolygonF>{QPolygonF(QVector<QPointF>{{3, 4}})} << QRectF(3, 4, 0, 0);
+    QTest::newRow("two outlines, negative corner")
+        << QVector<QPolygonF>{QPolygonF(QVector<QPointF>{{10, 20}, {30, 5}}), QPolygonF(), QPolygonF(QVector<QPointF>{{-2, 8}, {4, 40}})}
+        << QRectF(-2, 5, 32, 35);
+}
+
+void TestCanvasItems::outlineBounds()
+{
+    QFETCH(QVector<QPolygonF>, outlines);
+    QFETCH(QRectF, bounds);
+
+    SvgPolygons polygons;
+    QSignalSpy spy(&polygons, SIGNAL(SigRect(QRectF)));
+    polygons.setPolygons(outlines);
+    QCOMPARE(spy.count(), 1);
+    const QRectF reported = spy.first().at(0).toRectF();
+    QCOMPARE(reported.topLeft(), bounds.topLeft());
+    QCOMPARE(reported.size(), bounds.size());
 }
 
 TARNWELL_TEST_MAIN(TestCanvasItems)
