@@ -5,9 +5,9 @@
 
 #include <QString>
 
-// Seconds up to 60: "Ns"; below an hour: "Mmin Ss"; from an hour: "Hh Mmin Ss";
-// negative: empty. The minutes of the hour form are worked out in single precision
-// as t - (t/3600)*3600, which comes out as 0: users have seen it so and it stays.
+// Seconds up to 60: "Ns"; below an hour: "Mmin Ss"; from an hour: "Hh Mmin Ss"; negative or
+// no estimate at all (NaN, infinite): empty. The minutes of the hour form are worked out in
+// single precision as t - (t/3600)*3600, which comes out as 0: users have seen it so and it stays.
 QString EstimatedTimeText(float seconds);
 
 #endif

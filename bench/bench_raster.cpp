@@ -1,0 +1,161 @@
+// Speed of the raster G-code export on full work-area jobs, with pictures made here:
+// a dithered photograph-like gradient and black text on white, at 0.1 mm and 0.05 mm.
+#include "bitmap2gcode.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFont>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+// The work area is 170 mm by 200 mm.
+constexpr double AreaWidth = 170.0;
+constexpr double AreaHeight = 200.0;
+constexpr int Repeats = 5;
+// The sliders' starting values, speed 33 and power 91, as machine values.
+constexpr int MachineFeed = 594;
+constexpr int MachineTravel = 11880;
+constexpr float MachinePower = 232;
+
+// A smooth picture with highlights, shadows and fine detail, like a photograph, dithered to
+// black and white with Floyd-Steinberg error diffusion.
+QImage ditheredGradient(int width, int height)
+{
+    std::vector<float> gray(size_t(width) * size_t(height));
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const double u = double(x) / width;
+            const double v = double(y) / height;
+            const double r = std::hypot(u - 0.4, v - 0.35);
+            double g = 255.0 * (0.55 + 0.35 * std::cos(r * 9.0) * (1.0 - v) + 0.1 * std::sin(u * 40.0) * v);
+            g = std::clamp(g * (0.6 + 0.4 * u), 0.0, 255.0);
+            gray[size_t(y) * size_t(width) + size_t(x)] = float(g);
+        }
+    }
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y) {
+        QRgb *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            const size_t i = size_t(y) * size_t(width) + size_t(x);
+            const float old = gray[i];
+            const float now = old < 128.0f ? 0.0f : 255.0f;
+            line[x] = now == 0.0f ? qRgb(0, 0, 0) : qRgb(255, 255, 255);
+            const float e = old - now;
+            if (x + 1 < width)
+                gray[i + 1] += e * 7 / 16;
+            if (y + 1 < height) {
+                if (x > 0)
+                    gray[i + size_t(width) - 1] += e * 3 / 16;
+                gray[i + size_t(width)] += e * 5 / 16;
+                if (x + 1 < width)
+                    gray[i + size_t(width) + 1] += e * 1 / 16;
+            }
+        }
+    }
+    return image;
+}
+
+// Lines of black text on white, the sort of job a name plate or a label is.
+QImage blackText(int width, int height)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setPen(Qt::black);
+    QFont font(QStringLiteral("WenQuanYi Zen Hei"));
+    font.setPixelSize(height / 40);
+    painter.setFont(font);
+    const QString text = QStringLiteral("TarnwellLaser 0123456789 engraved name plate, lorem ipsum dolor sit amet");
+    const int lineHeight = height / 30;
+    for (int y = lineHeight; y < height; y += lineHeight)
+        painter.drawText(10, y, text);
+    return image;
+}
+
+struct Result
+{
+    double seconds = 0;
+    qint64 lines = 0;
+    qint64 bytes = 0;
+};
+
+Result measure(const QImage &picture, double scale, const QString &file, bool plain)
+{
+    Bitmap2Gcode generator;
+    generator.SetFeedSpeed(MachineFeed);
+    generator.SetTravelSpeed(MachineTravel);
+    generator.SetPower(MachinePower);
+    generator.SetPlainFormatting(plain);
+    std::vector<double> times;
+    for (int i = 0; i < (plain ? 1 : Repeats); ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        generator.ExportBlackPix(picture, file, scale);
+        times.push_back(timer.nsecsElapsed() / 1e9);
+    }
+    std::sort(times.begin(), times.end());
+    Result result;
+    result.seconds = times[times.size() / 2];
+    QFile in(file);
+    in.open(QIODevice::ReadOnly);
+    const QByteArray text = in.readAll();
+    result.bytes = text.size();
+    result.lines = text.count('\n');
+    return result;
+}
+
+void report(QTextStream &out, const QString &name, const Result &r)
+{
+    out << QStringLiteral("%1  %2 s  %3 lines  %4 Mlines/s  %5 MB/s\n")
+               .arg(name, -44)
+               .arg(r.seconds, 0, 'f', 3)
+               .arg(r.lines, 9)
+               .arg(r.lines / r.seconds / 1e6, 6, 'f', 2)
+               .arg(r.bytes / r.seconds / 1e6, 7, 'f', 1);
+    out.flush();
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    qSetMessagePattern(QStringLiteral("%{if-warning}%{message}%{endif}"));
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("local.gcode"));
+    QTextStream out(stdout);
+    out << "Black/white export, median of " << Repeats << " runs, output written to " << dir.path() << "\n";
+
+    struct Job
+    {
+        QString name;
+        double scale;
+        bool text;
+        bool alsoPlain;
+    };
+    const Job jobs[] = {
+        {QStringLiteral("(a) dithered gradient 1700x2000 @ 0.1"), 0.1, false, true},
+        {QStringLiteral("(b) black text 1700x2000 @ 0.1"), 0.1, true, false},
+        {QStringLiteral("(c) dithered gradient 3400x4000 @ 0.05"), 0.05, false, false},
+        {QStringLiteral("(c) black text 3400x4000 @ 0.05"), 0.05, true, false},
+    };
+    for (const Job &job : jobs) {
+        const int width = int(std::lround(AreaWidth / job.scale));
+        const int height = int(std::lround(AreaHeight / job.scale));
+        const QImage picture = job.text ? blackText(width, height) : ditheredGradient(width, height);
+        report(out, job.name, measure(picture, job.scale, file, false));
+        if (job.alsoPlain)
+            report(out, job.name + QStringLiteral(" plain"), measure(picture, job.scale, file, true));
+    }
+    return 0;
+}

@@ -1,0 +1,70 @@
+// Raster engraving G-code: black/white and grayscale scan lines from a placed picture,
+// and the two picture conversions (error diffusion, 5 x 5 halftone) offered before an export.
+#ifndef BITMAP2GCODE_H
+#define BITMAP2GCODE_H
+
+#include <QImage>
+#include <QObject>
+#include <QPointF>
+#include <QString>
+
+class QFile;
+class RasterGcodeWriter;
+
+class Bitmap2Gcode : public QObject
+{
+    Q_OBJECT
+public:
+    explicit Bitmap2Gcode(QObject *parent = nullptr);
+
+    // Seconds of travel gathered by the exports since the last call; starts again from 0.
+    float TakeEstimatedTime();
+
+    // Formats every line through QString::arg instead of the cached texts. The bytes are the
+    // same; the slow way stays as the reference the fast one is checked against.
+    void SetPlainFormatting(bool plain) { m_plainFormatting = plain; }
+
+    // Millimetres per picture pixel below which rows are skipped, and the row step for a scale.
+    static qint64 RowStride(double scale);
+    // The power that ExportGrayPixEX burns for a gray level, through the correction curve.
+    static float CorrectedPower(int gray, float power);
+
+public slots:
+    // The order of these slots is the class's meta-object order; keep it.
+    QImage Image2Halftone(QImage image);
+    void SetTravelSpeed(int travel_speed);
+    void SetFeedSpeed(int feed_speed);
+    void SetPower(float power);
+    void ExportBlackPix(QImage image, QString savefile, double scale);
+    void ExportGrayPix(QImage image, QString savefile, double scale);
+    void ExportGrayPixEX(QImage image, QString savefile, double scale);
+    QImage GrayScalePicture(QImage image);
+    void ExportGcode(QPointF offset, QPointF spare, QString savepath, int mode);
+
+private:
+    QImage m_image;   // kept empty; nothing reads it
+
+public:
+    // Where the picture's top-left corner lies on the work area, in millimetres. The main
+    // window writes it directly before an export.
+    QPointF offset;
+
+private:
+    bool openOutput(QFile &file);
+    void writeHeader(RasterGcodeWriter &out, int speed);
+    void writeFrame(RasterGcodeWriter &out, int width, int height, double scale);
+    void exportGray(const QImage &image, const QString &savefile, double scale, bool corrected);
+
+    QPointF m_spare;             // stored by ExportGcode, read by nothing
+    int m_threshold = 127;       // unused: the black test has its own fixed level
+    bool m_laserOn = false;      // the last group left the laser burning
+    int travel_speed = 0;        // mm/min
+    int feed_speed = 0;          // mm/min
+    float power = 0;             // 0..255, what a full-black pixel gets
+    int m_workHeight = 200;      // mm; machine Y is flipped against it
+    int m_workWidth = 170;       // mm; no export reads it
+    float m_estimatedTime = 0;   // seconds
+    bool m_plainFormatting = false;
+};
+
+#endif
