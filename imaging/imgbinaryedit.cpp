@@ -242,6 +242,10 @@ void ImgBinaryEdit::showPreview(QLabel *label, const QImage &picture, bool scale
         const QSize box = label->size().expandedTo(QSize(1, 1));
         shown = shown.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     }
+    // The pixmap may keep the pixels it is made from; it must not keep a view of a buffer
+    // that the next slider step overwrites or that goes with the next picture.
+    if (shown.constBits() == picture.constBits())
+        shown = shown.copy();
     label->setPixmap(QPixmap::fromImage(shown));
 }
 
