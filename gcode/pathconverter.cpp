@@ -1,0 +1,549 @@
+// The SVG-to-G-code path converter: flattens the drawing's Bezier segments, orders
+// the paths for short travel and writes laser or CNC G-code with C stdio.
+#include "pathconverter.h"
+
+#include "svgreader.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <chrono>
+#include <clocale>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <locale.h>
+
+namespace {
+
+const int HeaderSize = 64;
+const int LaserLineSize = 32;
+const int MaxBezPoints = 4096;
+const float BezTolerance = 0.5f;
+const int BezMaxDepth = 12;
+const float WorkAreaHeight = 200.0f;   // the machine's Y is flipped against this, whatever maxy says
+const float ZStep = 0.001f;
+const float ZScale = 0.0625f;
+const float ZReturnScale = 0.5f;
+const float ReducedPowerDistance = 0.0f;  // no point is ever this close: always full power
+const float Acceleration = 300.0f;        // mm/s^2, for the time estimate
+const int OrderPasses = 30;
+const int OrderAttemptsPerPath = 800;
+
+// The minimal standard generator (multiplier 16807, modulus 2^31 - 1).
+const uint32_t RandModulus = 2147483647u;
+const uint32_t RandMultiplier = 16807u;
+const uint32_t DrawLow = 1073741823u;     // a draw is (r - DrawLow) / 2^29 ...
+const uint32_t DrawRange = 1u << 29;      // ... kept only when it lies in [0, 1]
+const int DrawShift = 29;
+
+// Module-wide settings, kept between conversions.
+char g_header[HeaderSize];
+int g_printMode = 0;
+float g_travelSpeed = 0;
+float g_feedSpeed = 0;
+float g_printZ = 0;
+float g_travelZ = 0;
+int g_machineYmax = 0;
+char g_laserOn[LaserLineSize];
+char g_laserReduced[LaserLineSize];
+int g_width = 0;
+int g_height = 0;
+float g_xoffset = 0;
+float g_yoffset = 0;
+int g_bezier = 0;
+bool g_fixedSeed = false;
+long long g_seedSeconds = 0;
+float g_estimate = 0;
+
+// State of one conversion.
+float g_bounds[4];  // min x, min y, max x, max y in parsed units
+float g_scale = 0;
+int g_npaths = 0;
+int g_npoints = 0;
+struct BezPoint { float x, y; };
+BezPoint *g_bezPoints = nullptr;
+int g_nbez = 0;
+int32_t g_rand = 1;
+
+struct Segment
+{
+    float x0, y0, x1, y1, x2, y2, x3, y3;
+    int32_t path;  // -1 once written
+    unsigned char closed;
+};
+
+// Restores the caller's locale on every way out: printf must write a decimal point
+// even when the desktop's language writes a comma.
+class CNumericLocale
+{
+public:
+    CNumericLocale()
+    {
+        static locale_t cLocale = newlocale(LC_NUMERIC_MASK, "C", locale_t(nullptr));
+        m_previous = cLocale ? uselocale(cLocale) : locale_t(nullptr);
+    }
+    ~CNumericLocale()
+    {
+        if (m_previous)
+            uselocale(m_previous);
+    }
+
+private:
+    locale_t m_previous;
+};
+
+int32_t randNext()
+{
+    const uint64_t p = uint64_t(uint32_t(g_rand)) * RandMultiplier;
+    int32_t r = int32_t(uint32_t((p >> 31) + (p & RandModulus)));
+    if (r < 0)
+        r = (r + 1) & int32_t(RandModulus);
+    g_rand = r;
+    return r;
+}
+
+uint32_t mulMod(uint32_t x, uint32_t c)
+{
+    const uint64_t p = uint64_t(x) * c;
+    uint64_t r = (p & RandModulus) + (p >> 31);
+    r = (r & RandModulus) + (r >> 31);
+    return uint32_t(r >= RandModulus ? r - RandModulus : r);
+}
+
+void seedRandom()
+{
+    double now;
+    if (g_fixedSeed) {
+        now = double(g_seedSeconds);
+    } else {
+        now = std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+    }
+    const long long t = (long long)(now + 0.5);
+    const long long base = t == 0 ? (long long)(now - 1) : t - 1;
+    long long seed = base % 2147483646LL + 1;
+    if (seed <= 0)
+        seed += 2147483646LL;  // only a fixed seed below 1 gets here; zero would stall the generator
+    g_rand = int32_t(seed);
+    randNext();
+    randNext();
+}
+
+// Index draws for the 2-opt passes. Three of four raw numbers are thrown away, so
+// they are made eight at a time by jumping ahead (x * 16807^k mod m is exactly the
+// k-th next number), which keeps the multiplier busy instead of waiting on each result,
+// and kept without a branch. The numbers and their order are those of randNext().
+const int IndexChunk = 4096;
+const int JumpWidth = 8;
+uint32_t g_jump[JumpWidth];
+int g_index[IndexChunk + JumpWidth];
+int g_indexCount = 0;
+int g_indexPos = 0;
+uint32_t g_indexSpan = 0;
+
+void startIndexDraws(int span)
+{
+    uint32_t m = RandMultiplier;
+    for (int k = 0; k < JumpWidth; ++k) {
+        g_jump[k] = m;
+        m = mulMod(m, RandMultiplier);
+    }
+    g_indexSpan = uint32_t(span);
+    g_indexCount = 0;
+    g_indexPos = 0;
+}
+
+void refillIndexDraws()
+{
+    uint32_t x = uint32_t(g_rand);
+    int n = 0;
+    while (n < IndexChunk) {
+        uint32_t v[JumpWidth];
+        for (int k = 0; k < JumpWidth; ++k)
+            v[k] = mulMod(x, g_jump[k]);
+        x = v[JumpWidth - 1];
+        for (int k = 0; k < JumpWidth; ++k) {
+            const uint32_t off = v[k] - DrawLow;  // wraps past DrawRange when r < DrawLow
+            g_index[n] = int((uint64_t(off) * g_indexSpan) >> DrawShift);
+            n += off <= DrawRange;
+        }
+    }
+    g_rand = int32_t(x);
+    g_indexCount = n;
+    g_indexPos = 0;
+}
+
+inline int nextIndex()
+{
+    if (g_indexPos >= g_indexCount)
+        refillIndexDraws();
+    return g_index[g_indexPos++];
+}
+
+// One 2-opt pass over the path order; px/py hold the start point of the path at each position.
+void twoOptPass(int n, int *order, float *px, float *py)
+{
+    // With three paths or fewer no two draws can differ by 2: nothing would change.
+    if (n < 4)
+        return;
+    const long long attempts = (long long)n * OrderAttemptsPerPath;
+    for (long long k = 0; k < attempts; ++k) {
+        const int i = nextIndex();
+        const int j = nextIndex();
+        if (std::abs(i - j) < 2)
+            continue;
+        const int a = std::min(i, j);
+        const int b = std::max(i, j);
+        const float abx = px[a] - px[a + 1], aby = py[a] - py[a + 1];
+        const float cdx = px[b] - px[b + 1], cdy = py[b] - py[b + 1];
+        const float bdx = px[a + 1] - px[b + 1], bdy = py[a + 1] - py[b + 1];
+        const float acx = px[a] - px[b], acy = py[a] - py[b];
+        if (abx * abx + aby * aby + cdx * cdx + cdy * cdy > bdx * bdx + bdy * bdy + acx * acx + acy * acy
+            && a + 1 < b) {
+            std::reverse(order + a + 1, order + b + 1);
+            std::reverse(px + a + 1, px + b + 1);
+            std::reverse(py + a + 1, py + b + 1);
+        }
+    }
+}
+
+void addBezPoint(float x, float y)
+{
+    g_bezPoints[g_nbez].x = x;
+    g_bezPoints[g_nbez].y = y;
+    ++g_nbez;
+    if (g_nbez >= MaxBezPoints) {
+        printf("?!bez count\n");
+        g_nbez = MaxBezPoints - 1;
+    }
+}
+
+// Splits at t = 0.5 until the curve's midpoint lies within the tolerance of its chord.
+void flattenBezier(float x0, float y0, float x1, float y1, float x2, float y2, float x3, float y3, int depth)
+{
+    if (depth > BezMaxDepth)
+        return;
+    const float x01 = (x0 + x1) * 0.5f, y01 = (y0 + y1) * 0.5f;
+    const float x12 = (x1 + x2) * 0.5f, y12 = (y1 + y2) * 0.5f;
+    const float x23 = (x2 + x3) * 0.5f, y23 = (y2 + y3) * 0.5f;
+    const float x012 = (x01 + x12) * 0.5f, y012 = (y01 + y12) * 0.5f;
+    const float x123 = (x12 + x23) * 0.5f, y123 = (y12 + y23) * 0.5f;
+    const float mx = (x012 + x123) * 0.5f, my = (y012 + y123) * 0.5f;
+
+    const float cx = x3 - x0, cy = y3 - y0;
+    const float chord2 = cx * cx + cy * cy;
+    float t = (mx - x0) * cx + (my - y0) * cy;
+    if (chord2 > 0)
+        t /= chord2;
+    t = std::min(1.0f, std::max(0.0f, t));
+    const float dx = mx - (x0 + t * cx), dy = my - (y0 + t * cy);
+    if (dx * dx + dy * dy > BezTolerance * BezTolerance) {
+        flattenBezier(x0, y0, x01, y01, x012, y012, mx, my, depth + 1);
+        flattenBezier(mx, my, x123, y123, x23, y23, x3, y3, depth + 1);
+    } else {
+        addBezPoint(x3, y3);
+    }
+}
+
+float machineX(float x)
+{
+    return g_xoffset + (x - g_bounds[0]) * g_scale;
+}
+
+float machineY(float y)
+{
+    return WorkAreaHeight - (g_height - (g_bounds[3] - y) * g_scale - 1 + g_yoffset);
+}
+
+// Straight move of length d at `speed` mm/min with a fixed acceleration.
+float moveSeconds(float d, float speed)
+{
+    const float v = speed / 60.0f;
+    if (!(v > 0))
+        return 0;  // a zero feed never gets anywhere; there is no time to give
+    const float p = std::sqrt(Acceleration * d);
+    if (v > p)
+        return 2.0f * p / Acceleration;
+    return v * 3.0f * 0.5f / Acceleration + d / v;
+}
+
+void writeFrame(FILE *fp)
+{
+    const float top = WorkAreaHeight - g_yoffset;
+    for (int i = 0; i < 2; ++i) {
+        fprintf(fp, "G0 X%.2f Y%.2f F4600\n", g_xoffset, top);
+        fprintf(fp, "M106 S%d \n", 5);
+        fprintf(fp, "G0 X%.2f Y%.2f \n", g_width + g_xoffset, top);
+        fprintf(fp, "G0 X%.2f Y%.2f \n", g_width + g_xoffset, top - g_height);
+        fprintf(fp, "G0 X%.2f Y%.2f \n", g_xoffset, top - g_height);
+        fprintf(fp, "G0 X%.2f Y%.2f \n", g_xoffset, top);
+    }
+    fprintf(fp, "M0 \n");
+}
+
+} // namespace
+
+void pathconv_set_header(const char *text, int length)
+{
+    if (!text || length <= 0)
+        return;
+    memcpy(g_header, text, size_t(std::min(length, HeaderSize)));
+}
+
+void pathconv_set_print_mode(int mode) { g_printMode = mode; }
+void pathconv_set_travel_speed(float speed) { g_travelSpeed = speed; }
+void pathconv_set_feed_speed(float speed) { g_feedSpeed = speed; }
+void pathconv_set_print_z(float z) { g_printZ = z; }
+void pathconv_set_travel_z(float z) { g_travelZ = z; }
+void pathconv_set_machine_ymax(int maxy) { g_machineYmax = maxy; }
+
+void pathconv_set_laser(int power)
+{
+    snprintf(g_laserOn, sizeof g_laserOn, "M106 S%d \n", power);
+    snprintf(g_laserReduced, sizeof g_laserReduced, "M106 S%d \n", power / 2);
+}
+
+void pathconv_set_size(int width, int height)
+{
+    g_width = width;
+    g_height = height;
+}
+
+void pathconv_set_offset(float x, float y)
+{
+    g_xoffset = x;
+    g_yoffset = y;
+}
+
+void pathconv_use_fixed_seed(long long seconds)
+{
+    g_fixedSeed = true;
+    g_seedSeconds = seconds;
+}
+
+void pathconv_use_clock_seed()
+{
+    g_fixedSeed = false;
+}
+
+float pathconv_take_estimate()
+{
+    const float t = g_estimate;
+    g_estimate = 0;
+    return t;
+}
+
+int pathconv_convert(const char *input, const char *output, int bezier)
+{
+    CNumericLocale cLocale;
+    g_bezier = bezier;  // every caller asks for curves; kept as a setting all the same
+
+    SvgImage *image = SvgReader::parseFromFile(input, "mm", 0.1f);
+    if (!image) {
+        printf("error: Can't open input %s\n", input);
+        return -1;
+    }
+
+    g_bounds[0] = g_bounds[1] = FLT_MAX;
+    g_bounds[2] = g_bounds[3] = -FLT_MAX;
+    int nshapes = 0;
+    g_npaths = 0;
+    g_npoints = 0;
+    for (const SvgShape &shape : image->shapes) {
+        ++nshapes;
+        for (const SvgPath &path : shape.paths) {
+            ++g_npaths;
+            for (int i = 0; i < path.npts(); ++i) {
+                const float x = path.pts[2 * i], y = path.pts[2 * i + 1];
+                g_bounds[0] = std::min(g_bounds[0], x);
+                g_bounds[1] = std::min(g_bounds[1], y);
+                g_bounds[2] = std::max(g_bounds[2], x);
+                g_bounds[3] = std::max(g_bounds[3], y);
+                ++g_npoints;
+            }
+        }
+    }
+    printf("shapes %d\n", nshapes);
+    printf("bounds 0=%f 1=%f 2=%f 3=%f\n", g_bounds[0], g_bounds[1], g_bounds[2], g_bounds[3]);
+
+    g_scale = g_width / std::fabs(g_bounds[2] - g_bounds[0]);
+    seedRandom();
+
+    remove(output);
+    FILE *fp = fopen(output, "w");
+    if (!fp) {
+        SvgReader::release(image);
+        return -1;
+    }
+
+    fprintf(fp, "G1 F2000 \n");
+    fprintf(fp, "G28 X0 Y0  ;move X/Y to min endstops \n");
+    writeFrame(fp);
+
+    printf("paths %d points %d\n", g_npaths, g_npoints);
+    // One spare zeroed record past the last: the closed test below reads it.
+    const int capacity = std::max(g_npoints, 1);
+    Segment *segs = static_cast<Segment *>(calloc(size_t(capacity), sizeof(Segment)));
+    const int pathSlots = std::max(g_npaths, 1);
+    float *startX = static_cast<float *>(calloc(size_t(pathSlots), sizeof(float)));
+    float *startY = static_cast<float *>(calloc(size_t(pathSlots), sizeof(float)));
+    int *firstSeg = static_cast<int *>(calloc(size_t(pathSlots), sizeof(int)));
+    int *order = static_cast<int *>(calloc(size_t(pathSlots), sizeof(int)));
+    float *orderX = static_cast<float *>(calloc(size_t(pathSlots), sizeof(float)));
+    float *orderY = static_cast<float *>(calloc(size_t(pathSlots), sizeof(float)));
+    g_bezPoints = static_cast<BezPoint *>(calloc(MaxBezPoints, sizeof(BezPoint)));
+    if (!segs || !startX || !startY || !firstSeg || !order || !orderX || !orderY || !g_bezPoints) {
+        fprintf(stderr, "out of memory for %d points\n", g_npoints);
+        abort();
+    }
+
+    for (int i = 0; i < pathSlots; ++i)
+        firstSeg[i] = -1;
+    int nsegs = 0;
+    int pathIndex = 0;
+    bool building = true;
+    for (const SvgShape &shape : image->shapes) {
+        for (const SvgPath &path : shape.paths) {
+            if (!building)
+                break;
+            if (pathIndex >= g_npaths) {
+                printf("error i > \n");
+                exit(-1);
+            }
+            const float *p = path.pts.data();
+            startX[pathIndex] = path.npts() > 0 ? p[0] : 0;
+            startY[pathIndex] = path.npts() > 0 ? p[1] : 0;
+            // i + 3 < npts is the "i < npts - 1" of a well-formed path, and never reads past one that is not.
+            for (int i = 0; i + 3 < path.npts(); i += 3) {
+                if (nsegs >= g_npoints) {
+                    printf("error k > \n");
+                    nsegs = 0;
+                    building = false;
+                    break;
+                }
+                Segment &s = segs[nsegs];
+                const float *q = p + 2 * i;
+                s.x0 = q[0]; s.y0 = q[1];
+                s.x1 = q[2]; s.y1 = q[3];
+                s.x2 = q[4]; s.y2 = q[5];
+                s.x3 = q[6]; s.y3 = q[7];
+                s.path = pathIndex;
+                s.closed = path.closed ? 1 : 0;
+                if (firstSeg[pathIndex] < 0)
+                    firstSeg[pathIndex] = nsegs;
+                ++nsegs;
+            }
+            ++pathIndex;
+        }
+    }
+    for (int i = 0; i < g_npaths; ++i) {
+        order[i] = i;
+        orderX[i] = startX[i];
+        orderY[i] = startY[i];
+    }
+    printf("total paths %d, total points %d\n", pathIndex, nsegs);
+
+    printf("reorder ");
+    startIndexDraws(g_npaths - 2);
+    for (int pass = 0; pass < OrderPasses; ++pass) {
+        twoOptPass(g_npaths, order, orderX, orderY);
+        printf("%d... ", pass);
+    }
+    printf("\n");
+    fwrite(g_header, 1, strnlen(g_header, HeaderSize), fp);
+
+    float zc = 0;
+    float prevX = g_xoffset, prevY = WorkAreaHeight - g_yoffset;
+    float prevPartX = 0, prevPartY = 0;
+    for (int e = 0; e < g_npaths; ++e) {
+        const int path = order[e];
+        const int first = firstSeg[path];
+        if (first < 0 || segs[first].path != path || first == nsegs - 1)
+            continue;
+        const float startZ = zc * ZScale;
+        if (g_printMode == 0) {
+            fprintf(fp, "M107\n");
+            zc += ZStep;
+            fprintf(fp, "G0 X%.1f Y%.1f Z%.4f F%.1f\n", machineX(segs[first].x0), machineY(segs[first].y0),
+                    startZ, g_travelSpeed);
+            fputs(g_laserOn, fp);
+            fprintf(fp, "G1 F%.1f \n", g_feedSpeed);
+        } else {
+            fprintf(fp, "M107\n");
+            fprintf(fp, "G0 X%.1f Y%.1f Z%.4f F%.1f\n", machineX(segs[first].x0), machineY(segs[first].y0),
+                    startZ, g_travelSpeed);
+            fprintf(fp, "M106 S255\n");
+            fprintf(fp, "G4 P0.5\n");
+            fprintf(fp, "G1 F%.1f \n", g_feedSpeed);
+            fprintf(fp, "G1 Z%.1f \n", g_printZ);
+        }
+        prevPartX = segs[first].x0;
+        prevPartY = segs[first].y0;
+
+        int k = first;
+        for (; k < nsegs && segs[k].path == path; ++k) {
+            const Segment &s = segs[k];
+            g_nbez = 0;
+            flattenBezier(s.x0, s.y0, s.x1, s.y1, s.x2, s.y2, s.x3, s.y3, 0);
+            for (int b = 0; b < g_nbez; ++b) {
+                const float x = g_bezPoints[b].x, y = g_bezPoints[b].y;
+                if (std::isnan(x))
+                    continue;
+                if (x > g_bounds[2] || x < g_bounds[0]) {
+                    printf("bezPoints %f %f\n", x, g_bounds[0]);
+                    continue;
+                }
+                if (y > g_bounds[3]) {
+                    printf("bezPoints y %d\n", b);
+                    continue;
+                }
+                const float step = std::hypot(x - prevPartX, y - prevPartY);
+                fputs(step < ReducedPowerDistance ? g_laserReduced : g_laserOn, fp);
+                prevPartX = x;
+                prevPartY = y;
+                const float mx = machineX(x), my = machineY(y);
+                const float z = zc * ZScale;
+                fprintf(fp, "G1 X%.1f Y%.1f Z%.3f \n", mx, my, z);
+                fprintf(fp, "G1 X%.1f Y%.1f Z%.3f \n", mx, my, z);
+                zc += ZStep;
+                fprintf(fp, "G1 F%.1f \n", g_feedSpeed);
+                const float t = moveSeconds(std::hypot(mx - prevX, my - prevY), g_feedSpeed);
+                if (std::isfinite(t))
+                    g_estimate += t;
+                prevX = mx;
+                prevY = my;
+            }
+            segs[k].path = -1;
+        }
+        // The flag comes from the record after the path's last one (the next path's
+        // first, or the spare zero record): machines have been run with this output.
+        if (k < capacity && segs[k].closed) {
+            fprintf(fp, "M107\n");
+            fprintf(fp, "G0 X%.1f Y%.1f Z%.3f \n", machineX(startX[path]), machineY(startY[path]),
+                    zc * ZReturnScale);
+        }
+        if (g_printMode == 0) {
+            fprintf(fp, "M107\n");
+            fprintf(fp, "G0 F%.1f \n", g_travelSpeed);
+        } else {
+            fprintf(fp, "M107\n");
+            fprintf(fp, "G0 Z%.1f F%.1f\n", g_travelZ, g_travelSpeed);
+        }
+    }
+
+    fprintf(fp, "M107\n");
+    fprintf(fp, "G28\n");
+    fclose(fp);
+    free(segs);
+    free(startX);
+    free(startY);
+    free(firstSeg);
+    free(order);
+    free(orderX);
+    free(orderY);
+    free(g_bezPoints);
+    g_bezPoints = nullptr;
+    SvgReader::release(image);
+    return 0;
+}

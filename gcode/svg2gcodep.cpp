@@ -1,0 +1,87 @@
+// Qt face of the vector G-code converter: slots that set the converter's settings
+// and run a conversion of an SVG file with the offset stored in Config.ini.
+#include "svg2gcodep.h"
+
+#include "appsettings.h"
+#include "pathconverter.h"
+
+#include <QByteArray>
+
+namespace {
+// Every conversion from the window flattens curves.
+const int BezierOn = 1;
+}
+
+Svg2GcodeP::Svg2GcodeP(QWidget *parent) : QWidget(parent)
+{
+}
+
+float Svg2GcodeP::TakeEstimatedTime()
+{
+    return pathconv_take_estimate();
+}
+
+void Svg2GcodeP::UseFixedSeed(qint64 seconds)
+{
+    pathconv_use_fixed_seed(seconds);
+}
+
+void Svg2GcodeP::UseClockSeed()
+{
+    pathconv_use_clock_seed();
+}
+
+void Svg2GcodeP::SvgToGcode(QString inputfile, QString outfile)
+{
+    pathconv_set_offset(float(AppSettings::xOffset()), float(AppSettings::yOffset()));
+    // The converter takes 8-bit names: callers hand it plain names in the working directory.
+    const QByteArray in = inputfile.toLatin1();
+    const QByteArray out = outfile.toLatin1();
+    pathconv_convert(in.constData(), out.constData(), BezierOn);
+}
+
+void Svg2GcodeP::SetGcoderHeader(QString header)
+{
+    const QByteArray bytes = header.toLatin1();
+    pathconv_set_header(bytes.constData(), bytes.size());
+}
+
+void Svg2GcodeP::SetPrintMode(int mode)
+{
+    pathconv_set_print_mode(mode);
+}
+
+void Svg2GcodeP::SetTravelSpeed(int travel_speed)
+{
+    pathconv_set_travel_speed(float(travel_speed));
+}
+
+void Svg2GcodeP::SetFeedSpeed(int feed_speed)
+{
+    pathconv_set_feed_speed(float(feed_speed));
+}
+
+void Svg2GcodeP::SetPrintZValue(float z)
+{
+    pathconv_set_print_z(z);
+}
+
+void Svg2GcodeP::SetTravelZValue(float z)
+{
+    pathconv_set_travel_z(z);
+}
+
+void Svg2GcodeP::SetMachineYmax(int maxy)
+{
+    pathconv_set_machine_ymax(maxy);
+}
+
+void Svg2GcodeP::SetLaser(int power)
+{
+    pathconv_set_laser(power);
+}
+
+void Svg2GcodeP::SetgGcodeWidth(int width, int height)
+{
+    pathconv_set_size(width, height);
+}

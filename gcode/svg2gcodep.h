@@ -1,0 +1,38 @@
+// Qt face of the vector G-code converter: slots that set the converter's settings
+// and run a conversion of an SVG file with the offset stored in Config.ini.
+#ifndef SVG2GCODEP_H
+#define SVG2GCODEP_H
+
+#include <QString>
+#include <QWidget>
+
+// Holds no state of its own: every setter writes the converter's module-wide
+// settings, which stay as they are for the next conversion (and the next object).
+class Svg2GcodeP : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit Svg2GcodeP(QWidget *parent = nullptr);
+
+    // Seconds of engraving moves of the conversions since the last call; resets to 0.
+    float TakeEstimatedTime();
+
+    // Repeatable path order: `seconds` stands in for the clock in the order's seed.
+    static void UseFixedSeed(qint64 seconds);
+    static void UseClockSeed();
+
+public slots:
+    void SvgToGcode(QString inputfile, QString outfile);
+    void SetGcoderHeader(QString header);
+    void SetPrintMode(int mode);
+    void SetTravelSpeed(int travel_speed);
+    void SetFeedSpeed(int feed_speed);
+    void SetPrintZValue(float z);
+    void SetTravelZValue(float z);
+    void SetMachineYmax(int maxy);
+    void SetLaser(int power);
+    void SetgGcodeWidth(int width, int height);
+};
+
+#endif
