@@ -235,6 +235,17 @@ void PixmapItem::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
     QGraphicsPixmapItem::mouseDoubleClickEvent(event);
 }
 
+QVariant PixmapItem::itemChange(GraphicsItemChange change, const QVariant &value)
+{
+    // Items taken off the canvas live on until the scene goes; they need not keep
+    // a whole photo file in memory meanwhile.
+    if (change == ItemSceneHasChanged && !scene()) {
+        m_decodedBytes.clear();
+        m_decoded = QImage();
+    }
+    return QGraphicsPixmapItem::itemChange(change, value);
+}
+
 void PixmapItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
 {
     const QPointF pos = scenePos();
