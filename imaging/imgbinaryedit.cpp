@@ -375,12 +375,32 @@ QImage ImgBinaryEdit::Outline(const QImage &inverted)
         offsets.push_back(qsizetype(n.dy) * stride + n.dx);
     const quint32 *base = reinterpret_cast<const quint32 *>(in.constBits());
 
+    // Black pixels per column within rows y - 3 .. y + 3, summed across columns x - 3 .. x + 3:
+    // a white pixel with no black in that 7 x 7 box is settled without visiting its neighbours.
+    std::vector<int> column(size_t(w), 0);
+    auto countRow = [&](int row, int delta) {
+        const quint32 *line = base + qsizetype(row) * stride;
+        for (int x = 0; x < w; ++x)
+            column[size_t(x)] += line[x] == Black ? delta : 0;
+    };
+    for (int row = 0; row < std::min(OutlineReach, h); ++row)
+        countRow(row, 1);
+
     for (int y = 0; y < h; ++y) {
+        if (y + OutlineReach < h)
+            countRow(y + OutlineReach, 1);
         const quint32 *src = base + qsizetype(y) * stride;
         quint32 *dst = reinterpret_cast<quint32 *>(out.scanLine(y));
         const bool innerRow = y >= OutlineReach && y < h - OutlineReach;
+        int box = 0;
+        for (int x = 0; x < std::min(OutlineReach, w); ++x)
+            box += column[size_t(x)];
         for (int x = 0; x < w; ++x) {
-            if (src[x] < OutlineWhiteFrom) {
+            if (x + OutlineReach < w)
+                box += column[size_t(x + OutlineReach)];
+            if (x - OutlineReach - 1 >= 0)
+                box -= column[size_t(x - OutlineReach - 1)];
+            if (src[x] < OutlineWhiteFrom || box == 0) {
                 dst[x] = Black;
                 continue;
             }
@@ -402,6 +422,8 @@ QImage ImgBinaryEdit::Outline(const QImage &inverted)
             }
             dst[x] = sum > OutlineLimit ? OpaqueWhite : Black;
         }
+        if (y - OutlineReach >= 0)
+            countRow(y - OutlineReach, -1);
     }
     return out;
 }
