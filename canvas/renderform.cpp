@@ -44,14 +44,18 @@ RenderForm::~RenderForm()
 
 void RenderForm::installViewport()
 {
-    // Without an OpenGL context (offscreen platform, no driver) the view keeps
-    // its plain viewport rather than failing.
+    // Without an OpenGL context (offscreen platform, no driver) the view gets a
+    // plain viewport instead. It is set up the same way as the GL one, so the view
+    // takes keyboard focus on a click either way and Delete reaches the scene.
     QOpenGLContext probe;
-    if (!probe.create())
+    if (!probe.create()) {
+        ui->graphicsView->setViewport(new QWidget);
         return;
+    }
     auto *gl = new QGLWidget(QGLFormat(QGL::SampleBuffers));
     if (!gl->isValid()) {
         delete gl;
+        ui->graphicsView->setViewport(new QWidget);
         return;
     }
     ui->graphicsView->setViewport(gl);

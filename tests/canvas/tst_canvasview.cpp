@@ -63,6 +63,7 @@ private slots:
     void geometryReports();
     void droppedFiles_data();
     void droppedFiles();
+    void deleteFromKeyboard();
 };
 
 void TestCanvasView::wheelZoom_data()
@@ -248,6 +249,31 @@ void TestCanvasView::droppedFiles()
     for (const QList<QVariant> &args : qAsConst(spy))
         got << args.at(0).toString();
     QCOMPARE(got, reported);
+}
+
+void TestCanvasView::deleteFromKeyboard()
+{
+    ScopedWorkDir dir;
+    QVERIFY(writePicture("wide.png", 340, 100));
+    RenderForm form;
+    form.resize(586, 565);
+    form.show();
+    form.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&form));
+    form.LoadItemFromFile("wide.png", 0);
+    PixmapItem *item = firstBitmap(form.scene());
+    QVERIFY(item);
+
+    // A click on the design gives the canvas the keyboard, as a user would do it.
+    QTest::mouseClick(form.view()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                      form.view()->mapFromScene(QPointF(85, 25)));
+    QWidget *focus = QApplication::focusWidget();
+    QVERIFY(focus);
+    QVERIFY(item->isSelected());
+    QTest::keyClick(focus, Qt::Key_Delete);
+    QCOMPARE(item->scene(), static_cast<QGraphicsScene *>(nullptr));
+    QVERIFY(!form.HasSelectedItem());
+    QCOMPARE(form.CurrentItemPos(), PGraphicsScene::NoPosition);
 }
 
 TARNWELL_TEST_MAIN(TestCanvasView)
