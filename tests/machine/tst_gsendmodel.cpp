@@ -124,6 +124,7 @@ void TestGSendModel::hostileFiles_data()
         longLine.append("G1 X12.5 Y7 ;a G0 X");
     QTest::newRow("one 10 MB line") << longLine;
     QTest::newRow("10 MB line then more") << longLine + "\nG1 X1 Y1\n;x\n";
+    QTest::newRow("10 MB line without ; then more") << QByteArray(longLine).replace(';', ' ') + "\nG1 X1 Y1\n;x\n";
     QTest::newRow("NUL bytes") << QByteArray("G1 X5\0 Y6\nG0 X1 Y1\0\0\n\0\n", 22);
 }
 
