@@ -43,12 +43,43 @@ constexpr int ErrorShare = 8;
 constexpr quint32 OpaqueBlack = 0xff000000u;
 constexpr quint32 OpaqueWhite = 0xffffffffu;
 
-// Halftone cells.
+// The correction curve of the grayscale power (see correctedPower).
+constexpr double CurveCentre = 241.6;
+constexpr double CurveWidth = 147.1;
+constexpr double CurvePeak = 1.024;
+constexpr double CurveLowLimit = 0.057;
+constexpr double CurveLowSlope = 5.0;
+constexpr double CurveLowBase = 2.0;
+constexpr double CurveMidLimit = 0.09;
+constexpr double CurveMidShift = 0.0523;
+constexpr double CurveMidSlope = 1060.60595703125;
+constexpr double CurveHighShift = 0.1156;
+constexpr double CurveHighSlope = 194.5946044921875;
+constexpr float MaxPower = 255.0f;
+
+// Working files: the halftone as the user last made it, and the preview of a corrected burn.
+const char *const HalftoneFile = "hi.png";
+constexpr int HalftoneQuality = 100;
+const char *const PreviewFile = "Grayimage.jpg";
+
+// Halftone cells: a cell's mean gray picks a pattern, a plain fill, or nothing (250 and 255).
 constexpr int Cell = 5;
 const char *const PatternA[Cell] = {".....", ".....", "..X..", ".....", "....."};
 const char *const PatternB[Cell] = {".....", "..X..", ".XXX.", "..X..", "....."};
 const char *const PatternC[Cell] = {"..X..", ".XXX.", "XXXXX", ".XXX.", "..X.."};
 const char *const PatternD[Cell] = {".XXX.", "XXXXX", "XXXXX", "XXXXX", ".XXX."};
+const char *const AllWhite[Cell] = {".....", ".....", ".....", ".....", "....."};
+const char *const AllBlack[Cell] = {"XXXXX", "XXXXX", "XXXXX", "XXXXX", "XXXXX"};
+struct HalftoneBand
+{
+    int lowest;
+    int highest;
+    const char *const *pattern;
+};
+const HalftoneBand HalftoneBands[] = {
+    {251, 254, AllWhite}, {190, 249, PatternA}, {130, 189, PatternB},
+    {70, 129, PatternC},  {10, 69, PatternD},   {0, 9, AllBlack},
+};
 
 quint32 opaqueGray(int g)
 {
@@ -143,18 +174,8 @@ int truncatedToInt(float value)
     return int(value);
 }
 
-} // namespace
-
-Bitmap2Gcode::Bitmap2Gcode(QObject *parent) : QObject(parent) {}
-
-float Bitmap2Gcode::TakeEstimatedTime()
-{
-    const float t = m_estimatedTime;
-    m_estimatedTime = 0;
-    return t;
-}
-
-qint64 Bitmap2Gcode::RowStride(double scale)
+// Rows (and, for grayscale, columns) taken for a scale: lines never closer than the pitch.
+qint64 rowStride(double scale)
 {
     const double steps = std::trunc(MinLinePitch / scale);
     if (!(steps >= 1.0))   // also a negative or NaN scale
@@ -164,21 +185,33 @@ qint64 Bitmap2Gcode::RowStride(double scale)
     return qint64(steps);
 }
 
-float Bitmap2Gcode::CorrectedPower(int gray, float power)
+// The power burnt for a gray level through the correction curve. It was fitted to the burn
+// of the engraver's diode: a bell around CurveCentre with steps where the beam starts to
+// mark. The pieces do not meet at the two limits; the fit is used as it is.
+float correctedPower(int gray, float power)
 {
-    // Fitted to the burn of the engraver's diode: a bell around 241.6 with steps where the
-    // beam starts to mark. The pieces do not meet at 0.057 and 0.09; the fit is used as is.
     const int s = truncatedToInt((White - gray) * power / White);
-    const double x = (s - 241.6) / 147.1;
-    const float t = float(1.024 * std::exp(float(-(x * x))));
+    const double x = (s - CurveCentre) / CurveWidth;
+    const float t = float(CurvePeak * std::exp(float(-(x * x))));
     float corrected;
-    if (t < 0.057)
-        corrected = float(t * 5.0 / 0.057 + 2.0);
-    else if (t < 0.09)
-        corrected = float((t - 0.0523) * 1060.60595703125);
+    if (t < CurveLowLimit)
+        corrected = float(t * CurveLowSlope / CurveLowLimit + CurveLowBase);
+    else if (t < CurveMidLimit)
+        corrected = float((t - CurveMidShift) * CurveMidSlope);
     else
-        corrected = float((t + 0.1156) * 194.5946044921875);
-    return std::min(corrected, 255.0f);
+        corrected = float((t + CurveHighShift) * CurveHighSlope);
+    return std::min(corrected, MaxPower);
+}
+
+} // namespace
+
+Bitmap2Gcode::Bitmap2Gcode(QObject *parent) : QObject(parent) {}
+
+float Bitmap2Gcode::TakeEstimatedTime()
+{
+    const float t = m_estimatedTime;
+    m_estimatedTime = 0;
+    return t;
 }
 
 QImage Bitmap2Gcode::Image2Halftone(QImage image)
@@ -197,25 +230,15 @@ QImage Bitmap2Gcode::Image2Halftone(QImage image)
             const int mean = sum / (Cell * Cell);
 
             const char *const *pattern = nullptr;
-            char fill = 0;   // 'X' all black, '.' all white
-            if (mean >= 251 && mean <= 254)
-                fill = '.';
-            else if (mean >= 190 && mean <= 249)
-                pattern = PatternA;
-            else if (mean >= 130 && mean <= 189)
-                pattern = PatternB;
-            else if (mean >= 70 && mean <= 129)
-                pattern = PatternC;
-            else if (mean >= 10 && mean <= 69)
-                pattern = PatternD;
-            else if (mean <= 9)
-                fill = 'X';
-            else
+            for (const HalftoneBand &band : HalftoneBands)
+                if (mean >= band.lowest && mean <= band.highest)
+                    pattern = band.pattern;
+            if (!pattern)
                 continue;   // 250 and 255 keep the cell as it is
 
             for (int y = 0; y < Cell; ++y) {
                 for (int x = 0; x < Cell; ++x) {
-                    const char mark = pattern ? pattern[y][x] : fill;
+                    const char mark = pattern[y][x];
                     px[size_t(cy + y) * size_t(width) + size_t(cx + x)] =
                         opaqueGray(mark == 'X' ? 0 : White);
                 }
@@ -223,7 +246,7 @@ QImage Bitmap2Gcode::Image2Halftone(QImage image)
         }
     }
     words.copyTo(result);
-    result.save(QStringLiteral("hi.png"), "PNG", 100);
+    result.save(QString::fromLatin1(HalftoneFile), "PNG", HalftoneQuality);
     return result;
 }
 
@@ -296,7 +319,10 @@ void Bitmap2Gcode::ExportBlackPix(QImage image, QString savefile, double scale)
     m_laserOn = false;
     qDebug() << "Format" << image.format();
 
-    const QImage picture = image.convertToFormat(QImage::Format_ARGB32);
+    // Read as 32-bit ARGB words; alpha plays no part, so RGB32 pictures serve as they are.
+    const QImage picture = image.format() == QImage::Format_RGB32
+                               ? image
+                               : image.convertToFormat(QImage::Format_ARGB32);
     const int width = picture.width();
     const int height = picture.height();
     writeHeader(out, BlackHeaderSpeed);
@@ -325,7 +351,7 @@ void Bitmap2Gcode::ExportBlackPix(QImage image, QString savefile, double scale)
         columnX[size_t(c)] = float(offset.x() + c * scale);
     TravelClock clock(float(offset.x()), float(m_workHeight - offset.y()), &m_estimatedTime);
 
-    const qint64 stride = RowStride(scale);
+    const qint64 stride = rowStride(scale);
     for (qint64 r = 0; r < height; r += stride) {
         const double y = m_workHeight - r * scale - offset.y();
         const float rowY = float(y);
@@ -395,7 +421,7 @@ void Bitmap2Gcode::exportGray(const QImage &image, const QString &savefile, doub
 
     QVector<float> powers(GrayLevels);
     for (int g = 0; g < GrayLevels; ++g)
-        powers[g] = corrected ? CorrectedPower(g, power) : (White - g) * power / White;
+        powers[g] = corrected ? correctedPower(g, power) : (White - g) * power / White;
     out.setSpeeds(feed_speed, travel_speed);
     out.setColumns(offset.x(), scale, width);
     out.setPowers(powers, corrected ? W::PowerThreeDecimals : W::PowerShortest);
@@ -417,7 +443,7 @@ void Bitmap2Gcode::exportGray(const QImage &image, const QString &savefile, doub
     const int closeAtWhite = out.addGroup({burnTo, laserOff, travelSpeed, moveTo});
 
     TravelClock clock(float(offset.x()), float(m_workHeight - offset.y()), &m_estimatedTime);
-    const qint64 stride = RowStride(scale);
+    const qint64 stride = rowStride(scale);
     for (qint64 r = 0; r < height; r += stride) {
         const double y = m_workHeight - r * scale - offset.y();
         const float rowY = float(y);
@@ -463,7 +489,7 @@ void Bitmap2Gcode::exportGray(const QImage &image, const QString &savefile, doub
 
     qDebug() << "export finish!!";
     if (corrected)
-        preview.save(QStringLiteral("Grayimage.jpg"));
+        preview.save(QString::fromLatin1(PreviewFile));
     out.writeText(laserOff.pattern);
     out.writeText(tr("G28 \n"));
     out.flush();

@@ -24,11 +24,6 @@ public:
     // same; the slow way stays as the reference the fast one is checked against.
     void SetPlainFormatting(bool plain) { m_plainFormatting = plain; }
 
-    // Millimetres per picture pixel below which rows are skipped, and the row step for a scale.
-    static qint64 RowStride(double scale);
-    // The power that ExportGrayPixEX burns for a gray level, through the correction curve.
-    static float CorrectedPower(int gray, float power);
-
 public slots:
     // The order of these slots is the class's meta-object order; keep it.
     QImage Image2Halftone(QImage image);
