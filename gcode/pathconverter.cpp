@@ -15,6 +15,10 @@
 #include <cstring>
 #include <locale.h>
 
+#if defined(__GNUC__) && defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
 namespace {
 
 const int HeaderSize = 64;
@@ -130,63 +134,145 @@ void seedRandom()
     randNext();
 }
 
-// Index draws for the 2-opt passes. Three of four raw numbers are thrown away, so
-// they are made eight at a time by jumping ahead (x * 16807^k mod m is exactly the
-// k-th next number), which keeps the multiplier busy instead of waiting on each result,
-// and kept without a branch. The numbers and their order are those of randNext().
-const int IndexChunk = 4096;
-const int JumpWidth = 8;
-uint32_t g_jump[JumpWidth];
+// Index draws for the 2-opt passes. Three of four raw numbers are thrown away and a
+// large drawing asks for about a billion of them, so they are made many at a time by
+// jumping ahead (x * 16807^k mod m is exactly the k-th next number) and kept without
+// a branch. The numbers and their order are exactly those of randNext(). Values are
+// reduced to [0, m + 1]: only 0 and 1 have two forms there, and neither is ever kept.
+const int IndexChunk = 1024;
+const int JumpWidth = 16;
+uint32_t g_jump[JumpWidth + 1];  // 16807^k mod m for k = 0..16
 int g_index[IndexChunk + JumpWidth];
 int g_indexCount = 0;
 int g_indexPos = 0;
 uint32_t g_indexSpan = 0;
+bool g_portableDraws = false;
+
+inline uint64_t foldMod(uint64_t p)
+{
+    const uint64_t r = (p & RandModulus) + (p >> 31);
+    return (r & RandModulus) + (r >> 31);
+}
 
 void startIndexDraws(int span)
 {
-    uint32_t m = RandMultiplier;
-    for (int k = 0; k < JumpWidth; ++k) {
-        g_jump[k] = m;
-        m = mulMod(m, RandMultiplier);
-    }
+    g_jump[0] = 1;
+    for (int k = 1; k <= JumpWidth; ++k)
+        g_jump[k] = mulMod(g_jump[k - 1], RandMultiplier);
     g_indexSpan = uint32_t(span);
     g_indexCount = 0;
     g_indexPos = 0;
 }
 
-void refillIndexDraws()
+int refillPortable(uint32_t *state)
 {
-    uint32_t x = uint32_t(g_rand);
+    uint64_t x = *state;
     int n = 0;
     while (n < IndexChunk) {
-        uint32_t v[JumpWidth];
+        uint64_t v[JumpWidth];
         for (int k = 0; k < JumpWidth; ++k)
-            v[k] = mulMod(x, g_jump[k]);
+            v[k] = foldMod(x * g_jump[k + 1]);
         x = v[JumpWidth - 1];
         for (int k = 0; k < JumpWidth; ++k) {
-            const uint32_t off = v[k] - DrawLow;  // wraps past DrawRange when r < DrawLow
-            g_index[n] = int((uint64_t(off) * g_indexSpan) >> DrawShift);
+            const uint64_t off = v[k] - DrawLow;  // wraps far past DrawRange when r < DrawLow
+            g_index[n] = int((off * g_indexSpan) >> DrawShift);
             n += off <= DrawRange;
         }
     }
-    g_rand = int32_t(x);
+    *state = uint32_t(x);
+    return n;
+}
+
+#if defined(__GNUC__) && defined(__x86_64__)
+#define PATHCONV_HAVE_AVX2 1
+__attribute__((target("avx2"))) inline __m256i foldModAvx2(__m256i p, __m256i modulus)
+{
+    const __m256i r = _mm256_add_epi64(_mm256_and_si256(p, modulus), _mm256_srli_epi64(p, 31));
+    return _mm256_add_epi64(_mm256_and_si256(r, modulus), _mm256_srli_epi64(r, 31));
+}
+
+// Same numbers, four 64-bit lanes per register, four registers advancing 16 places each.
+__attribute__((target("avx2"))) int refillAvx2(uint32_t *state)
+{
+    // Positions of the low 32 bits of the kept lanes, kept lanes first, for each 4-bit mask.
+    alignas(32) static const int32_t pack[16][8] = {
+        {0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 0, 0, 0, 0}, {0, 2, 0, 0, 0, 0, 0, 0},
+        {4, 0, 0, 0, 0, 0, 0, 0}, {0, 4, 0, 0, 0, 0, 0, 0}, {2, 4, 0, 0, 0, 0, 0, 0}, {0, 2, 4, 0, 0, 0, 0, 0},
+        {6, 0, 0, 0, 0, 0, 0, 0}, {0, 6, 0, 0, 0, 0, 0, 0}, {2, 6, 0, 0, 0, 0, 0, 0}, {0, 2, 6, 0, 0, 0, 0, 0},
+        {4, 6, 0, 0, 0, 0, 0, 0}, {0, 4, 6, 0, 0, 0, 0, 0}, {2, 4, 6, 0, 0, 0, 0, 0}, {0, 2, 4, 6, 0, 0, 0, 0}};
+    const __m256i modulus = _mm256_set1_epi64x(RandModulus);
+    const __m256i step = _mm256_set1_epi64x(g_jump[JumpWidth]);
+    const __m256i low = _mm256_set1_epi64x(DrawLow);
+    const __m256i minusOne = _mm256_set1_epi64x(-1);
+    const __m256i limit = _mm256_set1_epi64x(int64_t(DrawRange) + 1);
+    const __m256i span = _mm256_set1_epi64x(g_indexSpan);
+    const uint64_t x = *state;
+    __m256i v[4];
+    for (int g = 0; g < 4; ++g)
+        v[g] = _mm256_setr_epi64x(int64_t(foldMod(x * g_jump[4 * g + 1])), int64_t(foldMod(x * g_jump[4 * g + 2])),
+                                  int64_t(foldMod(x * g_jump[4 * g + 3])), int64_t(foldMod(x * g_jump[4 * g + 4])));
+    int n = 0;
+    for (;;) {
+        for (int g = 0; g < 4; ++g) {
+            const __m256i off = _mm256_sub_epi64(v[g], low);
+            const __m256i keep = _mm256_and_si256(_mm256_cmpgt_epi64(off, minusOne), _mm256_cmpgt_epi64(limit, off));
+            const __m256i idx = _mm256_srli_epi64(_mm256_mul_epu32(off, span), DrawShift);
+            const int mask = _mm256_movemask_pd(_mm256_castsi256_pd(keep));
+            const __m256i packed = _mm256_permutevar8x32_epi32(idx, _mm256_load_si256(reinterpret_cast<const __m256i *>(pack[mask])));
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(g_index + n), _mm256_castsi256_si128(packed));
+            n += __builtin_popcount(unsigned(mask));
+        }
+        if (n >= IndexChunk)
+            break;
+        for (int g = 0; g < 4; ++g)
+            v[g] = foldModAvx2(_mm256_mul_epu32(v[g], step), modulus);
+    }
+    *state = uint32_t(_mm256_extract_epi64(v[3], 3));
+    return n;
+}
+#endif
+
+void refillIndexDraws()
+{
+    uint32_t x = uint32_t(g_rand);
+    int n;
+#ifdef PATHCONV_HAVE_AVX2
+    if (!g_portableDraws && __builtin_cpu_supports("avx2"))
+        n = refillAvx2(&x);
+    else
+#endif
+        n = refillPortable(&x);
+    g_rand = int32_t(x >= RandModulus ? x - RandModulus : x);
     g_indexCount = n;
     g_indexPos = 0;
 }
 
-inline int nextIndex()
+struct StartPoint { float x, y; };
+
+inline float dist2(const StartPoint &p, const StartPoint &q)
 {
-    if (g_indexPos >= g_indexCount)
-        refillIndexDraws();
-    return g_index[g_indexPos++];
+    const float dx = p.x - q.x, dy = p.y - q.y;
+    return dx * dx + dy * dy;
 }
 
-// One 2-opt pass over the path order; px/py hold the start point of the path at each position.
-void twoOptPass(int n, int *order, float *px, float *py)
+// One 2-opt pass over the path order; `at` holds the start point of the path at each position.
+void twoOptPass(int n, int *order, StartPoint *at)
 {
     // With three paths or fewer no two draws can differ by 2: nothing would change.
     if (n < 4)
         return;
+    // The read position lives in locals: kept in memory it would chain every draw
+    // to the last through a store and a load.
+    int pos = g_indexPos;
+    int count = g_indexCount;
+    auto nextIndex = [&pos, &count]() {
+        if (pos >= count) {
+            refillIndexDraws();
+            pos = 0;
+            count = g_indexCount;
+        }
+        return g_index[pos++];
+    };
     const long long attempts = (long long)n * OrderAttemptsPerPath;
     for (long long k = 0; k < attempts; ++k) {
         const int i = nextIndex();
@@ -195,17 +281,14 @@ void twoOptPass(int n, int *order, float *px, float *py)
             continue;
         const int a = std::min(i, j);
         const int b = std::max(i, j);
-        const float abx = px[a] - px[a + 1], aby = py[a] - py[a + 1];
-        const float cdx = px[b] - px[b + 1], cdy = py[b] - py[b + 1];
-        const float bdx = px[a + 1] - px[b + 1], bdy = py[a + 1] - py[b + 1];
-        const float acx = px[a] - px[b], acy = py[a] - py[b];
-        if (abx * abx + aby * aby + cdx * cdx + cdy * cdy > bdx * bdx + bdy * bdy + acx * acx + acy * acy
+        if (dist2(at[a], at[a + 1]) + dist2(at[b], at[b + 1]) > dist2(at[a + 1], at[b + 1]) + dist2(at[a], at[b])
             && a + 1 < b) {
             std::reverse(order + a + 1, order + b + 1);
-            std::reverse(px + a + 1, px + b + 1);
-            std::reverse(py + a + 1, py + b + 1);
+            std::reverse(at + a + 1, at + b + 1);
         }
     }
+    g_indexPos = pos;
+    g_indexCount = count;
 }
 
 void addBezPoint(float x, float y)
@@ -327,6 +410,11 @@ void pathconv_use_clock_seed()
     g_fixedSeed = false;
 }
 
+void pathconv_use_portable_draws(int on)
+{
+    g_portableDraws = on != 0;
+}
+
 float pathconv_take_estimate()
 {
     const float t = g_estimate;
@@ -390,10 +478,9 @@ int pathconv_convert(const char *input, const char *output, int bezier)
     float *startY = static_cast<float *>(calloc(size_t(pathSlots), sizeof(float)));
     int *firstSeg = static_cast<int *>(calloc(size_t(pathSlots), sizeof(int)));
     int *order = static_cast<int *>(calloc(size_t(pathSlots), sizeof(int)));
-    float *orderX = static_cast<float *>(calloc(size_t(pathSlots), sizeof(float)));
-    float *orderY = static_cast<float *>(calloc(size_t(pathSlots), sizeof(float)));
+    StartPoint *orderAt = static_cast<StartPoint *>(calloc(size_t(pathSlots), sizeof(StartPoint)));
     g_bezPoints = static_cast<BezPoint *>(calloc(MaxBezPoints, sizeof(BezPoint)));
-    if (!segs || !startX || !startY || !firstSeg || !order || !orderX || !orderY || !g_bezPoints) {
+    if (!segs || !startX || !startY || !firstSeg || !order || !orderAt || !g_bezPoints) {
         fprintf(stderr, "out of memory for %d points\n", g_npoints);
         abort();
     }
@@ -439,15 +526,15 @@ int pathconv_convert(const char *input, const char *output, int bezier)
     }
     for (int i = 0; i < g_npaths; ++i) {
         order[i] = i;
-        orderX[i] = startX[i];
-        orderY[i] = startY[i];
+        orderAt[i].x = startX[i];
+        orderAt[i].y = startY[i];
     }
     printf("total paths %d, total points %d\n", pathIndex, nsegs);
 
     printf("reorder ");
     startIndexDraws(g_npaths - 2);
     for (int pass = 0; pass < OrderPasses; ++pass) {
-        twoOptPass(g_npaths, order, orderX, orderY);
+        twoOptPass(g_npaths, order, orderAt);
         printf("%d... ", pass);
     }
     printf("\n");
@@ -540,8 +627,7 @@ int pathconv_convert(const char *input, const char *output, int bezier)
     free(startY);
     free(firstSeg);
     free(order);
-    free(orderX);
-    free(orderY);
+    free(orderAt);
     free(g_bezPoints);
     g_bezPoints = nullptr;
     SvgReader::release(image);

@@ -199,6 +199,7 @@ private slots:
     void zCounter();
     void fewPathsKeepTheirOrder_data();
     void fewPathsKeepTheirOrder();
+    void seededOrder_data();
     void seededOrder();
     void flatteningBufferFull();
     void failures_data();
@@ -438,9 +439,18 @@ void TestSvg2GcodeP::fewPathsKeepTheirOrder()
     QCOMPARE(startXs(gcode), QStringList({"0.0", "90.0", "2.0"}));
 }
 
+void TestSvg2GcodeP::seededOrder_data()
+{
+    QTest::addColumn<bool>("portable");
+    QTest::newRow("vector unit") << false;
+    QTest::newRow("plain integer code") << true;
+}
+
 void TestSvg2GcodeP::seededOrder()
 {
+    QFETCH(bool, portable);
     ScopedWorkDir dir;
+    pathconv_use_portable_draws(portable);
     const int paths = 40;
     QVector<QPointF> starts;
     QByteArray body;
@@ -462,6 +472,7 @@ void TestSvg2GcodeP::seededOrder()
         runs[r] = startXs(exportSvg(svg, job));
     }
     Svg2GcodeP::UseClockSeed();
+    pathconv_use_portable_draws(false);
 
     QStringList expected;
     for (int index : referenceOrder(starts, 424242))
