@@ -4,12 +4,20 @@
 
 #include "appsettings.h"
 #include "pathconverter.h"
+#include "svgreader.h"
 
 #include <QByteArray>
+#include <QFile>
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 // Every conversion from the window flattens curves.
 const int BezierOn = 1;
+// The converter reads drawings in these units.
+const char *const ConverterUnits = "mm";
+const float ConverterDpi = 0.1f;
 }
 
 Svg2GcodeP::Svg2GcodeP(QWidget *parent) : QWidget(parent)
@@ -19,6 +27,23 @@ Svg2GcodeP::Svg2GcodeP(QWidget *parent) : QWidget(parent)
 float Svg2GcodeP::TakeEstimatedTime()
 {
     return pathconv_take_estimate();
+}
+
+bool Svg2GcodeP::CanScale(const QString &inputfile)
+{
+    SvgImage *image = SvgReader::parseFromFile(QFile::encodeName(inputfile).constData(), ConverterUnits, ConverterDpi);
+    if (!image)
+        return false;
+    float minX = HUGE_VALF, maxX = -HUGE_VALF;
+    for (const SvgShape &shape : image->shapes)
+        for (const SvgPath &path : shape.paths)
+            for (int i = 0; i < path.npts(); ++i) {
+                minX = std::min(minX, path.pts[2 * i]);
+                maxX = std::max(maxX, path.pts[2 * i]);
+            }
+    SvgReader::release(image);
+    const bool empty = minX > maxX;
+    return empty || (maxX - minX > 0 && std::isfinite(maxX - minX));
 }
 
 void Svg2GcodeP::UseFixedSeed(qint64 seconds)

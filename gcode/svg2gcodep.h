@@ -18,6 +18,11 @@ public:
     // Seconds of engraving moves of the conversions since the last call; resets to 0.
     float TakeEstimatedTime();
 
+    // Whether the converter can place this drawing: it reads, and has some width
+    // (or nothing to draw). A drawing of zero width would give an infinite scale
+    // and "nan" coordinates, so callers check before exporting.
+    static bool CanScale(const QString &inputfile);
+
     // Repeatable path order: `seconds` stands in for the clock in the order's seed.
     static void UseFixedSeed(qint64 seconds);
     static void UseClockSeed();

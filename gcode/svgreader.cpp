@@ -47,8 +47,9 @@ struct Affine
 class Scanner
 {
 public:
+    // Keeps its own reference to the text, so a temporary can be handed in.
     explicit Scanner(const QByteArray &text)
-        : m_p(text.constData()), m_end(text.constData() + text.size()) {}
+        : m_text(text), m_p(m_text.constData()), m_end(m_text.constData() + m_text.size()) {}
 
     bool atEnd() { skipSeparators(); return m_p >= m_end; }
     char peek() { skipSeparators(); return m_p < m_end ? *m_p : '\0'; }
@@ -112,6 +113,7 @@ private:
             ++m_p;
     }
 
+    const QByteArray m_text;
     const char *m_p;
     const char *m_end;
 };

@@ -11,7 +11,6 @@
 #include <QFileInfo>
 #include <QTextStream>
 
-#include <cmath>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
@@ -64,32 +63,6 @@ public:
 private:
     int m_saved = -1;
 };
-
-// A drawing the converter can scale: some width, and no coordinate beyond a float.
-// Without this a zero width gives an infinite scale and "nan" in every move.
-bool checkDrawing(const QString &path, QString *problem)
-{
-    SvgImage *image = SvgReader::parseFromFile(QFile::encodeName(path).constData(), "mm", 0.1f);
-    if (!image) {
-        *problem = QStringLiteral("%1 is not an SVG drawing that can be read").arg(path);
-        return false;
-    }
-    float minX = HUGE_VALF, maxX = -HUGE_VALF;
-    int points = 0;
-    for (const SvgShape &shape : image->shapes)
-        for (const SvgPath &p : shape.paths)
-            for (int i = 0; i < p.npts(); ++i) {
-                minX = std::min(minX, p.pts[2 * i]);
-                maxX = std::max(maxX, p.pts[2 * i]);
-                ++points;
-            }
-    SvgReader::release(image);
-    if (points > 0 && !(maxX - minX > 0 && std::isfinite(maxX - minX))) {
-        *problem = QStringLiteral("%1: the drawing has no width, so it cannot be scaled").arg(path);
-        return false;
-    }
-    return true;
-}
 
 // Safety net for numbers that are not numbers in the moves.
 bool hasBadNumbers(const QString &gcodePath)
@@ -155,9 +128,12 @@ int runVector(const QStringList &args)
         return fail(QStringLiteral("cannot make a temporary working directory"));
     if (!QFile::copy(input, QLatin1String(WorkInput)))
         return fail(QStringLiteral("cannot read input %1").arg(input));
-    QString problem;
-    if (!checkDrawing(QLatin1String(WorkInput), &problem))
-        return fail(problem.replace(QLatin1String(WorkInput), input));
+    SvgImage *image = SvgReader::parseFromFile(WorkInput, "mm", 0.1f);
+    if (!image)
+        return fail(QStringLiteral("%1 is not an SVG drawing that can be read").arg(input));
+    SvgReader::release(image);
+    if (!Svg2GcodeP::CanScale(QLatin1String(WorkInput)))
+        return fail(QStringLiteral("%1: the drawing has no width, so it cannot be scaled").arg(input));
 
     AppSettings::setOffset(x, y);
     Svg2GcodeP generator;

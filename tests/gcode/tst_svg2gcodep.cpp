@@ -205,6 +205,8 @@ private slots:
     void failures_data();
     void failures();
     void estimatedTime();
+    void canScale_data();
+    void canScale();
     void badDrawingsDoNotCrash_data();
     void badDrawingsDoNotCrash();
 };
@@ -550,6 +552,29 @@ void TestSvg2GcodeP::estimatedTime()
     const double expected = 4 * (v * 1.5 / 300) + (std::sqrt(65.0) + 24) / v;
     QVERIFY2(std::fabs(gen.TakeEstimatedTime() - expected) < 1e-4, qPrintable(QString::number(expected)));
     QCOMPARE(gen.TakeEstimatedTime(), 0.0f);
+}
+
+void TestSvg2GcodeP::canScale_data()
+{
+    QTest::addColumn<QByteArray>("svg");  // empty: no file
+    QTest::addColumn<bool>("scalable");
+    QTest::newRow("a drawing") << mmSvg("<path d='M0 0 l1 0'/>") << true;
+    QTest::newRow("nothing to draw") << mmSvg("<text>words</text>") << true;
+    QTest::newRow("zero document width") << (SvgOpen + "width='0' height='10mm' viewBox='0 0 10 10'>"
+                                                       "<path d='M0 0 l5 5'/></svg>") << false;
+    QTest::newRow("vertical line") << mmSvg("<path d='M5 0 l0 5'/>") << false;
+    QTest::newRow("malformed") << QByteArray("<svg><path") << false;
+    QTest::newRow("missing") << QByteArray() << false;
+}
+
+void TestSvg2GcodeP::canScale()
+{
+    QFETCH(QByteArray, svg);
+    QFETCH(bool, scalable);
+    ScopedWorkDir dir;
+    if (!svg.isEmpty())
+        writeFile(QStringLiteral("in.svg"), svg);
+    QCOMPARE(Svg2GcodeP::CanScale(QStringLiteral("in.svg")), scalable);
 }
 
 void TestSvg2GcodeP::badDrawingsDoNotCrash_data()
