@@ -3,8 +3,6 @@
 #include "svgreader.h"
 #include "testsupport.h"
 
-#include <QFile>
-
 namespace {
 
 // "x,y x,y ..." per path ("Z:" first when closed), " | " between paths, a line per shape.
@@ -55,10 +53,7 @@ private slots:
     void units();
     void refused_data();
     void refused();
-    void missingFile();
-    void fileOnDiskByName();
     void deepNesting();
-    void longPath();
 };
 
 void TestSvgReader::elements_data()
@@ -104,9 +99,6 @@ void TestSvgReader::elements_data()
     QTest::newRow("circle: four cubics, closed")
         << QByteArray("<circle cx='5' cy='5' r='2'/>")
         << "Z:7,5 7,6.10457 6.10457,7 5,7 3.89543,7 3,6.10457 3,5 3,3.89543 3.89543,3 5,3 6.10457,3 7,3.89543 7,5";
-    QTest::newRow("ellipse")
-        << QByteArray("<ellipse cx='0' cy='0' rx='4' ry='2'/>")
-        << "Z:4,0 4,1.10457 2.20914,2 0,2 -2.20914,2 -4,1.10457 -4,0 -4,-1.10457 -2.20914,-2 0,-2 2.20914,-2 4,-1.10457 4,0";
     QTest::newRow("polyline stays open")
         << QByteArray("<polyline points='0,0 3,0 3,3'/>") << "0,0 1,0 2,0 3,0 3,1 3,2 3,3";
     QTest::newRow("polygon closes")
@@ -218,28 +210,6 @@ void TestSvgReader::refused()
     QCOMPARE(parseDump(document), QStringLiteral("<null>"));
 }
 
-void TestSvgReader::missingFile()
-{
-    ScopedWorkDir dir;
-    QCOMPARE(SvgReader::parseFromFile("no-such-file.svg", "mm", 0.1f), static_cast<SvgImage *>(nullptr));
-    QCOMPARE(SvgReader::parseFromFile(nullptr, "mm", 0.1f), static_cast<SvgImage *>(nullptr));
-}
-
-void TestSvgReader::fileOnDiskByName()
-{
-    ScopedWorkDir dir;
-    QFile f(dir.file(QStringLiteral("drawing.svg")));
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.write(mmDocument("<line x1='0' y1='0' x2='3' y2='6'/>"));
-    f.close();
-    SvgImage *image = SvgReader::parseFromFile("drawing.svg", "mm", 0.1f);
-    QVERIFY(image);
-    QCOMPARE(dump(image), QStringLiteral("0,0 1,2 2,4 3,6"));
-    QCOMPARE(image->width, 100.0f);
-    QCOMPARE(image->height, 100.0f);
-    SvgReader::release(image);
-}
-
 void TestSvgReader::deepNesting()
 {
     const int depth = 20000;
@@ -250,23 +220,6 @@ void TestSvgReader::deepNesting()
     for (int i = 0; i < depth; ++i)
         body += "</g>";
     QCOMPARE(parseDump(mmDocument(body)), QStringLiteral("20000,0 20001,0 20002,0 20003,0"));
-}
-
-void TestSvgReader::longPath()
-{
-    const int segments = 100000;
-    QByteArray d = "M0 0";
-    for (int i = 0; i < segments; ++i)
-        d += (i % 2) ? " l1 0" : " l0 1";
-    SvgImage *image = SvgReader::parse(mmDocument("<path d='" + d + "'/>"), "mm", 0.1f);
-    QVERIFY(image);
-    QCOMPARE(int(image->shapes.size()), 1);
-    QCOMPARE(int(image->shapes[0].paths.size()), 1);
-    const SvgPath &path = image->shapes[0].paths[0];
-    QCOMPARE(path.npts(), 1 + 3 * segments);
-    QCOMPARE(path.pts[2 * 3 * segments], float(segments / 2));
-    QCOMPARE(path.pts[2 * 3 * segments + 1], float(segments / 2));
-    SvgReader::release(image);
 }
 
 TARNWELL_TEST_MAIN(TestSvgReader)
