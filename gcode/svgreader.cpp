@@ -18,6 +18,7 @@ const double Pi = 3.14159265358979323846;
 const double QuarterArcKappa = 0.5522847498307936;
 const char *const SvgNamespace = "http://www.w3.org/2000/svg";
 const double FloatMax = std::numeric_limits<float>::max();
+const double FlatArcRatio = 1e9;
 
 // x' = a x + c y + e, y' = b x + d y + f (the order of the SVG matrix() function).
 struct Affine
@@ -210,7 +211,10 @@ void PathBuilder::arcTo(double rx, double ry, double angleDeg, bool largeArc, bo
         return;
     rx = std::fabs(rx);
     ry = std::fabs(ry);
-    if (rx == 0 || ry == 0) {
+    // No radius, or one so large against the chord that the arc cannot be told from
+    // a line (and its centre would be too far away to compute the curve precisely).
+    const double chord = std::max(std::fabs(x - x1), std::fabs(y - y1));
+    if (rx == 0 || ry == 0 || std::max(rx, ry) > chord * FlatArcRatio) {
         lineTo(x, y);
         return;
     }
@@ -242,6 +246,10 @@ void PathBuilder::arcTo(double rx, double ry, double angleDeg, bool largeArc, bo
     else if (sweep && delta < 0)
         delta += 2 * Pi;
 
+    if (!std::isfinite(delta) || !std::isfinite(cx) || !std::isfinite(cy)) {
+        lineTo(x, y);  // radii too large to work with: keep the end point at least
+        return;
+    }
     const int pieces = std::max(1, int(std::ceil(std::fabs(delta) / (Pi / 2) - 1e-9)));
     const double step = delta / pieces;
     const double k = 4.0 / 3.0 * std::tan(step / 4);
