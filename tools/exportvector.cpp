@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QTextStream>
 
+#include <cmath>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
@@ -36,6 +37,8 @@ const char *const Usage =
 // file names reach them whatever the user's file is called.
 const char *const WorkInput = "black_white.svg";
 const char *const WorkOutput = "local.gcode";
+// Far beyond any machine, and well inside what an int and a float hold.
+const double MaxMillimetres = 100000;
 
 // The converter chats on standard output; the tool's own output is one line.
 class QuietStdout
@@ -108,10 +111,16 @@ int runVector(const QStringList &args)
         || !opts.integer("seed", 0, &seed, &error))
         return fail(error);
     // The window hands the generator whole millimetres.
-    if (int(width) <= 0)
+    if (!(width >= 1 && width <= MaxMillimetres))
         return fail(QStringLiteral("--width: %1 mm is not a usable width").arg(opts.text("width")));
-    if (int(height) <= 0)
+    if (!(height >= 1 && height <= MaxMillimetres))
         return fail(QStringLiteral("--height: %1 mm is not a usable height").arg(opts.text("height")));
+    for (const char *name : {"x", "y", "feed-z", "travel-z"}) {
+        double v = 0;
+        opts.number(QLatin1String(name), 0, &v, &error);
+        if (std::fabs(v) > MaxMillimetres)
+            return fail(QStringLiteral("--%1: %2 mm is out of reach").arg(QLatin1String(name), opts.text(name)));
+    }
     const QString mode = opts.text("mode", QStringLiteral("laser"));
     if (mode != QLatin1String("laser") && mode != QLatin1String("cnc"))
         return fail(QStringLiteral("--mode: '%1' is neither laser nor cnc").arg(mode));
