@@ -1,8 +1,9 @@
 // The main window: builds the widget tree, owns every long-lived worker object,
-// wires the subsystems together and keeps the machine settings fields in Config.ini.
+// wires the subsystems together and carries a job from a picture to a G-code file.
 #ifndef DRAW_H
 #define DRAW_H
 
+#include <QByteArray>
 #include <QFont>
 #include <QImage>
 #include <QMainWindow>
@@ -10,8 +11,18 @@
 #include <QRectF>
 #include <QString>
 
-class QTranslator;
+class AllKindPic;
+class Bitmap2Gcode;
+class Bitmap2Svg;
+class CPSerialPort;
+class FrontEnd;
+class ImgBinaryEdit;
+class QHBoxLayout;
 class QLineEdit;
+class QTranslator;
+class RenderForm;
+class Svg2GcodeP;
+class WaitingForm;
 
 namespace Ui {
 class Draw;
@@ -26,6 +37,10 @@ public:
     ~Draw() override;
 
     int languageIndex() const { return m_language; }
+    RenderForm *renderForm() const { return m_renderForm; }
+    ImgBinaryEdit *imageEditor() const { return m_imgEdit; }
+    CPSerialPort *serialPanel() const { return m_serialPanel; }
+    FrontEnd *streamer() const { return m_frontEnd; }
 
 signals:
     void SigStartSaveGcode(QString filename, QPointF pos);
@@ -39,7 +54,39 @@ signals:
     void Sig_cancle();
     void Sig_Preview(QRectF rect);
 
-private slots:
+public slots:
+    // Job workflow.
+    void on_file_clicked();
+    void SlotPixitemDropped(QString pixName);
+    void SlotPrint(QString path);
+    void SlotLoadBlackWhite();
+    void on_radioButtonOut_clicked();
+    void on_radioButtonGray_clicked();
+    void on_radioButtonBlackWhite_clicked();
+    void on_radioButtonLaser_clicked(bool checked);
+    void on_radioButtonCNC_clicked(bool checked);
+    void SlotGetRect(QRectF rect);
+    void on_w_line_returnPressed();
+    void on_h_line_returnPressed();
+    void on_btndelete_clicked();
+    void on_btnExportGcode_clicked();
+    void startSaveGcode(QString filename, QPointF pos);
+    void SlotGcodeFinished(QString text);
+    void SLotStartWaitWindow();
+    void SLotCloseWaitWindow();
+    void on_btnPreview_clicked();
+    void on_stop_clicked();
+    void on_recovery_clicked();
+    void on_cancle_clicked();
+    void on_start_clicked();
+    void on_lineEdit_returnPressed();
+    void SlotChoosFileType();
+    void on_artpic_clicked();
+    void SlotConnected(bool connected);
+    void SlotLogMsg(QString text);
+    void SlotSetPowerText(int value);
+    void SlotSetSpeedText(int value);
+
     // Machine settings fields: each writes its text to Config.ini when left.
     void on_lineLaserOn_editingFinished();
     void on_lineLaserOff_editingFinished();
@@ -51,21 +98,52 @@ private slots:
     void on_lineCNCTravelZ_editingFinished();
     void on_linePixixcelDist_editingFinished();
 
-    void on_radioButtonLaser_clicked(bool checked);
-    void on_radioButtonCNC_clicked(bool checked);
+    // Manual machine control.
+    void on_radioButton01mm_clicked(bool checked);
+    void on_radioButton1mm_clicked(bool checked);
+    void on_radioButton10mm_clicked(bool checked);
+    void on_xa_clicked();
+    void on_xp_clicked();
+    void on_ya_clicked();
+    void on_yp_clicked();
+    void on_home_clicked();
+    void on_setHome_clicked();
+    void on_backHome_clicked();
+    void on_btnSend_clicked();
+    void on_lineEditGcodeLine_returnPressed();
+    void on_btnLoadGcodeHead_clicked();
+    void on_btnLoadGcodeEnd_clicked();
 
-    void SlotSetPowerText(int value);
-    void SlotSetSpeedText(int value);
-    void SlotLogMsg(QString text);
-    void SlotConnected(bool connected);
+    // Text pictures.
+    void SlotSetTextEditFont(QFont font);
+    void SlotSetTextEditFontSize(QString size);
+    void SlotTextToImgButton();
+
+    // Languages.
+    void on_btnEn_clicked();
+    void on_btnZh_clicked();
 
 private:
+    // A message that exists as a Chinese and an English literal: the start-up language
+    // picks one; in other languages there is none (and the dialog it heads is skipped).
+    QString message(const char *chinese, const char *english) const;
+    void logMessage(const QString &text);
+    void warn(const QString &text);
+
     void saveField(const char *key, const QLineEdit *field);
     void restoreSettings();
     void applyMode();
     void hideSettingsWidgets();
     void installLanguage();
     void setUpSliders();
+    void restoreTextsAfterRetranslate();
+
+    void routePicture(const QString &path);
+    void showEditorBlackWhite(const QString &path);
+    void loadPicture(const QString &path);
+    void outputStyleChanged();
+    void sendJog(const char *axisTemplate);
+    void loadSnippet(const QString &target);
 
     Ui::Draw *ui;
 
@@ -87,6 +165,23 @@ private:
     int m_language = 0;         // 0 Chinese, 1 English, 2 Korean
     int m_speedScale = 30;      // slider percent to mm/min
     int m_powerScale = 255;     // slider percent to laser power
+
+    // Worker objects, in the order they are made.
+    CPSerialPort *m_serialPanel = nullptr;
+    FrontEnd *m_frontEnd = nullptr;
+    Bitmap2Svg *m_tracer = nullptr;
+    Svg2GcodeP *m_svgGcode = nullptr;
+    struct JobRecord {
+        double x = 0, y = 0, width = 0, height = 0;
+        QByteArray header, footer;
+        QString name;
+    } m_record;   // kept for the job format to come; nothing reads it yet
+    Bitmap2Gcode *m_bitmapGcode = nullptr;
+    ImgBinaryEdit *m_imgEdit = nullptr;
+    QHBoxLayout *m_serialLayout = nullptr;
+    AllKindPic *m_effects = nullptr;
+    WaitingForm *m_waiting = nullptr;
+    RenderForm *m_renderForm = nullptr;
 
     QTranslator *m_translator = nullptr;
 };

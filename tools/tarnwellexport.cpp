@@ -16,14 +16,31 @@ static const char *const Usage =
     "\n"
     "'tarnwell-export SUBCOMMAND --help' describes each one.\n";
 
+// Standard error carries only the tool's own one-line messages, so the generators'
+// debug notes and Qt's start-up remarks are dropped.
+static void quietMessages(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type == QtFatalMsg) {
+        QTextStream(stderr) << "tarnwell-export: " << message << '\n';
+        abort();
+    }
+}
+
 int main(int argc, char *argv[])
 {
+    // Read the arguments before Qt sees them: QApplication would take options
+    // such as --style for itself.
+    QStringList args;
+    for (int i = 1; i < argc; ++i)
+        args << QString::fromLocal8Bit(argv[i]);
+
     // The generators paint into pictures and never open a window.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
+    qInstallMessageHandler(quietMessages);
+    int qtArgc = 1;
+    QApplication app(qtArgc, argv);
 
-    QStringList args = app.arguments().mid(1);
     if (args.isEmpty())
         return ExportCommon::fail(QStringLiteral("no subcommand given (try --help)"));
     const QString command = args.takeFirst();
