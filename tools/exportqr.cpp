@@ -43,8 +43,8 @@ int runQr(const QStringList &args)
     if (!work.isValid())
         return fail(QStringLiteral("cannot create a temporary working directory"));
     if (!QrCodeBitmap::write(text, QString::fromLatin1(QrCodeBitmap::FileName)))
-        return fail(QStringLiteral("the text cannot be encoded as a QR code (%1 bytes of UTF-8; "
-                                   "at most 1273 fit)").arg(text.toUtf8().size()));
+        return fail(QStringLiteral("the text is too long for a QR code (%1 bytes of UTF-8)")
+                    .arg(text.toUtf8().size()));
     if (!publish(QString::fromLatin1(QrCodeBitmap::FileName), output, &error))
         return fail(error);
     return 0;
