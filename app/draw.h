@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QPointF>
 #include <QRectF>
+#include <QSize>
 #include <QString>
 
 class AllKindPic;
@@ -41,6 +42,7 @@ public:
     ImgBinaryEdit *imageEditor() const { return m_imgEdit; }
     CPSerialPort *serialPanel() const { return m_serialPanel; }
     FrontEnd *streamer() const { return m_frontEnd; }
+    QSize pictureSize() const { return QSize(m_pictureWidth, m_pictureHeight); }
 
 signals:
     void SigStartSaveGcode(QString filename, QPointF pos);

@@ -1,0 +1,337 @@
+// The main window's job road: placing pictures, sizes in millimetres, refusals
+// before export, the generated file, deletion of working files and jog commands.
+#include "draw.h"
+#include "renderform.h"
+#include "testsupport.h"
+
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QLabel>
+#include <QMessageBox>
+#include <QRadioButton>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTextBrowser>
+#include <QTimer>
+#include <QPainter>
+#include "pgraphicsscene.h"
+
+namespace {
+
+void writeFile(const QString &name, const QByteArray &bytes)
+{
+    QFile f(name);
+    if (!f.open(QIODevice::WriteOnly))
+        qFatal("cannot write %s", qPrintable(name));
+    f.write(bytes);
+}
+
+// Answers every modal message box with OK and every file dialog with `answer`
+// (an empty answer cancels), counting what it saw.
+class DialogAnswerer : public QObject
+{
+public:
+    explicit DialogAnswerer(const QString &answer = QString()) : m_answer(answer)
+    {
+        m_timer.setInterval(20);
+        connect(&m_timer, &QTimer::timeout, this, &DialogAnswerer::poke);
+        m_timer.start();
+    }
+    int boxes = 0;
+    int fileDialogs = 0;
+    QStringList boxTexts;
+
+private:
+    void poke()
+    {
+        QWidget *modal = QApplication::activeModalWidget();
+        if (auto *box = qobject_cast<QMessageBox *>(modal)) {
+            ++boxes;
+            boxTexts << box->text();
+            box->accept();
+        } else if (auto *dialog = qobject_cast<QFileDialog *>(modal)) {
+            if (m_answer.isEmpty()) {
+                ++fileDialogs;
+                dialog->reject();
+            } else if (m_selected != dialog) {
+                // The dialog takes the selection in on its next turn of the event loop.
+                dialog->setDirectory(QFileInfo(m_answer).path());
+                if (QLineEdit *name = dialog->findChild<QLineEdit *>("fileNameEdit"))
+                    name->setText(QFileInfo(m_answer).fileName());
+                m_selected = dialog;
+            } else {
+                ++fileDialogs;
+                m_selected = nullptr;
+                static_cast<QDialog *>(dialog)->accept();
+            }
+        }
+    }
+    QString m_answer;
+    QTimer m_timer;
+    QFileDialog *m_selected = nullptr;
+};
+
+const char *const SquareSvg =
+    "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" viewBox=\"0 0 20 20\">"
+    "<path d=\"M2 2 L18 2 L18 18 L2 18 Z\" fill=\"none\" stroke=\"black\"/></svg>\n";
+
+// The canvas learns where its items stand when it paints them.
+void paintCanvas(Draw &w)
+{
+    QImage canvas(400, 400, QImage::Format_ARGB32);
+    QPainter painter(&canvas);
+    w.renderForm()->scene()->render(&painter);
+}
+
+} // namespace
+
+class TestDrawWorkflow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void pictureSizeIsCapped_data()
+    {
+        QTest::addColumn<QSize>("picture");
+        QTest::addColumn<QSize>("kept");
+        QTest::newRow("wide 1500x500") << QSize(1500, 500) << QSize(1000, 333);
+        QTest::newRow("tall 500x1500") << QSize(500, 1500) << QSize(333, 1000);
+        QTest::newRow("999x999 kept") << QSize(999, 999) << QSize(999, 999);
+        QTest::newRow("square 1000") << QSize(1000, 1000) << QSize(1000, 1000);
+        QTest::newRow("1000x999 truncates") << QSize(1000, 999) << QSize(1000, 998);
+    }
+
+    void pictureSizeIsCapped()
+    {
+        QFETCH(QSize, picture);
+        QFETCH(QSize, kept);
+        ScopedWorkDir dir;
+        QImage image(picture, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QVERIFY(image.save("in.png"));
+        Draw w;
+        w.SlotPrint("in.png");
+        QCOMPARE(w.pictureSize(), kept);
+    }
+
+    void svgIsCopiedAndPlaced()
+    {
+        ScopedWorkDir dir;
+        writeFile("drawing.svg", SquareSvg);
+        Draw w;
+        w.SlotPrint("drawing.svg");
+        QFile copy("black_white.svg");
+        QVERIFY(copy.open(QIODevice::ReadOnly));
+        QCOMPARE(copy.readAll(), QByteArray(SquareSvg));
+        // The user's own file is never touched.
+        QFile original("drawing.svg");
+        QVERIFY(original.open(QIODevice::ReadOnly));
+        QCOMPARE(original.readAll(), QByteArray(SquareSvg));
+        QVERIFY(!w.findChild<QLineEdit *>("w_line")->text().isEmpty());
+        QVERIFY(w.findChild<QLineEdit *>("w_line")->text() != "0");
+    }
+
+    void deleteRemovesWorkingFiles()
+    {
+        ScopedWorkDir dir;
+        // Name patterns match regardless of letter case, so "E.JPG" goes too.
+        for (const char *name : {"a.svg", "b.png", "c.jpg", "d.gcode", "keep.bmp", "Config.ini", "E.JPG", "f.jpeg"})
+            writeFile(name, "x");
+        Draw w;
+        w.on_btndelete_clicked();
+        QStringList left = QDir().entryList(QDir::Files, QDir::Name);
+        QCOMPARE(left, QStringList({"Config.ini", "f.jpeg", "keep.bmp"}));
+        QCOMPARE(w.findChild<QLineEdit *>("w_line")->text(), QString("0"));
+        QCOMPARE(w.findChild<QLineEdit *>("h_line")->text(), QString("0"));
+    }
+
+    void typedWidthRescales()
+    {
+        ScopedWorkDir dir;
+        Draw w;
+        QLineEdit *width = w.findChild<QLineEdit *>("w_line");
+        QLineEdit *height = w.findChild<QLineEdit *>("h_line");
+        QSignalSpy rescale(&w, SIGNAL(SigResetScaleFromLineEdit(double)));
+
+        // Nothing on the canvas: refused, fields restored.
+        width->setText("50");
+        w.on_w_line_returnPressed();
+        QCOMPARE(rescale.count(), 0);
+        QCOMPARE(width->text(), QString("0"));
+        QVERIFY(w.findChild<QTextBrowser *>("textBrowser")->toPlainText().contains("请选择图片!!!"));
+
+        QImage image(200, 100, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        QVERIFY(image.save("in.png"));
+        w.SlotPrint("in.png");
+        QCOMPARE(width->text(), QString("170"));
+        QCOMPARE(height->text(), QString("85"));
+
+        width->setText("100");
+        w.on_w_line_returnPressed();
+        QCOMPARE(height->text(), QString("50"));
+        QCOMPARE(rescale.count(), 1);
+        QCOMPARE(rescale.at(0).at(0).toDouble(), 100.0);
+
+        // A typed height also reports the width.
+        height->setText("25");
+        w.on_h_line_returnPressed();
+        QCOMPARE(width->text(), QString("50"));
+        QCOMPARE(rescale.count(), 2);
+        QCOMPARE(rescale.at(1).at(0).toDouble(), 50.0);
+
+        width->setText("-3");
+        w.on_w_line_returnPressed();
+        QCOMPARE(rescale.count(), 2);
+        QCOMPARE(width->text(), QString("50"));
+    }
+
+    void exportRefusals_data()
+    {
+        QTest::addColumn<QByteArray>("config");
+        QTest::addColumn<QString>("picture");
+        QTest::addColumn<QString>("style");
+        QTest::addColumn<int>("boxes");
+        QTest::addColumn<QString>("boxText");
+        QTest::newRow("no picture, Chinese") << QByteArray() << "" << "radioButtonBlackWhite" << 1 << "请选择图片!!!";
+        QTest::newRow("no picture, English") << QByteArray("[Language]\nlanguage=English\n") << ""
+                                             << "radioButtonBlackWhite" << 1 << "Please select the image!!!";
+        QTest::newRow("no picture, Korean") << QByteArray("[Language]\nlanguage=Korean\n") << ""
+                                            << "radioButtonBlackWhite" << 0 << "";
+        QTest::newRow("svg in grayscale, English") << QByteArray("[Language]\nlanguage=English\n") << "drawing.svg"
+                                                   << "radioButtonGray" << 1 << "Please select outPut mode!!!";
+        QTest::newRow("svg in black/white, Chinese") << QByteArray() << "drawing.svg"
+                                                     << "radioButtonBlackWhite" << 1 << "请选择轮廓模式!!!";
+        QTest::newRow("svg in grayscale, Korean") << QByteArray("[Language]\nlanguage=Korean\n") << "drawing.svg"
+                                                  << "radioButtonGray" << 0 << "";
+    }
+
+    void exportRefusals()
+    {
+        QFETCH(QByteArray, config);
+        QFETCH(QString, picture);
+        QFETCH(QString, style);
+        QFETCH(int, boxes);
+        QFETCH(QString, boxText);
+        ScopedWorkDir dir;
+        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n" + config);
+        writeFile("drawing.svg", SquareSvg);
+        Draw w;
+        if (!picture.isEmpty())
+            w.SlotPrint(picture);
+        // The style is set without its click, which would start the file routing.
+        w.findChild<QRadioButton *>(style)->setChecked(true);
+        if (!picture.isEmpty())
+            QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, picture));
+        QSignalSpy start(&w, SIGNAL(SigStartSaveGcode(QString, QPointF)));
+        DialogAnswerer answerer(dir.file("out.gcode"));
+        w.on_btnExportGcode_clicked();
+        QCOMPARE(answerer.boxes, boxes);
+        if (boxes)
+            QCOMPARE(answerer.boxTexts.first(), boxText);
+        QCOMPARE(answerer.fileDialogs, 0);
+        QCOMPARE(start.count(), 0);
+        QVERIFY(!QFile::exists("out.gcode"));
+    }
+
+    void cancelledSaveMovesFolderUp()
+    {
+        ScopedWorkDir dir;
+        writeFile("Config.ini", "[Tarnwy]\nmode=laser\npre_vector_path=/a/b/c\n");
+        // Outside the working folder: removing a picture clears every *.svg in it.
+        QTemporaryDir elsewhere;
+        const QString drawing = elsewhere.filePath("drawing.svg");
+        writeFile(drawing, SquareSvg);
+        Draw w;
+        w.findChild<QRadioButton *>("radioButtonOut")->setChecked(true);
+        QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, drawing));
+        paintCanvas(w);
+        QVERIFY(w.renderForm()->CurrentItemPos().x() != -10000.0);
+        DialogAnswerer cancel;
+        w.on_btnExportGcode_clicked();
+        QCOMPARE(cancel.fileDialogs, 1);
+        QCOMPARE(QSettings("Config.ini", QSettings::IniFormat).value("Tarnwy/pre_vector_path").toString(),
+                 QString("/a/b"));
+        w.on_btnExportGcode_clicked();
+        QCOMPARE(QSettings("Config.ini", QSettings::IniFormat).value("Tarnwy/pre_vector_path").toString(),
+                 QString("/a"));
+    }
+
+    void outlineExportWritesTheFile()
+    {
+        ScopedWorkDir dir;
+        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
+        // Outside the working folder: removing a picture clears every *.svg in it.
+        QTemporaryDir elsewhere;
+        const QString drawing = elsewhere.filePath("drawing.svg");
+        writeFile(drawing, SquareSvg);
+        Draw w;
+        w.findChild<QRadioButton *>("radioButtonOut")->setChecked(true);
+        QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, drawing));
+        paintCanvas(w);
+        QVERIFY(w.renderForm()->CurrentItemPos().x() != -10000.0);
+        const QString target = dir.file("job.gcode");
+        DialogAnswerer save(target);
+        QSignalSpy started(&w, SIGNAL(SigStartSaveGcode(QString, QPointF)));
+        w.on_btnExportGcode_clicked();
+        QCOMPARE(started.count(), 1);
+        QCOMPARE(started.at(0).at(0).toString(), target);
+        QCOMPARE(save.fileDialogs, 1);
+        QCOMPARE(save.boxes, 0);
+
+        QFile local("local.gcode");
+        QVERIFY(local.open(QIODevice::ReadOnly));
+        const QByteArray generated = local.readAll();
+        QVERIFY(generated.contains("G1"));
+        QFile job(target);
+        QVERIFY(job.open(QIODevice::ReadOnly));
+        QCOMPARE(job.readAll(), generated);
+
+        QSettings config("Config.ini", QSettings::IniFormat);
+        QCOMPARE(config.value("Tarnwy/pre_vector_path").toString(), dir.path());
+        QVERIFY(config.contains("Tarnwy/xoffset"));
+        QVERIFY(!w.findChild<QLabel *>("timeLabel")->text().isEmpty());
+        QVERIFY(w.findChild<QTextBrowser *>("textBrowser")->toPlainText().contains("Estimated time:"));
+
+        // Generating again over an existing, longer file replaces it whole.
+        writeFile(target, QByteArray(generated.size() * 2, 'x'));
+        w.startSaveGcode(target, QPointF(0, 0));
+        QFile again(target);
+        QVERIFY(again.open(QIODevice::ReadOnly));
+        QVERIFY(again.readAll().startsWith("G"));
+        QCOMPARE(again.size(), QFile("local.gcode").size());
+    }
+
+    void jogCommands_data()
+    {
+        QTest::addColumn<QString>("step");
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QStringList>("sent");
+        QTest::newRow("10 mm, -Y") << "radioButton10mm" << "yp" << QStringList({"G91", "G1 Y-10 F2000"});
+        QTest::newRow("0.1 mm, +X") << "radioButton01mm" << "xa" << QStringList({"G91", "G1 X0.1 F2000"});
+        QTest::newRow("1 mm, -X") << "radioButton1mm" << "xp" << QStringList({"G91", "G1 X-1 F2000"});
+        QTest::newRow("1 mm, +Y") << "radioButton1mm" << "ya" << QStringList({"G91", "G1 Y1 F2000"});
+        QTest::newRow("home") << "radioButton1mm" << "home" << QStringList({"G28 X Y"});
+        QTest::newRow("set home") << "radioButton1mm" << "setHome" << QStringList({"G92 X0 Y0 \n"});
+        QTest::newRow("back home") << "radioButton1mm" << "backHome" << QStringList({"G1 X0 Y0 \n"});
+    }
+
+    void jogCommands()
+    {
+        QFETCH(QString, step);
+        QFETCH(QString, button);
+        QFETCH(QStringList, sent);
+        ScopedWorkDir dir;
+        Draw w;
+        w.findChild<QRadioButton *>(step)->click();
+        QSignalSpy spy(&w, SIGNAL(Sig_toarduino(QString)));
+        QMetaObject::invokeMethod(&w, qPrintable("on_" + button + "_clicked"));
+        QStringList texts;
+        for (const QList<QVariant> &call : spy)
+            texts << call.at(0).toString();
+        QCOMPARE(texts, sent);
+    }
+};
+
+TARNWELL_TEST_MAIN(TestDrawWorkflow)
+#include "tst_drawworkflow.moc"
