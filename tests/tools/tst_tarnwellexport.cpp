@@ -1,0 +1,228 @@
+// tarnwell-export run as a separate process: exit status, the one-line messages,
+// no partial output, and output identical to what the generators write themselves.
+#include "bitmap2gcode.h"
+#include "estimatedtime.h"
+#include "testsupport.h"
+
+#include <QProcess>
+
+namespace {
+
+struct Run
+{
+    int status = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+Run runExport(const QStringList &args)
+{
+    QProcess process;
+    process.setProgram(QStringLiteral(TARNWELL_EXPORT));
+    process.setArguments(args);
+    process.setProcessChannelMode(QProcess::SeparateChannels);
+    process.start();
+    process.closeWriteChannel();   // it must never wait for input
+    Run run;
+    if (!process.waitForFinished(60000)) {
+        process.kill();
+        process.waitForFinished();
+        return run;
+    }
+    run.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+    run.out = process.readAllStandardOutput();
+    run.err = process.readAllStandardError();
+    return run;
+}
+
+void writeFile(const QString &name, const QByteArray &bytes)
+{
+    QFile f(name);
+    if (!f.open(QIODevice::WriteOnly))
+        qFatal("cannot write %s", qPrintable(name));
+    f.write(bytes);
+}
+
+QByteArray readFile(const QString &name)
+{
+    QFile f(name);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// A small picture with black, white and gray pixels.
+QImage samplePicture()
+{
+    QImage picture(6, 3, QImage::Format_RGB32);
+    picture.fill(Qt::white);
+    picture.setPixel(1, 0, qRgb(0, 0, 0));
+    picture.setPixel(2, 0, qRgb(0, 0, 0));
+    picture.setPixel(4, 1, qRgb(100, 100, 100));
+    picture.setPixel(0, 2, qRgb(30, 30, 30));
+    picture.setPixel(5, 2, qRgb(0, 0, 0));
+    return picture;
+}
+
+const char *const SquareSvg =
+    "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" viewBox=\"0 0 20 20\">"
+    "<path d=\"M2 2 L18 2 L18 18 L2 18 Z\" fill=\"none\" stroke=\"black\"/></svg>\n";
+
+} // namespace
+
+class TestTarnwellExport : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void helpExitsZero_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::newRow("command") << QStringList{"--help"};
+        QTest::newRow("raster") << QStringList{"raster", "--help"};
+        QTest::newRow("vector") << QStringList{"vector", "--help"};
+        QTest::newRow("trace") << QStringList{"trace", "--help"};
+        QTest::newRow("qr") << QStringList{"qr", "--help"};
+    }
+
+    void helpExitsZero()
+    {
+        QFETCH(QStringList, args);
+        const Run run = runExport(args);
+        QCOMPARE(run.status, 0);
+        QVERIFY(run.out.contains("Usage"));
+    }
+
+    void badInput_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("named");   // what the message must mention
+        QTest::newRow("no subcommand") << QStringList{} << "subcommand";
+        QTest::newRow("unknown subcommand") << QStringList{"engrave"} << "engrave";
+        QTest::newRow("unknown option") << QStringList{"raster", "--input", "pic.png", "--output", "out.gcode",
+                                                       "--width", "10", "--colour", "red"} << "--colour";
+        QTest::newRow("missing input") << QStringList{"raster", "--input", "nothere.png", "--output", "out.gcode",
+                                                      "--width", "10"} << "nothere.png";
+        QTest::newRow("not a picture") << QStringList{"raster", "--input", "junk.png", "--output", "out.gcode",
+                                                      "--width", "10"} << "junk.png";
+        QTest::newRow("width not a number") << QStringList{"raster", "--input", "pic.png", "--output", "out.gcode",
+                                                           "--width", "ten"} << "ten";
+        QTest::newRow("width zero") << QStringList{"raster", "--input", "pic.png", "--output", "out.gcode",
+                                                   "--width", "0"} << "width";
+        QTest::newRow("speed out of range") << QStringList{"raster", "--input", "pic.png", "--output", "out.gcode",
+                                                           "--width", "10", "--speed", "101"} << "speed";
+        QTest::newRow("unknown style") << QStringList{"raster", "--input", "pic.png", "--output", "out.gcode",
+                                                      "--width", "10", "--style", "sepia"} << "sepia";
+        QTest::newRow("output folder missing") << QStringList{"raster", "--input", "pic.png", "--output",
+                                                              "no/such/folder/out.gcode", "--width", "10"} << "out.gcode";
+        QTest::newRow("svg does not parse") << QStringList{"vector", "--input", "junk.svg", "--output", "out.gcode",
+                                                           "--width", "10", "--height", "10"} << "junk.svg";
+        QTest::newRow("svg height missing") << QStringList{"vector", "--input", "square.svg", "--output",
+                                                           "out.gcode", "--width", "10"} << "height";
+        QTest::newRow("trace of junk") << QStringList{"trace", "--input", "junk.png", "--output", "out.gcode"}
+                                       << "junk.png";
+    }
+
+    void badInput()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(QString, named);
+        ScopedWorkDir dir;
+        QVERIFY(samplePicture().save("pic.png"));
+        writeFile("junk.png", "this is not a picture at all");
+        writeFile("junk.svg", "<svg><path d=");
+        writeFile("square.svg", SquareSvg);
+        const Run run = runExport(args);
+        QCOMPARE(run.status, 2);
+        QVERIFY2(run.err.endsWith('\n') && run.err.count('\n') == 1, run.err.constData());
+        QVERIFY2(run.err.contains(named.toUtf8()), run.err.constData());
+        QVERIFY(run.out.isEmpty());
+        QVERIFY(!QFile::exists("out.gcode"));
+        // Nothing of the generators' working files lands in the caller's folder.
+        QVERIFY(!QFile::exists("local.gcode"));
+        QVERIFY(!QFile::exists("black_white.svg"));
+    }
+
+    void rasterMatchesTheGenerator_data()
+    {
+        QTest::addColumn<QString>("style");
+        QTest::addColumn<int>("speed");
+        QTest::addColumn<int>("power");
+        QTest::newRow("bw defaults") << "bw" << 33 << 91;
+        QTest::newRow("gray") << "gray" << 50 << 100;
+        QTest::newRow("gray-linear") << "gray-linear" << 7 << 3;
+    }
+
+    void rasterMatchesTheGenerator()
+    {
+        QFETCH(QString, style);
+        QFETCH(int, speed);
+        QFETCH(int, power);
+        ScopedWorkDir dir;
+        const QImage picture = samplePicture();
+        QVERIFY(picture.save("pic.png"));
+        const QImage loaded("pic.png");
+
+        // What the main window would write for the same job.
+        Bitmap2Gcode generator;
+        generator.offset = QPointF(12.5, 40);
+        generator.SetTravelSpeed(speed * 30 * 12);
+        generator.SetFeedSpeed(speed * 30 * 60 / 100);
+        generator.SetPower(float(power * 255 / 100));
+        const double scale = 3.0 / loaded.width();
+        if (style == "bw")
+            generator.ExportBlackPix(loaded, "expected.gcode", scale);
+        else if (style == "gray")
+            generator.ExportGrayPixEX(loaded, "expected.gcode", scale);
+        else
+            generator.ExportGrayPix(loaded, "expected.gcode", scale);
+        const QString time = EstimatedTimeText(generator.TakeEstimatedTime());
+
+        QStringList args{"raster", "--input", "pic.png", "--output", "out.gcode", "--width", "3",
+                         "--x", "12.5", "--y", "40", "--style", style};
+        if (speed != 33)
+            args << "--speed" << QString::number(speed);
+        if (power != 91)
+            args << "--power" << QString::number(power);
+        const Run run = runExport(args);
+        QCOMPARE(run.status, 0);
+        QCOMPARE(run.err, QByteArray());
+        QCOMPARE(QString::fromLatin1(run.out), QString("Estimated time: %1\n").arg(time));
+        const QByteArray expected = readFile("expected.gcode");
+        QVERIFY(!expected.isEmpty());
+        QCOMPARE(readFile("out.gcode"), expected);
+        QVERIFY(!QFile::exists("local.gcode"));
+    }
+
+    void vectorIsRepeatableWithSeed()
+    {
+        ScopedWorkDir dir;
+        writeFile("square.svg", SquareSvg);
+        const QStringList args{"vector", "--input", "square.svg", "--output", "a.gcode", "--width", "20",
+                               "--height", "20", "--x", "5", "--y", "5", "--seed", "7"};
+        Run first = runExport(args);
+        QCOMPARE(first.status, 0);
+        QVERIFY(first.out.startsWith("Estimated time: "));
+        QStringList again = args;
+        again[4] = "b.gcode";
+        QCOMPARE(runExport(again).status, 0);
+        const QByteArray a = readFile("a.gcode");
+        QVERIFY(a.contains("G1"));
+        QVERIFY(!a.contains("nan"));
+        QCOMPARE(readFile("b.gcode"), a);
+    }
+
+    void qrWritesBitmap()
+    {
+        ScopedWorkDir dir;
+        const Run run = runExport({"qr", "--text", "TarnwellLaser", "--output", "tag.bmp"});
+        QCOMPARE(run.status, 0);
+        const QByteArray bmp = readFile("tag.bmp");
+        QVERIFY(bmp.startsWith("BM"));
+        const QImage image("tag.bmp");
+        QVERIFY(!image.isNull());
+        QCOMPARE(image.width() % 16, 0);
+        QCOMPARE(image.width(), image.height());
+    }
+};
+
+TARNWELL_TEST_MAIN(TestTarnwellExport)
+#include "tst_tarnwellexport.moc"
