@@ -9,6 +9,8 @@
 #include "estimatedtime.h"
 #include "frontend.h"
 #include "imgbinaryedit.h"
+#include "materiallibrary.h"
+#include "qrcodebitmap.h"
 #include "renderform.h"
 #include "svg2gcodep.h"
 #include "waitingform.h"
@@ -116,7 +118,8 @@ Draw::Draw(QWidget *parent)
     // 10. Sliders, font size and the form's own signals.
     setUpSliders();
 
-    // 11. Slider values in their labels, the text tool's font.
+    // 11. Material library, slider values in their labels, the text tool's font.
+    startMaterials();
     SlotSetPowerText(ui->powerHorizontalSlider->value());
     SlotSetSpeedText(ui->speedHorizontalSlider->value());
     m_textFont.setFamily(QStringLiteral("SimHei"));
@@ -180,7 +183,9 @@ void Draw::hideSettingsWidgets()
 
 void Draw::installLanguage()
 {
-    m_language = AppSettings::languageIndex();
+    MaterialLibrary &library = MaterialLibrary::instance();
+    library.lookupLanguage();
+    m_language = library.languageIndex();
     m_translator = new QTranslator(this);
     if (m_language >= 0 && m_language < int(std::size(Catalogues)))
         m_translator->load(QString::fromLatin1(Catalogues[m_language]));
@@ -763,4 +768,121 @@ void Draw::restoreTextsAfterRetranslate()
     SlotSetSpeedText(ui->speedHorizontalSlider->value());
     ui->w_line->setText(QString::number(m_itemWidth, 'g', 6));
     ui->h_line->setText(QString::number(m_itemHeight, 'g', 6));
+}
+
+// ---- Material library ------------------------------------------------------------
+
+void Draw::setMaterialControlsEnabled(bool enabled)
+{
+    for (QWidget *w : {static_cast<QWidget *>(ui->saveMaterialButton), static_cast<QWidget *>(ui->initButton),
+                       static_cast<QWidget *>(ui->addMaterialButton), static_cast<QWidget *>(ui->deleteMaterialButton),
+                       static_cast<QWidget *>(ui->materialComboBox)})
+        w->setEnabled(enabled);
+}
+
+void Draw::startMaterials()
+{
+    MaterialLibrary &library = MaterialLibrary::instance();
+    if (!library.load())
+        setMaterialControlsEnabled(false);
+    for (const QString &name : library.names())
+        ui->materialComboBox->addItem(tr(name.toUtf8().constData()));
+    m_material = library.find(ui->materialComboBox->currentText());
+    if (m_material) {
+        ui->speedHorizontalSlider->setValue(int(m_material->currentSpeed));
+        ui->powerHorizontalSlider->setValue(int(m_material->currentPower));
+    }
+}
+
+void Draw::fillMaterials()
+{
+    MaterialLibrary &library = MaterialLibrary::instance();
+    m_material = nullptr;
+    ui->materialComboBox->clear();
+    for (const QString &name : library.names())
+        ui->materialComboBox->addItem(tr(name.toUtf8().constData()));
+    if (library.isEmpty()) {
+        ui->speedHorizontalSlider->setValue(0);
+        ui->powerHorizontalSlider->setValue(0);
+        setMaterialControlsEnabled(false);
+        return;
+    }
+    m_material = library.find(ui->materialComboBox->currentText());
+    if (m_material) {
+        ui->speedHorizontalSlider->setValue(int(m_material->currentSpeed));
+        ui->powerHorizontalSlider->setValue(int(m_material->currentPower));
+    }
+}
+
+void Draw::on_materialComboBox_currentIndexChanged(QString name)
+{
+    if (name.isEmpty())
+        return;
+    m_material = MaterialLibrary::instance().find(name);
+    if (!m_material)
+        return;
+    ui->powerHorizontalSlider->setValue(int(m_material->currentPower));
+    ui->speedHorizontalSlider->setValue(int(m_material->currentSpeed));
+}
+
+void Draw::on_initButton_clicked()
+{
+    if (!m_material)
+        return;
+    ui->powerHorizontalSlider->setValue(int(m_material->initPower));
+    ui->speedHorizontalSlider->setValue(int(m_material->initSpeed));
+    // Only in memory: the file keeps the old values until the next save.
+    m_material->currentPower = m_material->initPower;
+    m_material->currentSpeed = m_material->initSpeed;
+}
+
+void Draw::on_saveMaterialButton_clicked()
+{
+    if (!m_material)
+        return;
+    m_material->currentPower = float(ui->powerHorizontalSlider->value());
+    m_material->currentSpeed = float(ui->speedHorizontalSlider->value());
+    MaterialLibrary::instance().save();
+}
+
+void Draw::on_addMaterialButton_clicked()
+{
+    MaterialLibrary &library = MaterialLibrary::instance();
+    const QString name = ui->materialComboBox->currentText();
+    if (library.names().contains(name)) {
+        logMessage(message("此材料已存在!!!", "The material already exists "));
+        return;
+    }
+    MaterialRecord record;
+    record.name = name;
+    record.currentPower = record.initPower = float(ui->powerHorizontalSlider->value());
+    record.currentSpeed = record.initSpeed = float(ui->speedHorizontalSlider->value());
+    record.thickness = 0;
+    library.add(record);
+    fillMaterials();
+    ui->materialComboBox->setCurrentIndex(ui->materialComboBox->count() - 1);
+}
+
+void Draw::on_deleteMaterialButton_clicked()
+{
+    MaterialLibrary &library = MaterialLibrary::instance();
+    const QString name = ui->materialComboBox->currentText();
+    if (!library.find(name)) {
+        logMessage(message("此材料不存在!!!", "The material dose not exists "));
+        return;
+    }
+    m_material = nullptr;
+    library.remove(name);
+    fillMaterials();
+}
+
+// ---- QR-code pictures --------------------------------------------------------------
+
+void Draw::on_TextToQRcodeButton_clicked()
+{
+    const QString file = QStringLiteral("qrcode.bmp");
+    if (!QrCodeBitmap::write(ui->textEdit->toPlainText(), file))
+        return;   // encoding or file errors end quietly
+    m_picturePath = file;
+    SlotPixitemDropped(file);
 }

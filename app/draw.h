@@ -121,6 +121,16 @@ public slots:
     void SlotSetTextEditFontSize(QString size);
     void SlotTextToImgButton();
 
+    // Material library.
+    void on_materialComboBox_currentIndexChanged(QString name);
+    void on_initButton_clicked();
+    void on_saveMaterialButton_clicked();
+    void on_addMaterialButton_clicked();
+    void on_deleteMaterialButton_clicked();
+
+    // QR-code pictures.
+    void on_TextToQRcodeButton_clicked();
+
     // Languages.
     void on_btnEn_clicked();
     void on_btnZh_clicked();
@@ -146,6 +156,9 @@ private:
     void outputStyleChanged();
     void sendJog(const char *axisTemplate);
     void loadSnippet(const QString &target);
+    void startMaterials();
+    void fillMaterials();
+    void setMaterialControlsEnabled(bool enabled);
 
     Ui::Draw *ui;
 
@@ -186,6 +199,7 @@ private:
     RenderForm *m_renderForm = nullptr;
 
     QTranslator *m_translator = nullptr;
+    struct MaterialRecord *m_material = nullptr;   // the record selected in the combo box
 };
 
 #endif

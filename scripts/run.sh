@@ -16,6 +16,11 @@ fi
 
 program="$root/build/app/TarnwellLaser"
 mkdir -p "$work"
+# Starting material libraries; the user's own are never replaced.
+for library in "$root"/resources/materials/dataFile_*.json; do
+  [ -e "$library" ] || continue
+  [ -e "$work/$(basename "$library")" ] || cp "$library" "$work/"
+done
 cd "$work"
 echo "Working folder: $work"
 

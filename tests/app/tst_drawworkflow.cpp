@@ -4,7 +4,11 @@
 #include "renderform.h"
 #include "testsupport.h"
 
+#include <QComboBox>
 #include <QFileDialog>
+#include <QPushButton>
+#include <QSlider>
+#include <QTextEdit>
 #include <QLineEdit>
 #include <QLabel>
 #include <QMessageBox>
@@ -74,6 +78,12 @@ private:
 const char *const SquareSvg =
     "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" viewBox=\"0 0 20 20\">"
     "<path d=\"M2 2 L18 2 L18 18 L2 18 Z\" fill=\"none\" stroke=\"black\"/></svg>\n";
+
+QString readFileText(const QString &name)
+{
+    QFile f(name);
+    return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
+}
 
 // The canvas learns where its items stand when it paints them.
 void paintCanvas(Draw &w)
@@ -300,6 +310,75 @@ private slots:
         QVERIFY(again.open(QIODevice::ReadOnly));
         QVERIFY(again.readAll().startsWith("G"));
         QCOMPARE(again.size(), QFile("local.gcode").size());
+    }
+
+    void materialControls_data()
+    {
+        QTest::addColumn<QByteArray>("language");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<bool>("enabled");
+        QTest::newRow("Chinese") << QByteArray() << "dataFile_zh.json" << true;
+        QTest::newRow("English") << QByteArray("English") << "dataFile_en.json" << true;
+        QTest::newRow("Korean has no library") << QByteArray("Korean") << "dataFile_en.json" << false;
+        QTest::newRow("Chinese without a file") << QByteArray() << "dataFile_en.json" << false;
+    }
+
+    void materialControls()
+    {
+        QFETCH(QByteArray, language);
+        QFETCH(QString, file);
+        QFETCH(bool, enabled);
+        ScopedWorkDir dir;
+        if (!language.isEmpty())
+            writeFile("Config.ini", "[Language]\nlanguage=" + language + "\n");
+        writeFile(file, "[{\"name\": \"Wood\", \"currentPower\": 40, \"currentSpeed\": 20,"
+                        " \"initPower\": 50, \"initSpeed\": 25, \"thickness\": 3}]");
+        Draw w;
+        QComboBox *box = w.findChild<QComboBox *>("materialComboBox");
+        QCOMPARE(box->isEnabled(), enabled);
+        QCOMPARE(w.findChild<QPushButton *>("addMaterialButton")->isEnabled(), enabled);
+        if (!enabled)
+            return;
+        // The selected material sets the sliders.
+        QCOMPARE(w.findChild<QSlider *>("powerHorizontalSlider")->value(), 40);
+        QCOMPARE(w.findChild<QSlider *>("speedHorizontalSlider")->value(), 20);
+        // The init button restores defaults in memory only.
+        w.on_initButton_clicked();
+        QCOMPARE(w.findChild<QSlider *>("powerHorizontalSlider")->value(), 50);
+        QVERIFY(readFileText(file).contains("40"));
+        // A name differing only in letter case is a new material.
+        box->setEditText("wood");
+        w.on_addMaterialButton_clicked();
+        QCOMPARE(box->count(), 2);
+        QCOMPARE(box->currentText(), QString("wood"));
+        // The same name again is refused with a log line.
+        box->setEditText("wood");
+        w.on_addMaterialButton_clicked();
+        QCOMPARE(box->count(), 2);
+        QVERIFY(w.findChild<QTextBrowser *>("textBrowser")->toPlainText().contains(
+            language == "English" ? "The material already exists " : "此材料已存在!!!"));
+        box->setEditText("Wood");
+        w.on_deleteMaterialButton_clicked();
+        QCOMPARE(box->count(), 1);
+        QCOMPARE(box->itemText(0), QString("wood"));
+        QVERIFY(!readFileText(file).contains("\"Wood\""));
+    }
+
+    void qrCodePicture()
+    {
+        ScopedWorkDir dir;
+        writeFile("Config.ini", "[Tarnwy]\nmode=cnc\n");
+        Draw w;
+        w.findChild<QTextEdit *>("textEdit")->setPlainText("TarnwellLaser");
+        w.on_TextToQRcodeButton_clicked();
+        const QImage code("qrcode.bmp");
+        QVERIFY(!code.isNull());
+        QCOMPARE(code.width() % 16, 0);
+        // An empty text makes nothing and leaves the last code alone.
+        QFile::remove("qrcode.bmp");
+        w.findChild<QTextEdit *>("textEdit")->setPlainText("");
+        w.on_TextToQRcodeButton_clicked();
+        QVERIFY(!QFile::exists("qrcode.bmp"));
     }
 
     void jogCommands_data()
