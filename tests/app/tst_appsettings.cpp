@@ -98,16 +98,6 @@ private slots:
         QCOMPARE(AppSettings::mode(), QString("laser"));
     }
 
-    void emptyTextIsWritten()
-    {
-        ScopedWorkDir dir;
-        AppSettings::setTarnwyString("laser_on", "M3");
-        AppSettings::setTarnwyString("laser_on", "");
-        QSettings config("Config.ini", QSettings::IniFormat);
-        QVERIFY(config.contains("Tarnwy/laser_on"));
-        QCOMPARE(config.value("Tarnwy/laser_on").toString(), QString());
-    }
-
     void otherKeyNameIsNotRead()
     {
         ScopedWorkDir dir;
