@@ -2,6 +2,8 @@
 // moved by its body, resized about its centre from the bottom-right corner.
 #include "pixmapitem.h"
 
+#include "cornerhover.h"
+
 #include <QBuffer>
 #include <QDebug>
 #include <QFile>
@@ -131,32 +133,17 @@ bool PixmapItem::inCornerZone(const QPointF &p) const
 
 void PixmapItem::hoverEnterEvent(QGraphicsSceneHoverEvent *event)
 {
-    if (inCornerZone(event->scenePos())) {
-        m_cursor->setShape(Qt::SizeFDiagCursor);
-        m_dragMode = ResizeBottomRight;
-    } else {
-        m_resizeArmed = false;
-        m_cursor->setShape(Qt::SizeAllCursor);
-    }
     setPixmap(pixmap().scaled(truncated(m_rect.width()), truncated(m_rect.height()),
                               Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-    setCursor(*m_cursor);
-    update();
+    showCornerHover(this, m_cursor, inCornerZone(event->scenePos()), false, ResizeBottomRight,
+                    m_dragMode, m_resizeArmed);
     QGraphicsPixmapItem::hoverEnterEvent(event);
 }
 
 void PixmapItem::hoverMoveEvent(QGraphicsSceneHoverEvent *event)
 {
-    if (inCornerZone(event->scenePos())) {
-        m_cursor->setShape(Qt::SizeFDiagCursor);
-        m_dragMode = ResizeBottomRight;
-        m_resizeArmed = true;
-    } else {
-        m_resizeArmed = false;
-        m_cursor->setShape(Qt::SizeAllCursor);
-    }
-    setCursor(*m_cursor);
-    update();
+    showCornerHover(this, m_cursor, inCornerZone(event->scenePos()), true, ResizeBottomRight,
+                    m_dragMode, m_resizeArmed);
     QGraphicsPixmapItem::hoverMoveEvent(event);
 }
 

@@ -2,6 +2,8 @@
 // moved by its body, resized about its centre from the bottom-right corner.
 #include "svgitem.h"
 
+#include "cornerhover.h"
+
 #include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QPainter>
@@ -78,30 +80,15 @@ bool SvgItem::inCornerZone(const QPointF &p) const
 
 void SvgItem::hoverEnterEvent(QGraphicsSceneHoverEvent *event)
 {
-    if (inCornerZone(event->scenePos())) {
-        m_cursor->setShape(Qt::SizeFDiagCursor);
-        m_dragMode = ResizeBottomRight;
-    } else {
-        m_resizeArmed = false;
-        m_cursor->setShape(Qt::SizeAllCursor);
-    }
-    setCursor(*m_cursor);
-    update();
+    showCornerHover(this, m_cursor, inCornerZone(event->scenePos()), false, ResizeBottomRight,
+                    m_dragMode, m_resizeArmed);
     QGraphicsSvgItem::hoverEnterEvent(event);
 }
 
 void SvgItem::hoverMoveEvent(QGraphicsSceneHoverEvent *event)
 {
-    if (inCornerZone(event->scenePos())) {
-        m_cursor->setShape(Qt::SizeFDiagCursor);
-        m_dragMode = ResizeBottomRight;
-        m_resizeArmed = true;
-    } else {
-        m_resizeArmed = false;
-        m_cursor->setShape(Qt::SizeAllCursor);
-    }
-    setCursor(*m_cursor);
-    update();
+    showCornerHover(this, m_cursor, inCornerZone(event->scenePos()), true, ResizeBottomRight,
+                    m_dragMode, m_resizeArmed);
     QGraphicsSvgItem::hoverMoveEvent(event);
 }
 
