@@ -1,52 +1,46 @@
-// Test-side catchers: debug lines written by the code under test, and message
-// boxes it opens (closed at once, so no test waits on a modal dialog).
+// Test-side catchers: texts of signals, debug lines of the code under test, and
+// message boxes it opens (closed at once, so no test waits on a modal dialog).
 #ifndef CAPTURE_H
 #define CAPTURE_H
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
+#include <QSignalSpy>
 #include <QThread>
 #include <QTimer>
 
-// Debug lines written by the test's own thread while it lives.
-class MessageCapture
+// First argument of every signal a spy caught, as text.
+inline QStringList args(const QSignalSpy &spy)
 {
-public:
-    MessageCapture() { current() = this; m_old = qInstallMessageHandler(handler); }
-    ~MessageCapture() { qInstallMessageHandler(m_old); current() = nullptr; }
-    QStringList starting(const QString &prefix) const { return m_lines.filter(QRegExp("^" + QRegExp::escape(prefix))); }
+    QStringList out;
+    for (const QList<QVariant> &a : spy)
+        out << a.at(0).toString();
+    return out;
+}
 
-private:
-    static MessageCapture *&current() { static MessageCapture *c = nullptr; return c; }
-    static void handler(QtMsgType, const QMessageLogContext &, const QString &text)
-    {
-        if (current() && QThread::currentThread() == qApp->thread())
-            current()->m_lines.append(text);
-    }
-    QStringList m_lines;
+// Debug lines written by the test's own thread while it lives.
+struct MessageCapture {
+    static QStringList &lines() { static QStringList l; return l; }
+    MessageCapture() { lines().clear(); m_old = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &s) {
+        if (QThread::currentThread() == qApp->thread()) lines().append(s); }); }
+    ~MessageCapture() { qInstallMessageHandler(m_old); }
+    QStringList starting(const QString &prefix) const { return lines().filter(QRegExp("^" + QRegExp::escape(prefix))); }
     QtMessageHandler m_old;
 };
 
 // Closes every message box that turns up; notes "title|text|buttons" of each.
-class ModalCloser : public QObject
-{
-public:
+struct ModalCloser : QTimer {
+    QStringList seen;
     ModalCloser()
     {
-        connect(&m_timer, &QTimer::timeout, this, [this] {
-            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            if (!box || !box->isVisible())
-                return;
-            seen.append(QString("%1|%2|%3").arg(box->windowTitle(), box->text()).arg(box->buttons().size()));
-            box->button(QMessageBox::Ok) ? box->button(QMessageBox::Ok)->click() : box->reject();
+        connect(this, &QTimer::timeout, [this] {
+            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                seen << QString("%1|%2|%3").arg(box->windowTitle(), box->text()).arg(box->buttons().size());
+                box->done(QMessageBox::Ok);
+            }
         });
-        m_timer.start(10);
+        start(10);
     }
-    QStringList seen;
-
-private:
-    QTimer m_timer;
 };
 
 #endif
