@@ -53,85 +53,58 @@ private slots:
     void units();
     void refused_data();
     void refused();
-    void deepNesting();
 };
 
 void TestSvgReader::elements_data()
 {
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QString>("expected");
+    const auto row = [](const char *name, const QByteArray &body, const char *expected) {
+        QTest::newRow(name) << body << QString::fromLatin1(expected);
+    };
+    const QByteArray line = "<line x1='0' y1='0' x2='3' y2='0'";
 
-    QTest::newRow("line: control points at the thirds")
-        << QByteArray("<line x1='0' y1='0' x2='3' y2='6'/>") << "0,0 1,2 2,4 3,6";
-    QTest::newRow("Z with the pen elsewhere adds the closing line")
-        << QByteArray("<path d='M0 0 L3 0 L3 3 Z'/>") << "Z:0,0 1,0 2,0 3,0 3,1 3,2 3,3 2,2 1,1 0,0";
-    QTest::newRow("Z with the pen at the start adds nothing")
-        << QByteArray("<path d='M0 0 L3 0 L0 0 Z'/>") << "Z:0,0 1,0 2,0 3,0 2,0 1,0 0,0";
-    QTest::newRow("relative moves, h and v")
-        << QByteArray("<path d='m1 1 h3 v3'/>") << "1,1 2,1 3,1 4,1 4,2 4,3 4,4";
-    QTest::newRow("two subpaths in one shape")
-        << QByteArray("<path d='M0 0 L3 0 M6 0 L9 0'/>") << "0,0 1,0 2,0 3,0 | 6,0 7,0 8,0 9,0";
-    QTest::newRow("moveto pairs continue as lines")
-        << QByteArray("<path d='M0 0 3 0'/>") << "0,0 1,0 2,0 3,0";
-    QTest::newRow("a drawing command after Z starts at the old start")
-        << QByteArray("<path d='M0 0 L3 0 Z l0 3'/>")
-        << "Z:0,0 1,0 2,0 3,0 2,0 1,0 0,0 | 0,0 0,1 0,2 0,3";
-    QTest::newRow("quadratic raised to cubic")
-        << QByteArray("<path d='M0 0 Q3 3 6 0'/>") << "0,0 2,2 4,2 6,0";
-    QTest::newRow("S reflects the last control point")
-        << QByteArray("<path d='M0 0 C0 3 3 3 3 0 S6 -3 6 0'/>") << "0,0 0,3 3,3 3,0 3,-3 6,-3 6,0";
-    QTest::newRow("T reflects the last quadratic point")
-        << QByteArray("<path d='M0 0 Q3 3 6 0 T12 0'/>") << "0,0 2,2 4,2 6,0 8,-2 10,-2 12,0";
-    QTest::newRow("S after a line uses the pen as first control")
-        << QByteArray("<path d='M0 0 L3 0 S6 3 6 0'/>") << "0,0 1,0 2,0 3,0 3,0 6,3 6,0";
-    QTest::newRow("quarter arc is one cubic")
-        << QByteArray("<path d='M10 0 A10 10 0 0 1 0 10'/>") << "10,0 10,5.52285 5.52285,10 0,10";
-    QTest::newRow("half arc is two cubics, flags written together")
-        << QByteArray("<path d='M0 0a3 3 0 016 0'/>")
-        << "0,0 0,-1.65685 1.34315,-3 3,-3 4.65685,-3 6,-1.65685 6,0";
-    QTest::newRow("arc with radius 0 is a line")
-        << QByteArray("<path d='M0 0 A0 5 0 0 1 3 0'/>") << "0,0 1,0 2,0 3,0";
-    QTest::newRow("rect")
-        << QByteArray("<rect x='1' y='2' width='3' height='6'/>")
-        << "Z:1,2 2,2 3,2 4,2 4,4 4,6 4,8 3,8 2,8 1,8 1,6 1,4 1,2";
-    QTest::newRow("rect without area is not drawn")
-        << QByteArray("<rect x='1' y='2' width='0' height='6'/>") << "";
-    QTest::newRow("circle: four cubics, closed")
-        << QByteArray("<circle cx='5' cy='5' r='2'/>")
-        << "Z:7,5 7,6.10457 6.10457,7 5,7 3.89543,7 3,6.10457 3,5 3,3.89543 3.89543,3 5,3 6.10457,3 7,3.89543 7,5";
-    QTest::newRow("polyline stays open")
-        << QByteArray("<polyline points='0,0 3,0 3,3'/>") << "0,0 1,0 2,0 3,0 3,1 3,2 3,3";
-    QTest::newRow("polygon closes")
-        << QByteArray("<polygon points='0,0 3,0 3,3'/>") << "Z:0,0 1,0 2,0 3,0 3,1 3,2 3,3 2,2 1,1 0,0";
-    QTest::newRow("group and element transforms")
-        << QByteArray("<g transform='translate(10,20)'><line x1='0' y1='0' x2='3' y2='0' transform='scale(2)'/></g>")
-        << "10,20 12,20 14,20 16,20";
-    QTest::newRow("transform list applies right to left")
-        << QByteArray("<line x1='0' y1='0' x2='3' y2='0' transform='translate(1 0) scale(2 3)'/>")
-        << "1,0 3,0 5,0 7,0";
-    QTest::newRow("matrix")
-        << QByteArray("<line x1='0' y1='0' x2='3' y2='0' transform='matrix(0 1 -1 0 5 5)'/>")
-        << "5,5 5,6 5,7 5,8";
-    QTest::newRow("one shape per element")
-        << QByteArray("<line x1='0' y1='0' x2='3' y2='0'/><line x1='0' y1='3' x2='3' y2='3'/>")
-        << "0,0 1,0 2,0 3,0\n0,3 1,3 2,3 3,3";
-    QTest::newRow("display none, as attribute and in style, hides the subtree")
-        << QByteArray("<line x1='0' y1='0' x2='3' y2='0' display='none'/>"
-                      "<g style='fill:red; display : none'><line x1='0' y1='0' x2='3' y2='0'/></g>"
-                      "<line x1='0' y1='3' x2='3' y2='3'/>")
-        << "0,3 1,3 2,3 3,3";
-    QTest::newRow("defs, text, images and gradients are not drawn")
-        << QByteArray("<defs><path d='M0 0 L3 0'/></defs><text x='1' y='1'>hi</text>"
-                      "<image href='x.png' width='5' height='5'/>"
-                      "<linearGradient id='g'><stop offset='0'/></linearGradient>"
-                      "<line x1='0' y1='3' x2='3' y2='3'/>")
-        << "0,3 1,3 2,3 3,3";
-    QTest::newRow("a lone moveto is dropped")
-        << QByteArray("<path d='M1 1 M0 0 L3 0'/>") << "0,0 1,0 2,0 3,0";
-    QTest::newRow("bad path data keeps what came before")
-        << QByteArray("<path d='M0 0 L3 0 L x 5'/>") << "0,0 1,0 2,0 3,0";
-    QTest::newRow("path data not starting with a moveto draws nothing")
-        << QByteArray("<path d='L3 0 L3 3'/>") << "";
+    row("line: control points at the thirds", "<line x1='0' y1='0' x2='3' y2='6'/>", "0,0 1,2 2,4 3,6");
+    row("Z with the pen elsewhere adds the closing line", "<path d='M0 0 L3 0 L3 3 Z'/>",
+        "Z:0,0 1,0 2,0 3,0 3,1 3,2 3,3 2,2 1,1 0,0");
+    row("Z with the pen at the start adds nothing", "<path d='M0 0 L3 0 L0 0 Z'/>", "Z:0,0 1,0 2,0 3,0 2,0 1,0 0,0");
+    row("relative moves, h and v", "<path d='m1 1 h3 v3'/>", "1,1 2,1 3,1 4,1 4,2 4,3 4,4");
+    row("two subpaths in one shape", "<path d='M0 0 L3 0 M6 0 L9 0'/>", "0,0 1,0 2,0 3,0 | 6,0 7,0 8,0 9,0");
+    row("moveto pairs continue as lines", "<path d='M0 0 3 0'/>", "0,0 1,0 2,0 3,0");
+    row("a drawing command after Z starts at the old start", "<path d='M0 0 L3 0 Z l0 3'/>",
+        "Z:0,0 1,0 2,0 3,0 2,0 1,0 0,0 | 0,0 0,1 0,2 0,3");
+    row("quadratic raised to cubic", "<path d='M0 0 Q3 3 6 0'/>", "0,0 2,2 4,2 6,0");
+    row("S reflects the last control point", "<path d='M0 0 C0 3 3 3 3 0 S6 -3 6 0'/>", "0,0 0,3 3,3 3,0 3,-3 6,-3 6,0");
+    row("T reflects the last quadratic point", "<path d='M0 0 Q3 3 6 0 T12 0'/>", "0,0 2,2 4,2 6,0 8,-2 10,-2 12,0");
+    row("S after a line uses the pen as first control", "<path d='M0 0 L3 0 S6 3 6 0'/>", "0,0 1,0 2,0 3,0 3,0 6,3 6,0");
+    row("quarter arc is one cubic", "<path d='M10 0 A10 10 0 0 1 0 10'/>", "10,0 10,5.52285 5.52285,10 0,10");
+    row("half arc is two cubics, flags written together", "<path d='M0 0a3 3 0 016 0'/>",
+        "0,0 0,-1.65685 1.34315,-3 3,-3 4.65685,-3 6,-1.65685 6,0");
+    row("arc with radius 0 is a line", "<path d='M0 0 A0 5 0 0 1 3 0'/>", "0,0 1,0 2,0 3,0");
+    row("rect", "<rect x='1' y='2' width='3' height='6'/>", "Z:1,2 2,2 3,2 4,2 4,4 4,6 4,8 3,8 2,8 1,8 1,6 1,4 1,2");
+    row("rect without area is not drawn", "<rect x='1' y='2' width='0' height='6'/>", "");
+    row("circle: four cubics, closed", "<circle cx='5' cy='5' r='2'/>",
+        "Z:7,5 7,6.10457 6.10457,7 5,7 3.89543,7 3,6.10457 3,5 3,3.89543 3.89543,3 5,3 6.10457,3 7,3.89543 7,5");
+    row("polyline stays open", "<polyline points='0,0 3,0 3,3'/>", "0,0 1,0 2,0 3,0 3,1 3,2 3,3");
+    row("polygon closes", "<polygon points='0,0 3,0 3,3'/>", "Z:0,0 1,0 2,0 3,0 3,1 3,2 3,3 2,2 1,1 0,0");
+    row("group and element transforms", "<g transform='translate(10,20)'>" + line + " transform='scale(2)'/></g>",
+        "10,20 12,20 14,20 16,20");
+    row("transform list applies right to left", line + " transform='translate(1 0) scale(2 3)'/>", "1,0 3,0 5,0 7,0");
+    row("matrix", line + " transform='matrix(0 1 -1 0 5 5)'/>", "5,5 5,6 5,7 5,8");
+    row("one shape per element", line + "/><line x1='0' y1='3' x2='3' y2='3'/>", "0,0 1,0 2,0 3,0\n0,3 1,3 2,3 3,3");
+    row("display none, as attribute and in style, hides the subtree",
+        line + " display='none'/><g style='fill:red; display : none'>" + line + "/></g><line x1='0' y1='3' x2='3' y2='3'/>",
+        "0,3 1,3 2,3 3,3");
+    row("defs, text, images and gradients are not drawn",
+        "<defs><path d='M0 0 L3 0'/></defs><text x='1' y='1'>hi</text><image href='x.png' width='5' height='5'/>"
+        "<linearGradient id='g'><stop offset='0'/></linearGradient><line x1='0' y1='3' x2='3' y2='3'/>",
+        "0,3 1,3 2,3 3,3");
+    row("a lone moveto is dropped", "<path d='M1 1 M0 0 L3 0'/>", "0,0 1,0 2,0 3,0");
+    row("bad path data keeps what came before", "<path d='M0 0 L3 0 L x 5'/>", "0,0 1,0 2,0 3,0");
+    row("path data not starting with a moveto draws nothing", "<path d='L3 0 L3 3'/>", "");
+    const int depth = 20000;
+    row("20000 nested groups, each moving by 1", QByteArray("<g transform='translate(1,0)'>").repeated(depth) + line + "/>"
+        + QByteArray("</g>").repeated(depth), "20000,0 20001,0 20002,0 20003,0");
 }
 
 void TestSvgReader::elements()
@@ -146,39 +119,29 @@ void TestSvgReader::units_data()
     QTest::addColumn<QByteArray>("svgTag");
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QString>("expected");
+    const auto row = [](const char *name, const char *svgTag, const char *body, const char *expected) {
+        QTest::newRow(name) << QByteArray(svgTag) << QByteArray(body) << QString::fromLatin1(expected);
+    };
+    const char *const line = "<line x1='0' y1='0' x2='3' y2='0'/>";
 
-    const QByteArray line = "<line x1='0' y1='0' x2='3' y2='0'/>";
-    QTest::newRow("mm through the viewBox") << QByteArray("width='100mm' height='100mm' viewBox='0 0 50 50'")
-                                            << line << "0,0 2,0 4,0 6,0";
-    QTest::newRow("cm") << QByteArray("width='10cm' height='10cm' viewBox='0 0 100 100'") << line
-                        << "0,0 1,0 2,0 3,0";
-    QTest::newRow("in") << QByteArray("width='1in' height='1in' viewBox='0 0 254 254'") << line
-                        << "0,0 0.1,0 0.2,0 0.3,0";
-    QTest::newRow("pt") << QByteArray("width='72pt' height='72pt' viewBox='0 0 72 72'") << line
-                        << "0,0 0.352778,0 0.705556,0 1.05833,0";
-    QTest::newRow("pc") << QByteArray("width='6pc' height='6pc' viewBox='0 0 6 6'") << line
-                        << "0,0 4.23333,0 8.46667,0 12.7,0";
-    QTest::newRow("px with viewBox: times 254") << QByteArray("width='100' height='100' viewBox='0 0 100 100'")
-                                                << QByteArray("<line x1='1' y1='1' x2='4' y2='1'/>")
-                                                << "254,254 508,254 762,254 1016,254";
-    QTest::newRow("px without viewBox: times 254, shifted to 0") << QByteArray("width='100px' height='100px'")
-                                                                 << QByteArray("<line x1='1' y1='2' x2='4' y2='2'/>")
-                                                                 << "0,0 254,0 508,0 762,0";
-    QTest::newRow("no size at all: px, shifted") << QByteArray()
-                                                 << QByteArray("<line x1='-1' y1='5' x2='2' y2='5'/>")
-                                                 << "0,0 254,0 508,0 762,0";
-    QTest::newRow("viewBox without size") << QByteArray("viewBox='0 0 10 10'") << line
-                                          << "0,0 254,0 508,0 762,0";
-    QTest::newRow("viewBox origin") << QByteArray("width='100mm' height='100mm' viewBox='10 10 100 100'")
-                                    << QByteArray("<line x1='10' y1='10' x2='13' y2='10'/>") << "0,0 1,0 2,0 3,0";
-    QTest::newRow("aspect kept and centred") << QByteArray("width='100mm' height='50mm' viewBox='0 0 100 100'")
-                                             << line << "25,0 25.5,0 26,0 26.5,0";
-    QTest::newRow("aspect none stretches")
-        << QByteArray("width='100mm' height='50mm' viewBox='0 0 100 100' preserveAspectRatio='none'")
-        << QByteArray("<line x1='0' y1='2' x2='3' y2='2'/>") << "0,1 1,1 2,1 3,1";
-    QTest::newRow("zero width collapses x without failing") << QByteArray("width='0' height='10mm' viewBox='0 0 10 10'")
-                                                            << QByteArray("<line x1='0' y1='3' x2='3' y2='0'/>")
-                                                            << "0,5 0,5 0,5 0,5";
+    row("mm through the viewBox", "width='100mm' height='100mm' viewBox='0 0 50 50'", line, "0,0 2,0 4,0 6,0");
+    row("cm", "width='10cm' height='10cm' viewBox='0 0 100 100'", line, "0,0 1,0 2,0 3,0");
+    row("in", "width='1in' height='1in' viewBox='0 0 254 254'", line, "0,0 0.1,0 0.2,0 0.3,0");
+    row("pt", "width='72pt' height='72pt' viewBox='0 0 72 72'", line, "0,0 0.352778,0 0.705556,0 1.05833,0");
+    row("pc", "width='6pc' height='6pc' viewBox='0 0 6 6'", line, "0,0 4.23333,0 8.46667,0 12.7,0");
+    row("px with viewBox: times 254", "width='100' height='100' viewBox='0 0 100 100'",
+        "<line x1='1' y1='1' x2='4' y2='1'/>", "254,254 508,254 762,254 1016,254");
+    row("px without viewBox: times 254, shifted to 0", "width='100px' height='100px'",
+        "<line x1='1' y1='2' x2='4' y2='2'/>", "0,0 254,0 508,0 762,0");
+    row("no size at all: px, shifted", "", "<line x1='-1' y1='5' x2='2' y2='5'/>", "0,0 254,0 508,0 762,0");
+    row("viewBox without size", "viewBox='0 0 10 10'", line, "0,0 254,0 508,0 762,0");
+    row("viewBox origin", "width='100mm' height='100mm' viewBox='10 10 100 100'", "<line x1='10' y1='10' x2='13' y2='10'/>",
+        "0,0 1,0 2,0 3,0");
+    row("aspect kept and centred", "width='100mm' height='50mm' viewBox='0 0 100 100'", line, "25,0 25.5,0 26,0 26.5,0");
+    row("aspect none stretches", "width='100mm' height='50mm' viewBox='0 0 100 100' preserveAspectRatio='none'",
+        "<line x1='0' y1='2' x2='3' y2='2'/>", "0,1 1,1 2,1 3,1");
+    row("zero width collapses x without failing", "width='0' height='10mm' viewBox='0 0 10 10'",
+        "<line x1='0' y1='3' x2='3' y2='0'/>", "0,5 0,5 0,5 0,5");
 }
 
 void TestSvgReader::units()
@@ -208,18 +171,6 @@ void TestSvgReader::refused()
 {
     QFETCH(QByteArray, document);
     QCOMPARE(parseDump(document), QStringLiteral("<null>"));
-}
-
-void TestSvgReader::deepNesting()
-{
-    const int depth = 20000;
-    QByteArray body;
-    for (int i = 0; i < depth; ++i)
-        body += "<g transform='translate(1,0)'>";
-    body += "<line x1='0' y1='0' x2='3' y2='0'/>";
-    for (int i = 0; i < depth; ++i)
-        body += "</g>";
-    QCOMPARE(parseDump(mmDocument(body)), QStringLiteral("20000,0 20001,0 20002,0 20003,0"));
 }
 
 TARNWELL_TEST_MAIN(TestSvgReader)
