@@ -93,6 +93,17 @@ void paintCanvas(Draw &w)
     w.renderForm()->scene()->render(&painter);
 }
 
+// Drops the square drawing in Outline style and paints it into place. The file stands
+// outside the working folder, since removing a picture clears every *.svg there.
+void dropOutlineDrawing(Draw &w, const QTemporaryDir &elsewhere)
+{
+    const QString drawing = elsewhere.filePath("drawing.svg");
+    writeFile(drawing, SquareSvg);
+    w.findChild<QRadioButton *>("radioButtonOut")->setChecked(true);
+    QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, drawing));
+    paintCanvas(w);
+}
+
 } // namespace
 
 class TestDrawWorkflow : public QObject
@@ -248,14 +259,9 @@ private slots:
     {
         ScopedWorkDir dir;
         writeFile("Config.ini", "[Tarnwy]\nmode=laser\npre_vector_path=/a/b/c\n");
-        // Outside the working folder: removing a picture clears every *.svg in it.
         QTemporaryDir elsewhere;
-        const QString drawing = elsewhere.filePath("drawing.svg");
-        writeFile(drawing, SquareSvg);
         Draw w;
-        w.findChild<QRadioButton *>("radioButtonOut")->setChecked(true);
-        QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, drawing));
-        paintCanvas(w);
+        dropOutlineDrawing(w, elsewhere);
         QVERIFY(w.renderForm()->CurrentItemPos().x() != -10000.0);
         DialogAnswerer cancel;
         w.on_btnExportGcode_clicked();
@@ -271,14 +277,9 @@ private slots:
     {
         ScopedWorkDir dir;
         writeFile("Config.ini", "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
-        // Outside the working folder: removing a picture clears every *.svg in it.
         QTemporaryDir elsewhere;
-        const QString drawing = elsewhere.filePath("drawing.svg");
-        writeFile(drawing, SquareSvg);
         Draw w;
-        w.findChild<QRadioButton *>("radioButtonOut")->setChecked(true);
-        QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, drawing));
-        paintCanvas(w);
+        dropOutlineDrawing(w, elsewhere);
         QVERIFY(w.renderForm()->CurrentItemPos().x() != -10000.0);
         const QString target = dir.file("job.gcode");
         DialogAnswerer save(target);
