@@ -1,6 +1,7 @@
 // The main window's job road: placing pictures, sizes in millimetres, refusals
 // before export, the generated file, deletion of working files and jog commands.
 #include "draw.h"
+#include "imgbinaryedit.h"
 #include "renderform.h"
 #include "testsupport.h"
 
@@ -253,6 +254,51 @@ private slots:
         QCOMPARE(answerer.fileDialogs, 0);
         QCOMPARE(start.count(), 0);
         QVERIFY(!QFile::exists("out.gcode"));
+    }
+
+    // A picture that does not open places nothing; a drawing that cannot be scaled writes
+    // no job. Neither may hand the user a file, old or new.
+    void unusableInputWritesNothing_data()
+    {
+        QTest::addColumn<QString>("style");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("boxText");
+        QTest::addColumn<int>("fileDialogs");
+        QTest::newRow("corrupt picture, black/white") << "radioButtonBlackWhite" << "broken.png"
+                                                     << QByteArray("\x89PNG\r\n\x1a\nrandom bytes", 20)
+                                                     << "Out of the preview area!!!" << 0;
+        QTest::newRow("drawing of no width, outline")
+            << "radioButtonOut" << "line.svg"
+            << QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
+                          "viewBox=\"0 0 20 20\"><path d=\"M5 2 L5 18\" stroke=\"black\"/></svg>")
+            << "The drawing cannot be read or has no width to scale; no file was written!!!" << 1;
+    }
+
+    void unusableInputWritesNothing()
+    {
+        QFETCH(QString, style);
+        QFETCH(QString, file);
+        QFETCH(QByteArray, content);
+        QFETCH(QString, boxText);
+        QFETCH(int, fileDialogs);
+        ScopedWorkDir dir;
+        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
+        QTemporaryDir elsewhere;
+        writeFile(elsewhere.filePath(file), content);
+        Draw w;
+        w.findChild<QRadioButton *>(style)->setChecked(true);
+        QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, elsewhere.filePath(file)));
+        if (file.endsWith(".png"))
+            w.imageEditor()->on_btnFinish_clicked();   // Done on the editor's refusal
+        paintCanvas(w);
+        writeFile("local.gcode", "G1 X1 Y1 ; stale\n");
+        const QString target = dir.file("job.gcode");
+        DialogAnswerer answerer(target);
+        w.on_btnExportGcode_clicked();
+        QCOMPARE(answerer.fileDialogs, fileDialogs);
+        QCOMPARE(answerer.boxTexts, QStringList{boxText});
+        QVERIFY(!QFile::exists(target));
     }
 
     void cancelledSaveMovesFolderUp()
