@@ -26,8 +26,10 @@ constexpr int AreaWidth = 170;
 constexpr int AreaHeight = 200;
 constexpr int Margin = 5;
 constexpr double BackgroundScale = 0.48;
-constexpr int BackgroundCentreX = -72;
-constexpr int BackgroundCentreY = 12;
+// The bed picture's top-left corner. It was once worked out as (-72 - w/2, 12 - h/2) for a
+// 170 x 200 pixel picture; the picture is now large enough to lie behind the whole work
+// area and its grid is drawn to line up from this very corner, so the place stays fixed.
+const QPointF BackgroundCorner(-157, -88);
 const char *const BackgroundPicture = ":/img/background4.jpg";
 const char *const CleanedSvgFile = "tmp.svg";
 
@@ -66,7 +68,7 @@ void PGraphicsScene::buildWorkArea()
     m_background->setParent(this);
     m_background->setPixmap(QPixmap(BackgroundPicture));
     m_background->setAcceptDrops(true);
-    m_background->setPos(BackgroundCentreX - w / 2, BackgroundCentreY - h / 2);
+    m_background->setPos(BackgroundCorner);
     m_background->setScale(BackgroundScale);
     addItem(m_background);
     connect(m_background, SIGNAL(on_dropped(QString)), this, SLOT(SlotPixitemDropped(QString)));
