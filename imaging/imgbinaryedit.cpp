@@ -249,16 +249,11 @@ void ImgBinaryEdit::showPreview(QLabel *label, const QImage &picture, bool scale
     label->setPixmap(QPixmap::fromImage(shown));
 }
 
+// Only on request, never on a language change of its own accord: the main window's
+// Chinese button leaves the editor's texts as they are.
 void ImgBinaryEdit::RetranslateUi()
 {
     ui->retranslateUi(this);
-}
-
-void ImgBinaryEdit::changeEvent(QEvent *event)
-{
-    if (event->type() == QEvent::LanguageChange)
-        ui->retranslateUi(this);
-    QWidget::changeEvent(event);
 }
 
 void ImgBinaryEdit::resizeEvent(QResizeEvent *event)

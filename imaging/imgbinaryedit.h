@@ -74,7 +74,6 @@ public slots:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
-    void changeEvent(QEvent *event) override;
 
 private:
     void adopt(const QImage &picture);

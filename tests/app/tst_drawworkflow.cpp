@@ -457,6 +457,35 @@ private slots:
             texts << call.at(0).toString();
         QCOMPARE(texts, sent);
     }
+
+    // Last: the translators it installs stay for the rest of the program.
+    void languageButtonsKeepLiveTexts()
+    {
+        ScopedWorkDir dir;
+        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n");
+        QTemporaryDir elsewhere;
+        Draw w;
+        dropOutlineDrawing(w, elsewhere);
+        w.startSaveGcode(dir.file("job.gcode"), QPointF(0, 0));
+        QLabel *time = w.findChild<QLabel *>("timeLabel");
+        const QString shown = time->text();
+        QVERIFY(shown.endsWith("s") && shown != "0s");
+        QPushButton *done = w.imageEditor()->findChild<QPushButton *>("btnFinish");
+        QCOMPARE(done->text(), QString("完成"));
+        QCOMPARE(w.imageEditor()->windowTitle(), QString("设置阈值"));
+
+        w.on_btnEn_clicked();
+        QApplication::processEvents();   // a new translator reaches the widgets as posted events
+        QCOMPARE(time->text(), shown);
+        QCOMPARE(done->text(), QString("Done"));
+        QCOMPARE(w.findChild<QPushButton *>("btnExportGcode")->text(), QString("Export G-code"));
+        // The Chinese button turns the window back, and leaves the editor as it was.
+        w.on_btnZh_clicked();
+        QApplication::processEvents();
+        QCOMPARE(time->text(), shown);
+        QCOMPARE(done->text(), QString("Done"));
+        QCOMPARE(w.findChild<QPushButton *>("btnExportGcode")->text(), QString("导出G代码"));
+    }
 };
 
 TARNWELL_TEST_MAIN(TestDrawWorkflow)
