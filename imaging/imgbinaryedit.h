@@ -20,9 +20,6 @@ public:
     // The file Finish writes in the working directory, and its JPEG quality.
     static const char *const OutputFile;   // "black_white.jpg"
     static constexpr int OutputQuality = 100;
-    // Pictures above this many pixels are refused: the editor keeps several full-size
-    // copies, and a 20000 x 20000 picture would need gigabytes.
-    static constexpr qint64 MaxPixels = 64LL * 1000 * 1000;
 
     explicit ImgBinaryEdit(QWidget *parent = nullptr);
     ~ImgBinaryEdit() override;
@@ -78,6 +75,7 @@ protected:
 private:
     void adopt(const QImage &picture);
     void refuse(const QString &chinese, const QString &english);
+    void refuseTooLarge();
     void applyGlobalThreshold(int threshold);
     void showResult(const QImage &picture, bool scaled);
     void showPreview(QLabel *label, const QImage &picture, bool scaled, bool asWritten);

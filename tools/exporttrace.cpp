@@ -47,19 +47,13 @@ int runTrace(const QStringList &args)
     if (!inputInfo.isReadable())
         return fail(QStringLiteral("cannot read %1").arg(input));
     bool decodable = false;
-    QSize size;
     {
         // Reading even the header makes some decoders complain on the error stream.
         const QuietStderr quiet;
-        QImageReader reader(input);
-        decodable = reader.canRead();
-        size = decodable ? reader.size() : QSize();
+        decodable = QImageReader(input).canRead();
     }
     if (!decodable)
         return fail(QStringLiteral("%1 is not a picture that can be decoded").arg(input));
-    if (size.isValid() && qint64(size.width()) * size.height() > Bitmap2Svg::MaxPixels)
-        return fail(QStringLiteral("%1 is too large to trace (%2 x %3 pixels)")
-                    .arg(input).arg(size.width()).arg(size.height()));
     if (!outputWritable(output))
         return fail(QStringLiteral("cannot write %1").arg(output));
 
