@@ -197,10 +197,11 @@ private slots:
         AppSettings::setThreshold(128);
         const QString path = dir.file("picture.png");
         if (QTest::currentDataTag() == QLatin1String("beyond memory")) {
-            // A PNG header for 1000000 x 1000000 gray pixels, and nothing else.
+            // A PNG header for 500000 x 500000 gray pixels, and a first scrap of data.
             QFile header(path);
             QVERIFY(header.open(QIODevice::WriteOnly));
-            header.write(QByteArray::fromHex("89504e470d0a1a0a0000000d49484452000f4240000f42400800000000790667a1"
+            header.write(QByteArray::fromHex("89504e470d0a1a0a0000000d494844520007a1200007a1200800000000f96378ec"
+                                             "0000000b49444154789c63604005000010000139bd8f65"
                                              "0000000049454e44ae426082"));
         } else {
             QVERIFY(picture.isNull() || picture.save(path));
