@@ -162,7 +162,8 @@ void ImgBinaryEdit::SetImageFile(QString path)
     }
     // A decoded photo comes as opaque RGB32, whose words are ARGB32 words already: taking
     // them as they are spares a second full-size copy.
-    if (loaded.format() == QImage::Format_RGB32)
+    const bool opaque = loaded.format() == QImage::Format_RGB32;
+    if (opaque)
         loaded.reinterpretAsFormat(QImage::Format_ARGB32);
     else if (loaded.format() != QImage::Format_ARGB32)
         loaded = loaded.convertToFormat(QImage::Format_ARGB32);
@@ -170,7 +171,7 @@ void ImgBinaryEdit::SetImageFile(QString path)
         refuseTooLarge();
         return;
     }
-    adopt(loaded);
+    adopt(loaded, opaque);
 }
 
 void ImgBinaryEdit::refuseTooLarge()
@@ -190,9 +191,10 @@ void ImgBinaryEdit::refuse(const QString &chinese, const QString &english)
     ui->labelDest->setText(AppSettings::languageIndex() == 0 ? chinese : english);
 }
 
-void ImgBinaryEdit::adopt(const QImage &picture)
+void ImgBinaryEdit::adopt(const QImage &picture, bool opaque)
 {
     source = picture;
+    m_sourceOpaque = opaque;
     m_shownThreshold = -1;
     {
         // Put the remembered threshold on the slider without running it twice.
@@ -211,7 +213,7 @@ void ImgBinaryEdit::adopt(const QImage &picture)
         refuseTooLarge();   // no memory left for the result
         return;
     }
-    showPreview(ui->labelSrc, source, true, false);
+    showPreview(ui->labelSrc, source, true, m_sourceOpaque);
 }
 
 void ImgBinaryEdit::ShowSlider()
@@ -300,7 +302,7 @@ void ImgBinaryEdit::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     if (!source.isNull())
-        showPreview(ui->labelSrc, source, true, false);
+        showPreview(ui->labelSrc, source, true, m_sourceOpaque);
     if (m_showsAdaptive)
         showPreview(ui->labelDest, m_adaptive, false, true);
     else if (!result.isNull())

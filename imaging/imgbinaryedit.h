@@ -73,7 +73,9 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void adopt(const QImage &picture);
+    // `opaque`: every pixel of the picture has alpha 255, so its preview can skip the
+    // scaler's premultiplied copy of the whole picture.
+    void adopt(const QImage &picture, bool opaque = false);
     void refuse(const QString &chinese, const QString &english);
     void refuseTooLarge();
     void applyGlobalThreshold(int threshold);
@@ -91,6 +93,7 @@ private:
     // What labelDest shows when it is not `result` (the adaptive picture), kept for resizes.
     QImage m_adaptive;
     bool m_showsAdaptive = false;
+    bool m_sourceOpaque = false;
 };
 
 #endif
