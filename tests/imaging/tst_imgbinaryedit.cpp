@@ -5,6 +5,7 @@
 #include "appsettings.h"
 #include "imgbinaryedit.h"
 
+#include <QFrame>
 #include <QLabel>
 #include <QPushButton>
 #include <QSettings>
@@ -136,9 +137,17 @@ private slots:
         ScopedWorkDir dir;
         QSettings("Slice.ini", QSettings::IniFormat).setValue("Slice/thread_hold", 128);
 
+        // Under the program's own style sheet, as the user sees it.
+        QFile style(":/qdarkstyle/test.qss");
+        QVERIFY(style.open(QIODevice::ReadOnly));
+        qApp->setStyleSheet(QString::fromUtf8(style.readAll()));
         ImgBinaryEdit editor;
         QSignalSpy spy(&editor, SIGNAL(SigBlackWhite()));
         editor.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&editor));
+        // The previews take the room; the bar above them keeps to its own height.
+        QVERIFY(editor.findChild<QFrame *>("frameTop")->height() <= 70);
+        QVERIFY(editor.findChild<QLabel *>("labelSrc")->height() > editor.height() * 3 / 4);
         editor.SetImage(ramp(64, 4).scaled(64, 64));
         for (const QString &action : actions) {
             if (action == "gray")
