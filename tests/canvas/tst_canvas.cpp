@@ -14,7 +14,10 @@
 #include "svgpolygons.h"
 
 #include <QGLWidget>
+#include <QGraphicsLineItem>
 #include <QGraphicsSceneHoverEvent>
+#include <QGraphicsTextItem>
+#include <QTextDocument>
 #include <QGraphicsSceneMouseEvent>
 #include <QMimeData>
 #include <QPainter>
@@ -711,6 +714,17 @@ private slots:
         const QList<QGraphicsItem *> stack = form.scene()->items(Qt::DescendingOrder);
         QCOMPARE(stack.last(), static_cast<QGraphicsItem *>(bed));
         QCOMPARE(stack.size(), 1 + 4 + 4 + 4 + 2 + 1);   // design, labels, outline, margin, centre lines
+        // The corner labels stand clear of the outline and the margin.
+        for (QGraphicsItem *label : stack) {
+            auto *text = qgraphicsitem_cast<QGraphicsTextItem *>(label);
+            if (!text || text->toPlainText() == "Preview Area")
+                continue;
+            const double margin = text->document()->documentMargin();   // blank around the letters
+            const QRectF letters = text->sceneBoundingRect().adjusted(margin, margin, -margin, -margin);
+            for (QGraphicsItem *line : stack)
+                if (auto *l = qgraphicsitem_cast<QGraphicsLineItem *>(line))
+                    QVERIFY2(!letters.intersects(l->sceneBoundingRect()), qPrintable(text->toPlainText()));
+        }
 
         QMimeData mime;
         QList<QUrl> urls;
