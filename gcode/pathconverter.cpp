@@ -494,7 +494,7 @@ int pathconv_convert(const char *input, const char *output, int bezier)
 
     g_scale = g_width / std::fabs(g_bounds[2] - g_bounds[0]);
     if (!numbersUsable()) {
-        fprintf(stderr, "error: %s gives positions that are not numbers; no G-code written\n", input);
+        printf("error: %s gives positions that are not numbers; no G-code written\n", input);
         SvgReader::release(image);
         return -2;
     }
