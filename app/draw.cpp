@@ -369,8 +369,16 @@ void Draw::SlotLoadBlackWhite()
     Bitmap2Svg *tracer = new Bitmap2Svg;
     tracer->Trace(QStringLiteral("./black_white.jpg"));
     QFile::remove(QString::fromLatin1(BlackWhiteSvg));
-    tracer->WriteSvg(QString::fromLatin1(BlackWhiteSvg));
+    const bool traced = tracer->LastTraceOk();
+    if (traced)
+        tracer->WriteSvg(QString::fromLatin1(BlackWhiteSvg));
     delete tracer;
+    if (!traced) {
+        // No picture to trace (the editor refused it): an empty drawing would still
+        // export as a job that only traces the frame.
+        logMessage(message("无法打开图片", "The picture cannot be opened"));
+        return;
+    }
     loadPicture(QString::fromLatin1(BlackWhiteSvg));
 }
 

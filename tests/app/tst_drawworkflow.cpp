@@ -268,6 +268,9 @@ private slots:
         QTest::newRow("corrupt picture, black/white") << "radioButtonBlackWhite" << "broken.png"
                                                      << QByteArray("\x89PNG\r\n\x1a\nrandom bytes", 20)
                                                      << "Out of the preview area!!!" << 0;
+        QTest::newRow("corrupt picture, outline") << "radioButtonOut" << "broken.png"
+                                                 << QByteArray("\x89PNG\r\n\x1a\nrandom bytes", 20)
+                                                 << "Out of the preview area!!!" << 0;
         QTest::newRow("drawing of no width, outline")
             << "radioButtonOut" << "line.svg"
             << QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
