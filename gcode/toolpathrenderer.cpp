@@ -18,6 +18,13 @@ uchar levelOf(double power)
     return uchar(White - std::lround(std::clamp(power, 0.0, 1.0) * White));
 }
 
+// A line along the bottom or right edge of the area belongs to the last row or column.
+double pixelIndex(double coordinate, int size)
+{
+    const double index = std::floor(coordinate + EdgeSlack);
+    return index == size && coordinate <= size + EdgeSlack ? size - 1 : index;
+}
+
 QRgb mix(QRgb a, QRgb b, double t)
 {
     auto channel = [t](int x, int y) { return int(std::lround(x + (y - x) * t)); };
@@ -65,7 +72,7 @@ void ToolpathRenderer::rasterise(const ToolpathMove &move, Plot plot)
             return;
         const double slope = dy / dx;
         if (dy == 0) {
-            const double row = std::floor(ay + EdgeSlack);
+            const double row = pixelIndex(ay, m_height);
             if (row < 0 || row >= m_height)
                 return;
             for (int i = int(first); i <= int(last); ++i)
@@ -73,7 +80,7 @@ void ToolpathRenderer::rasterise(const ToolpathMove &move, Plot plot)
             return;
         }
         for (int i = int(first); i <= int(last); ++i) {
-            const double row = std::floor(ay + (i + 0.5 - ax) * slope + EdgeSlack);
+            const double row = pixelIndex(ay + (i + 0.5 - ax) * slope, m_height);
             if (row >= 0 && row < m_height)
                 plot(size_t(row) * size_t(m_width) + size_t(i));
         }
@@ -85,7 +92,7 @@ void ToolpathRenderer::rasterise(const ToolpathMove &move, Plot plot)
             return;
         const double slope = dx / dy;
         for (int j = int(first); j <= int(last); ++j) {
-            const double column = std::floor(ax + (j + 0.5 - ay) * slope + EdgeSlack);
+            const double column = pixelIndex(ax + (j + 0.5 - ay) * slope, m_width);
             if (column >= 0 && column < m_width)
                 plot(size_t(j) * size_t(m_width) + size_t(column));
         }
