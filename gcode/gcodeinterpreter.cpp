@@ -100,6 +100,8 @@ void GcodeInterpreter::reset()
     m_pending = false;
     m_pendingLength = 0;
     m_lastPointX = m_lastPointY = 0;
+    m_pointArmed = false;
+    m_repeatedPoints = 0;
     m_clockSum = 0;
     m_genericSeconds = 0;
     m_burnBox = Box();
@@ -288,6 +290,8 @@ bool GcodeInterpreter::interpretLine(const char *text, int length)
         m_relative = true;
     if (hasF)
         m_feed = f * m_unit;
+    if (fan == 106)
+        m_pointArmed = true;
     if (fan == 106)
         m_fanPower = hasS ? std::max(s, 0.0) : FanFullScale;
     else if (fan == 107)
@@ -497,16 +501,27 @@ void GcodeInterpreter::clockMove(const ToolpathMove &move, bool xyGiven)
         break;
     }
     case Clock::OwnVector: {
-        // The vector export counts the engraved points only, each from the one before.
-        if (!m_pastPause || move.rapid || !xyGiven)
+        // The vector export counts its engraved points only, each from the one before, at
+        // full precision. A point is the first move after a beam-on line (each is written
+        // twice). Points that the file's 0.1 mm rounding made equal to the one before were
+        // steps of their own: the distance to the next different point is shared among them.
+        if (!m_pastPause || move.rapid || !xyGiven || !m_pointArmed)
             return;
-        const float dx = float(move.x1) - m_lastPointX;
-        const float dy = float(move.y1) - m_lastPointY;
-        const float t = moveSeconds(std::sqrt(dx * dx + dy * dy), float(m_feed));
+        m_pointArmed = false;
+        const float x = float(move.x1), y = float(move.y1);
+        if (x == m_lastPointX && y == m_lastPointY) {
+            ++m_repeatedPoints;
+            return;
+        }
+        const float dx = x - m_lastPointX;
+        const float dy = y - m_lastPointY;
+        const float steps = float(m_repeatedPoints + 1);
+        const float t = steps * moveSeconds(std::sqrt(dx * dx + dy * dy) / steps, float(m_feed));
         if (std::isfinite(t))
             m_clockSum += t;
-        m_lastPointX = float(move.x1);
-        m_lastPointY = float(move.y1);
+        m_lastPointX = x;
+        m_lastPointY = y;
+        m_repeatedPoints = 0;
         break;
     }
     }

@@ -133,6 +133,8 @@ private:
     float m_pendingLength = 0;
     // Own vector files: engraving points are timed from the previous engraving point.
     float m_lastPointX = 0, m_lastPointY = 0;
+    bool m_pointArmed = false;
+    int m_repeatedPoints = 0;
     float m_clockSum = 0;   // single precision, as the exports add it up
     double m_genericSeconds = 0;
 };
