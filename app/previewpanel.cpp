@@ -1,0 +1,212 @@
+// The toolpath preview panel: a file is read and drawn by a PreviewLoader in its own thread;
+// the panel shows the picture, the figures and the warnings, in the window's language.
+#include "previewpanel.h"
+#include "ui_previewpanel.h"
+
+#include "estimatedtime.h"
+#include "previewloader.h"
+#include "toolpathreport.h"
+
+#include <QDir>
+#include <QDockWidget>
+#include <QEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMainWindow>
+#include <QSignalBlocker>
+#include <QTimer>
+
+PreviewPanel::PreviewPanel(QWidget *parent)
+    : QWidget(parent), ui(new Ui::PreviewPanel), m_loader(new PreviewLoader)
+{
+    ui->setupUi(this);
+    ui->progress->hide();
+    qRegisterMetaType<ToolpathSummary>();
+    m_loader->moveToThread(&m_thread);
+    connect(&m_thread, &QThread::finished, m_loader, &QObject::deleteLater);
+    connect(m_loader, &PreviewLoader::progressed, this, &PreviewPanel::loaderProgressed);
+    connect(m_loader, &PreviewLoader::loaded, this, &PreviewPanel::loaderFinished);
+    connect(m_loader, &PreviewLoader::failed, this, &PreviewPanel::loaderFailed);
+    m_thread.start();
+    ui->view->setPicture(QImage(), PreviewLoader::PxPerMm);
+    showTexts();
+}
+
+PreviewPanel::~PreviewPanel()
+{
+    m_loader->want(-1);   // a running read stops at its next block
+    m_thread.quit();
+    m_thread.wait();
+    delete ui;
+}
+
+PreviewPanel *PreviewPanel::addTo(QMainWindow *window)
+{
+    auto *dock = new QDockWidget(window);
+    dock->setObjectName(QStringLiteral("dockPreview"));
+    dock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
+    auto *panel = new PreviewPanel(dock);
+    dock->setWidget(panel);
+    dock->setWindowTitle(panel->windowTitle());
+    window->addDockWidget(Qt::RightDockWidgetArea, dock);
+    return panel;
+}
+
+void PreviewPanel::showFile(const QString &path, bool cnc)
+{
+    m_path = path;
+    m_fitPending = true;
+    {
+        const QSignalBlocker block(ui->checkDepth);
+        ui->checkDepth->setChecked(cnc);
+    }
+    // The loader reads the file once the caller is done writing it.
+    QTimer::singleShot(0, this, &PreviewPanel::reload);
+}
+
+void PreviewPanel::reload()
+{
+    if (m_path.isEmpty())
+        return;
+    const int ticket = ++m_ticket;
+    m_loader->want(ticket);
+    m_loading = true;
+    m_failed = false;
+    ui->progress->setValue(0);
+    ui->progress->show();
+    const QString path = m_path;
+    const bool travel = ui->checkTravel->isChecked();
+    const bool depth = ui->checkDepth->isChecked();
+    PreviewLoader *loader = m_loader;
+    QMetaObject::invokeMethod(
+        loader, [loader, ticket, path, travel, depth] { loader->load(ticket, path, travel, depth); },
+        Qt::QueuedConnection);
+    showTexts();
+}
+
+void PreviewPanel::on_btnOpen_clicked()
+{
+    const QString folder = m_path.isEmpty() ? QDir::currentPath() : QFileInfo(m_path).absolutePath();
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("Open G-code file"), folder, tr("G-code (*.gcode *.nc *.ngc *.gc *.txt);;All files (*)"));
+    if (!path.isEmpty())
+        showFile(path, false);
+}
+
+void PreviewPanel::on_btnFit_clicked()
+{
+    if (m_hasSummary && m_summary.hasExtent)
+        ui->view->fitMachineRect(QRectF(QPointF(m_summary.minX, m_summary.minY),
+                                        QPointF(m_summary.maxX, m_summary.maxY)));
+    else
+        ui->view->fitMachineRect(QRectF());
+}
+
+void PreviewPanel::on_checkTravel_toggled(bool)
+{
+    reload();
+}
+
+void PreviewPanel::on_checkDepth_toggled(bool)
+{
+    reload();
+}
+
+void PreviewPanel::loaderProgressed(int ticket, int percent)
+{
+    if (ticket == m_ticket)
+        ui->progress->setValue(percent);
+}
+
+void PreviewPanel::loaderFinished(int ticket, const QImage &picture, const ToolpathSummary &summary)
+{
+    if (ticket != m_ticket)
+        return;
+    m_loading = false;
+    ui->progress->hide();
+    m_summary = summary;
+    m_hasSummary = true;
+    ui->view->setPicture(picture, PreviewLoader::PxPerMm);
+    if (m_fitPending) {
+        m_fitPending = false;
+        on_btnFit_clicked();
+    }
+    showTexts();
+    emit shown();
+}
+
+void PreviewPanel::loaderFailed(int ticket, const QString &)
+{
+    if (ticket != m_ticket)
+        return;
+    m_loading = false;
+    m_failed = true;
+    m_hasSummary = false;
+    ui->progress->hide();
+    ui->view->setPicture(QImage(), PreviewLoader::PxPerMm);
+    showTexts();
+    emit shown();
+}
+
+QString PreviewPanel::figuresText() const
+{
+    if (!m_hasSummary)
+        return QString();
+    const ToolpathSummary &s = m_summary;
+    const QString extent =
+        s.hasExtent ? tr("X %1..%2, Y %3..%4 mm")
+                          .arg(ToolpathReport::millimetres(s.minX), ToolpathReport::millimetres(s.maxX),
+                               ToolpathReport::millimetres(s.minY), ToolpathReport::millimetres(s.maxY))
+                    : tr("none");
+    return tr("Lines: %1   Burn moves: %2   Extent: %3   Estimated time: %4")
+        .arg(s.lines)
+        .arg(s.burnMoves)
+        .arg(extent, EstimatedTimeText(float(s.seconds)));
+}
+
+QString PreviewPanel::warningsText() const
+{
+    if (m_failed)
+        return tr("The file cannot be read.");
+    if (!m_hasSummary)
+        return QString();
+    const ToolpathSummary &s = m_summary;
+    QStringList warnings;
+    if (s.burnMovesOutside + s.travelMovesOutside > 0)
+        warnings << tr("Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel "
+                       "moves reach X %3..%4 mm, Y %5..%6 mm. The machine cannot go there; that part is not drawn.")
+                        .arg(s.burnMovesOutside)
+                        .arg(s.travelMovesOutside)
+                        .arg(ToolpathReport::millimetres(s.outMinX), ToolpathReport::millimetres(s.outMaxX),
+                             ToolpathReport::millimetres(s.outMinY), ToolpathReport::millimetres(s.outMaxY));
+    if (s.lines == 0)
+        warnings << tr("The file is empty.");
+    else if (s.burnMoves == 0)
+        warnings << tr("Nothing burns: no move in this file runs with the beam on.");
+    if (s.linesNotUnderstood > 0)
+        warnings << tr("%1 lines were not understood and are left out (the first is line %2).")
+                        .arg(s.linesNotUnderstood)
+                        .arg(s.firstLineNotUnderstood);
+    return warnings.join(QLatin1Char('\n'));
+}
+
+void PreviewPanel::showTexts()
+{
+    ui->labelFile->setText(m_path.isEmpty() ? tr("No file shown yet: export a job or open a G-code file.")
+                                            : QDir::toNativeSeparators(m_path));
+    ui->labelFigures->setText(figuresText());
+    const QString warnings = warningsText();
+    ui->labelWarnings->setText(warnings);
+    ui->labelWarnings->setVisible(!warnings.isEmpty());
+}
+
+void PreviewPanel::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange) {
+        ui->retranslateUi(this);
+        if (auto *dock = qobject_cast<QDockWidget *>(parentWidget()))
+            dock->setWindowTitle(windowTitle());
+        showTexts();
+    }
+    QWidget::changeEvent(event);
+}
