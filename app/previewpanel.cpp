@@ -174,11 +174,10 @@ QString PreviewPanel::warningsText() const
     QStringList warnings;
     if (s.burnMovesOutside + s.travelMovesOutside > 0)
         warnings << tr("Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel "
-                       "moves reach X %3..%4 mm, Y %5..%6 mm. The machine cannot go there; that part is not drawn.")
+                       "moves go beyond it (%3). The machine cannot reach that part, and it is not drawn.")
                         .arg(s.burnMovesOutside)
                         .arg(s.travelMovesOutside)
-                        .arg(ToolpathReport::millimetres(s.outMinX), ToolpathReport::millimetres(s.outMaxX),
-                             ToolpathReport::millimetres(s.outMinY), ToolpathReport::millimetres(s.outMaxY));
+                        .arg(reachText());
     if (s.lines == 0)
         warnings << tr("The file is empty.");
     else if (s.burnMoves == 0)
@@ -188,6 +187,21 @@ QString PreviewPanel::warningsText() const
                         .arg(s.linesNotUnderstood)
                         .arg(s.firstLineNotUnderstood);
     return warnings.join(QLatin1Char('\n'));
+}
+
+QString PreviewPanel::reachText() const
+{
+    const ToolpathSummary &s = m_summary;
+    QStringList sides;
+    if (s.outMinX < 0)
+        sides << tr("X down to %1 mm").arg(ToolpathReport::millimetres(s.outMinX));
+    if (s.outMaxX > GcodeInterpreter::WorkAreaWidth)
+        sides << tr("X up to %1 mm").arg(ToolpathReport::millimetres(s.outMaxX));
+    if (s.outMinY < 0)
+        sides << tr("Y down to %1 mm").arg(ToolpathReport::millimetres(s.outMinY));
+    if (s.outMaxY > GcodeInterpreter::WorkAreaHeight)
+        sides << tr("Y up to %1 mm").arg(ToolpathReport::millimetres(s.outMaxY));
+    return sides.join(tr(", "));
 }
 
 void PreviewPanel::showTexts()

@@ -58,6 +58,7 @@ protected:
 private:
     void reload();
     void showTexts();
+    QString reachText() const;
 
     Ui::PreviewPanel *ui;
     QThread m_thread;

@@ -19,6 +19,7 @@ constexpr double GridStep = 10;   // mm
 constexpr double LabelStep = 50;  // mm
 constexpr double Margin = 12;     // mm of room around the area for the labels
 constexpr double WheelStep = 1.25;
+constexpr int MaxDetailLevel = 5;  // down to 1/32 of the picture
 constexpr double MinZoom = 0.2, MaxZoom = 400;   // screen pixels per mm
 
 QGraphicsSimpleTextItem *label(QGraphicsScene *scene, const QString &text, QPointF at, bool alignRight)
@@ -71,7 +72,8 @@ ToolpathView::ToolpathView(QWidget *parent) : QGraphicsView(parent)
 
 void ToolpathView::setPicture(const QImage &picture, double pxPerMm)
 {
-    // White (nothing burns) becomes clear so the grid shows through.
+    // White (nothing burns) becomes clear so the grid shows through; premultiplied, so that
+    // averaging clear and burned pixels gives a lighter burn and not a gray veil.
     QImage clear = picture.convertToFormat(QImage::Format_ARGB32);
     for (int r = 0; r < clear.height(); ++r) {
         QRgb *line = reinterpret_cast<QRgb *>(clear.scanLine(r));
@@ -80,8 +82,30 @@ void ToolpathView::setPicture(const QImage &picture, double pxPerMm)
                 line[c] = 0;
         }
     }
-    m_picture->setPixmap(QPixmap::fromImage(clear));
-    m_picture->setScale(1.0 / pxPerMm);
+    m_full = clear.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    m_pxPerMm = pxPerMm;
+    m_level = -1;
+    updateDetail();
+}
+
+void ToolpathView::updateDetail()
+{
+    if (m_full.isNull()) {
+        m_picture->setPixmap(QPixmap());
+        return;
+    }
+    const double ratio = zoom() / m_pxPerMm;   // screen pixels per picture pixel
+    const int level = ratio >= 1 ? 0 : std::min(MaxDetailLevel, int(std::floor(std::log2(1 / ratio))));
+    if (level == m_level)
+        return;
+    m_level = level;
+    const int step = 1 << level;
+    const QImage shown = level == 0 ? m_full
+                                    : m_full.scaled(std::max(1, m_full.width() / step),
+                                                    std::max(1, m_full.height() / step), Qt::IgnoreAspectRatio,
+                                                    Qt::SmoothTransformation);
+    m_picture->setPixmap(QPixmap::fromImage(shown));
+    m_picture->setScale(double(m_full.width()) / shown.width() / m_pxPerMm);
 }
 
 void ToolpathView::fitMachineRect(const QRectF &machine)
@@ -101,6 +125,7 @@ void ToolpathView::applyFit()
     if (m_fit.isEmpty())
         m_fit = QRectF(-Margin / 2, -Margin / 2, AreaWidth + Margin, AreaHeight + Margin);
     fitInView(m_fit, Qt::KeepAspectRatio);
+    updateDetail();
 }
 
 void ToolpathView::resizeEvent(QResizeEvent *event)
@@ -124,5 +149,6 @@ void ToolpathView::wheelEvent(QWheelEvent *event)
         return;
     m_autoFit = false;
     scale(factor, factor);
+    updateDetail();
     event->accept();
 }

@@ -29,8 +29,14 @@ protected:
 
 private:
     void applyFit();
+    // Shows the picture shrunk by a power of two near the zoom, averaged, so that rows and
+    // thin lines keep their darkness on screen instead of flickering in and out.
+    void updateDetail();
 
     QGraphicsPixmapItem *m_picture = nullptr;
+    QImage m_full;
+    double m_pxPerMm = 1;
+    int m_level = -1;
     QRectF m_fit;          // scene rectangle to fit
     bool m_autoFit = true; // until the user zooms or pans, the fit follows the view's size
 };

@@ -5,6 +5,7 @@
 #include "estimatedtime.h"
 
 #include <QRegExp>
+#include <QStringList>
 
 #include <cmath>
 
@@ -34,6 +35,20 @@ QString summaryLine(const ToolpathSummary &s)
         .arg(extentText(s), EstimatedTimeText(float(s.seconds)));
 }
 
+QString reachText(const ToolpathSummary &s)
+{
+    QStringList sides;
+    if (s.outMinX < 0)
+        sides << QStringLiteral("X down to %1 mm").arg(millimetres(s.outMinX));
+    if (s.outMaxX > GcodeInterpreter::WorkAreaWidth)
+        sides << QStringLiteral("X up to %1 mm").arg(millimetres(s.outMaxX));
+    if (s.outMinY < 0)
+        sides << QStringLiteral("Y down to %1 mm").arg(millimetres(s.outMinY));
+    if (s.outMaxY > GcodeInterpreter::WorkAreaHeight)
+        sides << QStringLiteral("Y up to %1 mm").arg(millimetres(s.outMaxY));
+    return sides.join(QStringLiteral(", "));
+}
+
 QString outsideLine(const ToolpathSummary &s)
 {
     if (s.burnMovesOutside == 0 && s.travelMovesOutside == 0)
@@ -41,11 +56,8 @@ QString outsideLine(const ToolpathSummary &s)
     auto moves = [](qint64 n, const char *kind) {
         return QStringLiteral("%1 %2 move%3").arg(n).arg(QLatin1String(kind)).arg(n == 1 ? "" : "s");
     };
-    return QStringLiteral("Outside the work area: %1 and %2, reaching X %3..%4 x Y %5..%6 mm "
-                          "(the area is X 0..170 x Y 0..200 mm)")
-        .arg(moves(s.burnMovesOutside, "burn"), moves(s.travelMovesOutside, "travel"),
-             millimetres(s.outMinX), millimetres(s.outMaxX), millimetres(s.outMinY),
-             millimetres(s.outMaxY));
+    return QStringLiteral("Outside the work area: %1 and %2 reach %3 (the area is X 0..170 x Y 0..200 mm)")
+        .arg(moves(s.burnMovesOutside, "burn"), moves(s.travelMovesOutside, "travel"), reachText(s));
 }
 
 } // namespace ToolpathReport

@@ -15,6 +15,8 @@ QString millimetres(double value);
 QString extentText(const ToolpathSummary &summary);
 // "Lines: N  Burn moves: B  Extent: X0..X1 x Y0..Y1 mm  Estimated time: T"
 QString summaryLine(const ToolpathSummary &summary);
+// How far the moves that leave the area go: "X up to 180 mm, Y down to -2 mm".
+QString reachText(const ToolpathSummary &summary);
 // "Outside the work area: ..." or empty when everything stays inside.
 QString outsideLine(const ToolpathSummary &summary);
 

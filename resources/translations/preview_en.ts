@@ -48,10 +48,6 @@
         <translation>The file cannot be read.</translation>
     </message>
     <message>
-        <source>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves reach X %3..%4 mm, Y %5..%6 mm. The machine cannot go there; that part is not drawn.</source>
-        <translation>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves reach X %3..%4 mm, Y %5..%6 mm. The machine cannot go there; that part is not drawn.</translation>
-    </message>
-    <message>
         <source>The file is empty.</source>
         <translation>The file is empty.</translation>
     </message>
@@ -66,6 +62,30 @@
     <message>
         <source>No file shown yet: export a job or open a G-code file.</source>
         <translation>No file shown yet: export a job or open a G-code file.</translation>
+    </message>
+    <message>
+        <source>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves go beyond it (%3). The machine cannot reach that part, and it is not drawn.</source>
+        <translation>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves go beyond it (%3). The machine cannot reach that part, and it is not drawn.</translation>
+    </message>
+    <message>
+        <source>X down to %1 mm</source>
+        <translation>X down to %1 mm</translation>
+    </message>
+    <message>
+        <source>X up to %1 mm</source>
+        <translation>X up to %1 mm</translation>
+    </message>
+    <message>
+        <source>Y down to %1 mm</source>
+        <translation>Y down to %1 mm</translation>
+    </message>
+    <message>
+        <source>Y up to %1 mm</source>
+        <translation>Y up to %1 mm</translation>
+    </message>
+    <message>
+        <source>, </source>
+        <translation>, </translation>
     </message>
 </context>
 </TS>

@@ -48,10 +48,6 @@
         <translation>파일을 읽을 수 없습니다.</translation>
     </message>
     <message>
-        <source>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves reach X %3..%4 mm, Y %5..%6 mm. The machine cannot go there; that part is not drawn.</source>
-        <translation>작업 일부가 170 x 200 mm 작업 영역을 벗어납니다: 가공 이동 %1개와 이동 %2개가 X %3..%4 mm, Y %5..%6 mm까지 갑니다. 기계는 그곳에 갈 수 없으며, 그 부분은 그려지지 않습니다.</translation>
-    </message>
-    <message>
         <source>The file is empty.</source>
         <translation>파일이 비어 있습니다.</translation>
     </message>
@@ -66,6 +62,30 @@
     <message>
         <source>No file shown yet: export a job or open a G-code file.</source>
         <translation>아직 표시된 파일이 없습니다: 작업을 내보내거나 G코드 파일을 여세요.</translation>
+    </message>
+    <message>
+        <source>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves go beyond it (%3). The machine cannot reach that part, and it is not drawn.</source>
+        <translation>작업 일부가 170 x 200 mm 작업 영역을 벗어납니다: 가공 이동 %1개와 이동 %2개가 영역 밖으로 나갑니다 (%3). 기계는 그 부분에 갈 수 없으며, 그려지지 않습니다.</translation>
+    </message>
+    <message>
+        <source>X down to %1 mm</source>
+        <translation>X 최소 %1 mm</translation>
+    </message>
+    <message>
+        <source>X up to %1 mm</source>
+        <translation>X 최대 %1 mm</translation>
+    </message>
+    <message>
+        <source>Y down to %1 mm</source>
+        <translation>Y 최소 %1 mm</translation>
+    </message>
+    <message>
+        <source>Y up to %1 mm</source>
+        <translation>Y 최대 %1 mm</translation>
+    </message>
+    <message>
+        <source>, </source>
+        <translation>, </translation>
     </message>
 </context>
 </TS>

@@ -48,10 +48,6 @@
         <translation>无法读取该文件。</translation>
     </message>
     <message>
-        <source>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves reach X %3..%4 mm, Y %5..%6 mm. The machine cannot go there; that part is not drawn.</source>
-        <translation>部分任务超出了 170 x 200 mm 的工作区域: %1 条雕刻移动和 %2 条空移到达 X %3..%4 mm, Y %5..%6 mm。机器无法到达那里, 这部分没有画出。</translation>
-    </message>
-    <message>
         <source>The file is empty.</source>
         <translation>该文件是空的。</translation>
     </message>
@@ -66,6 +62,30 @@
     <message>
         <source>No file shown yet: export a job or open a G-code file.</source>
         <translation>尚未显示文件: 请导出任务或打开G代码文件。</translation>
+    </message>
+    <message>
+        <source>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves go beyond it (%3). The machine cannot reach that part, and it is not drawn.</source>
+        <translation>部分任务超出了 170 x 200 mm 的工作区域: %1 条雕刻移动和 %2 条空移超出范围 (%3)。机器无法到达那部分, 也不会画出。</translation>
+    </message>
+    <message>
+        <source>X down to %1 mm</source>
+        <translation>X 低至 %1 mm</translation>
+    </message>
+    <message>
+        <source>X up to %1 mm</source>
+        <translation>X 高至 %1 mm</translation>
+    </message>
+    <message>
+        <source>Y down to %1 mm</source>
+        <translation>Y 低至 %1 mm</translation>
+    </message>
+    <message>
+        <source>Y up to %1 mm</source>
+        <translation>Y 高至 %1 mm</translation>
+    </message>
+    <message>
+        <source>, </source>
+        <translation>，</translation>
     </message>
 </context>
 </TS>

@@ -54,8 +54,8 @@ void TestPreviewPanel::texts_data()
     QTest::newRow("leaves the area")
         << QByteArray("G0 X160 Y10\nM106 S255\nG1 X175.5 F600\nM107\nG0 X0 Y-2\n")
         << "Lines: 5   Burn moves: 1   Extent: X 160..175.5, Y 10..10 mm   Estimated time: 5s"
-        << "Part of the job lies outside the 170 x 200 mm work area: 1 burn moves and 1 travel moves reach "
-           "X 0..175.5 mm, Y -2..10 mm. The machine cannot go there; that part is not drawn.";
+        << "Part of the job lies outside the 170 x 200 mm work area: 1 burn moves and 1 travel moves go "
+           "beyond it (X up to 175.5 mm, Y down to -2 mm). The machine cannot reach that part, and it is not drawn.";
     QTest::newRow("nothing burns")
         << QByteArray("G0 X10 Y10\nM106 S0\nG1 X20 F600\n")
         << "Lines: 3   Burn moves: 0   Extent: X 0..20, Y 0..10 mm   Estimated time: 1s"

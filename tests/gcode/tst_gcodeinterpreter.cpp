@@ -355,8 +355,8 @@ void TestGcodeInterpreter::report()
     const ToolpathSummary outside =
         interpreter.run(QByteArray("M106 S255\nG1 X-0.5 Y201 F600\nM107\nG0 X171\n"));
     QCOMPARE(ToolpathReport::outsideLine(outside),
-             QStringLiteral("Outside the work area: 1 burn move and 1 travel move, reaching "
-                            "X -0.5..171 x Y 0..201 mm (the area is X 0..170 x Y 0..200 mm)"));
+             QStringLiteral("Outside the work area: 1 burn move and 1 travel move reach X down to -0.5 mm, "
+                            "X up to 171 mm, Y up to 201 mm (the area is X 0..170 x Y 0..200 mm)"));
 }
 
 TARNWELL_TEST_MAIN(TestGcodeInterpreter)

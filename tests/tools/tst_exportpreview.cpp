@@ -284,7 +284,7 @@ void TestExportPreview::files_data()
     QTest::newRow("leaves the area")
         << QByteArray("G0 X160 Y100\nM106 S255\nG1 X180 F6000\nM107\n") << QStringList{"--px-per-mm", "1"}
         << "Lines: 4  Burn moves: 1  Extent: 160..180 x 100..100 mm  Estimated time: 2s\n"
-           "Outside the work area: 1 burn move and 0 travel moves, reaching X 160..180 x Y 100..100 mm "
+           "Outside the work area: 1 burn move and 0 travel moves reach X up to 180 mm "
            "(the area is X 0..170 x Y 0..200 mm)\n"
         << 10 << 0;
 }
