@@ -158,10 +158,15 @@ QString PreviewPanel::figuresText() const
                           .arg(ToolpathReport::millimetres(s.minX), ToolpathReport::millimetres(s.maxX),
                                ToolpathReport::millimetres(s.minY), ToolpathReport::millimetres(s.maxY))
                     : tr("none");
-    return tr("Lines: %1   Burn moves: %2   Extent: %3   Estimated time: %4")
-        .arg(s.lines)
-        .arg(s.burnMoves)
-        .arg(extent, EstimatedTimeText(float(s.seconds)));
+    QString text = tr("Lines: %1   Burn moves: %2   Extent: %3   Estimated time: %4")
+                       .arg(s.lines)
+                       .arg(s.burnMoves)
+                       .arg(extent, EstimatedTimeText(float(s.seconds)));
+    if (ui->checkDepth->isChecked() && s.burnMoves > 0)
+        text += QLatin1Char('\n')
+                + tr("Cuts from Z %1 mm (orange) down to Z %2 mm (blue)")
+                      .arg(ToolpathReport::millimetres(s.maxCutZ), ToolpathReport::millimetres(s.minCutZ));
+    return text;
 }
 
 QString PreviewPanel::warningsText() const

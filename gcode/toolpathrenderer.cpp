@@ -34,8 +34,8 @@ QRgb mix(QRgb a, QRgb b, double t)
 } // namespace
 
 const QRgb ToolpathRenderer::TravelColour = qRgb(90, 160, 255);
-const QRgb ToolpathRenderer::ShallowColour = qRgb(255, 196, 120);
-const QRgb ToolpathRenderer::DeepColour = qRgb(20, 40, 150);
+const QRgb ToolpathRenderer::ShallowColour = qRgb(235, 120, 0);
+const QRgb ToolpathRenderer::DeepColour = qRgb(0, 40, 170);
 
 ToolpathRenderer::ToolpathRenderer(double pxPerMm)
     : m_scale(pxPerMm),

@@ -87,5 +87,9 @@
         <source>, </source>
         <translation>, </translation>
     </message>
+    <message>
+        <source>Cuts from Z %1 mm (orange) down to Z %2 mm (blue)</source>
+        <translation>Cuts from Z %1 mm (orange) down to Z %2 mm (blue)</translation>
+    </message>
 </context>
 </TS>

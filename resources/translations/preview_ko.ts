@@ -87,5 +87,9 @@
         <source>, </source>
         <translation>, </translation>
     </message>
+    <message>
+        <source>Cuts from Z %1 mm (orange) down to Z %2 mm (blue)</source>
+        <translation>절삭 깊이 Z %1 mm (주황색)부터 Z %2 mm (파란색)까지</translation>
+    </message>
 </context>
 </TS>

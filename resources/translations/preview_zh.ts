@@ -87,5 +87,9 @@
         <source>, </source>
         <translation>，</translation>
     </message>
+    <message>
+        <source>Cuts from Z %1 mm (orange) down to Z %2 mm (blue)</source>
+        <translation>切削深度从 Z %1 mm (橙色) 到 Z %2 mm (蓝色)</translation>
+    </message>
 </context>
 </TS>
