@@ -187,6 +187,10 @@ QString PreviewPanel::warningsText() const
         warnings << tr("The file is empty.");
     else if (s.burnMoves == 0)
         warnings << tr("Nothing burns: no move in this file runs with the beam on.");
+    if (s.rapidMovesBeamOn > 0)
+        warnings << tr("%1 rapid moves (G0) run with the beam on. They are drawn as travel; a machine that keeps "
+                       "the beam firing during G0 burns a line there.")
+                        .arg(s.rapidMovesBeamOn);
     if (s.linesNotUnderstood > 0)
         warnings << tr("%1 lines were not understood and are left out (the first is line %2).")
                         .arg(s.linesNotUnderstood)

@@ -395,6 +395,8 @@ void GcodeInterpreter::moveTo(double x, double y, double z, bool rapid, bool pro
     ++m_sum.moves;
     if (move.burns())
         ++m_sum.burnMoves;
+    else if (move.rapid && move.power > 0)
+        ++m_sum.rapidMovesBeamOn;
     countMove(move);
 }
 

@@ -28,6 +28,9 @@ struct ToolpathSummary
     qint64 firstLineNotUnderstood = 0;   // 1-based, 0 when every line was understood
     qint64 moves = 0;
     qint64 burnMoves = 0;
+    // Rapid moves made while the beam is on: drawn as travel, but a firmware that keeps the
+    // beam firing during G0 burns a line there.
+    qint64 rapidMovesBeamOn = 0;
     // Bounds of what burns; of every move when nothing burns. Empty: no move at all.
     bool hasExtent = false;
     double minX = 0, maxX = 0, minY = 0, maxY = 0;

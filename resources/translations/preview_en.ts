@@ -91,5 +91,9 @@
         <source>Cuts from Z %1 mm (orange) down to Z %2 mm (blue)</source>
         <translation>Cuts from Z %1 mm (orange) down to Z %2 mm (blue)</translation>
     </message>
+    <message>
+        <source>%1 rapid moves (G0) run with the beam on. They are drawn as travel; a machine that keeps the beam firing during G0 burns a line there.</source>
+        <translation>%1 rapid moves (G0) run with the beam on. They are drawn as travel; a machine that keeps the beam firing during G0 burns a line there.</translation>
+    </message>
 </context>
 </TS>

@@ -91,5 +91,9 @@
         <source>Cuts from Z %1 mm (orange) down to Z %2 mm (blue)</source>
         <translation>절삭 깊이 Z %1 mm (주황색)부터 Z %2 mm (파란색)까지</translation>
     </message>
+    <message>
+        <source>%1 rapid moves (G0) run with the beam on. They are drawn as travel; a machine that keeps the beam firing during G0 burns a line there.</source>
+        <translation>빠른 이동(G0) %1개가 레이저가 켜진 상태로 실행됩니다. 이동으로 그려지지만, G0 중에도 레이저를 끄지 않는 기계에서는 그곳에 선이 탑니다.</translation>
+    </message>
 </context>
 </TS>

@@ -91,5 +91,9 @@
         <source>Cuts from Z %1 mm (orange) down to Z %2 mm (blue)</source>
         <translation>切削深度从 Z %1 mm (橙色) 到 Z %2 mm (蓝色)</translation>
     </message>
+    <message>
+        <source>%1 rapid moves (G0) run with the beam on. They are drawn as travel; a machine that keeps the beam firing during G0 burns a line there.</source>
+        <translation>有 %1 条快速移动 (G0) 在激光开启时进行。它们按空移画出; 如果机器在 G0 时不关闭激光, 那里会烧出一条线。</translation>
+    </message>
 </context>
 </TS>
