@@ -28,6 +28,8 @@ constexpr int MaxArcChords = 20000;
 // Small slack so that a move along the edge of the work area is not taken for leaving it.
 constexpr double EdgeSlack = 1e-6;
 constexpr double Pi = 3.14159265358979323846;
+// Largest number a line may hold (10 km in mm), so that sums of moves stay finite.
+constexpr double MaxMagnitude = 1e7;
 
 // The exports' straight-move time: accelerate to the speed, or to half way when it is short.
 float moveSeconds(float d, float speed)
@@ -240,6 +242,9 @@ bool GcodeInterpreter::interpretLine(const char *text, int length)
     double x = 0, y = 0, z = 0, i = 0, j = 0, f = 0, s = 0, p = 0;
     for (int w = 0; w < count; ++w) {
         const double v = words[w].value;
+        // Beyond any machine, and on the way to infinities: not a line we can follow.
+        if (!(std::fabs(v) <= MaxMagnitude))
+            return false;
         switch (words[w].letter) {
         case 'G':
             switch (codeOf(v)) {
@@ -407,9 +412,12 @@ void GcodeInterpreter::arcTo(double x, double y, double z, double i, double j, b
     const double a0 = std::atan2(m_y - cy, m_x - cx);
     const double a1 = std::atan2(y - cy, x - cx);
     double sweep = a1 - a0;
-    if (clockwise && sweep >= -1e-12)
+    // Back to its start: a whole circle. Otherwise the short way round in the given direction.
+    if (std::hypot(x - m_x, y - m_y) < 1e-9)
+        sweep = clockwise ? -2 * Pi : 2 * Pi;
+    else if (clockwise && sweep > 0)
         sweep -= 2 * Pi;
-    else if (!clockwise && sweep <= 1e-12)
+    else if (!clockwise && sweep < 0)
         sweep += 2 * Pi;
     int chords = 1;
     if (r > ArcTolerance) {

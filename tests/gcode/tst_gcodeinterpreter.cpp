@@ -159,6 +159,10 @@ void TestGcodeInterpreter::figures_data()
         << QByteArray("hello world\nG1 X1\n$H\nG1 X\n\xff\xfe\x01garbage\nG65 P1\nM999\nG2 X5 Y0 R3\n"
                       "M106 S255\nG1 X4 Y1 T2\nG1 X5 F10 P3\nG1 X6\n")
         << "12 9(1) 2 1 1..6 x 0..0 mm 0/0";
+    QTest::newRow("absurd numbers and arcs")
+        << QByteArray("M106 S255\nG1 X1" + QByteArray(400, '9') + "\nG1 X20000000 F100\nG1 X5 F" + QByteArray(30, '9')
+                      + "\nG2 X5 Y0 I0 J0\nG3 X0 Y0 I9999999 J0\nG1 X0 Y0 F0\n")
+        << "7 3(2) 2 2 0..5 x 0..0 mm 0/0";
     QTest::newRow("nothing burns: extent of the travel")
         << QByteArray("G0 X10 Y20\nG1 X30 F100\n") << "2 0(0) 2 0 0..30 x 0..20 mm 0/0";
     QTest::newRow("zero-length burns are no moves")
