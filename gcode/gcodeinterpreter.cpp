@@ -30,6 +30,11 @@ constexpr double EdgeSlack = 1e-6;
 constexpr double Pi = 3.14159265358979323846;
 // Largest number a line may hold (10 km in mm), so that sums of moves stay finite.
 constexpr double MaxMagnitude = 1e7;
+// Vector time: steps up to this long (mm) are measured over StepWindow points on each side;
+// a run of short steps is settled at the latest after MaxRunPoints points.
+constexpr float ShortStep = 0.5f;
+constexpr int StepWindow = 2;
+constexpr size_t MaxRunPoints = 4096;
 
 // The exports' straight-move time: accelerate to the speed, or to half way when it is short.
 float moveSeconds(float d, float speed)
@@ -101,9 +106,8 @@ void GcodeInterpreter::reset()
     m_pastPause = false;
     m_pending = false;
     m_pendingLength = 0;
-    m_lastPointX = m_lastPointY = 0;
+    m_run.assign(1, VectorPoint{0, 0});
     m_pointArmed = false;
-    m_repeatedPoints = 0;
     m_clockSum = 0;
     m_genericSeconds = 0;
     m_burnBox = Box();
@@ -320,8 +324,7 @@ bool GcodeInterpreter::interpretLine(const char *text, int length)
         m_genericSeconds += std::max(p, 0.0);
     if (pause && !m_pastPause) {
         m_pastPause = true;
-        m_lastPointX = float(m_x);
-        m_lastPointY = float(m_y);
+        m_run.assign(1, VectorPoint{float(m_x), float(m_y)});
     }
 
     // Coordinates named on the line, as machine positions.
@@ -511,36 +514,62 @@ void GcodeInterpreter::clockMove(const ToolpathMove &move, bool xyGiven)
         break;
     }
     case Clock::OwnVector: {
-        // The vector export counts its engraved points only, each from the one before, at
-        // full precision. A point is the first move after a beam-on line (each is written
-        // twice). Points that the file's 0.1 mm rounding made equal to the one before were
-        // steps of their own: the distance to the next different point is shared among them.
+        // The vector export counts its engraved points only, each from the one before. A
+        // point is the first move after a beam-on line (each is written twice).
         if (!m_pastPause || move.rapid || !xyGiven || !m_pointArmed)
             return;
         m_pointArmed = false;
-        const float x = float(move.x1), y = float(move.y1);
-        if (x == m_lastPointX && y == m_lastPointY) {
-            ++m_repeatedPoints;
-            return;
-        }
-        const float dx = x - m_lastPointX;
-        const float dy = y - m_lastPointY;
-        const float steps = float(m_repeatedPoints + 1);
-        const float t = steps * moveSeconds(std::sqrt(dx * dx + dy * dy) / steps, float(m_feed));
-        if (std::isfinite(t))
-            m_clockSum += t;
-        m_lastPointX = x;
-        m_lastPointY = y;
-        m_repeatedPoints = 0;
+        addVectorPoint(float(move.x1), float(move.y1));
         break;
     }
     }
+}
+
+// The export timed its points at full precision; the file has them to 0.1 mm, which turns
+// runs of short steps into stairs and repeats. Short steps are therefore measured over a few
+// neighbours on each side, long ones as they stand.
+void GcodeInterpreter::addVectorPoint(float x, float y)
+{
+    const VectorPoint &last = m_run.back();
+    const float dx = x - last.x, dy = y - last.y;
+    const float d = std::sqrt(dx * dx + dy * dy);
+    if (d > ShortStep) {
+        flushRun();
+        addVectorStep(d);
+        m_run.assign(1, VectorPoint{x, y});
+        return;
+    }
+    m_run.push_back(VectorPoint{x, y});
+    if (m_run.size() > MaxRunPoints)
+        flushRun();
+}
+
+void GcodeInterpreter::flushRun()
+{
+    const int n = int(m_run.size()) - 1;
+    for (int i = 1; i <= n; ++i) {
+        const int lo = std::max(0, i - StepWindow), hi = std::min(n, i + StepWindow - 1);
+        const float dx = m_run[size_t(hi)].x - m_run[size_t(lo)].x;
+        const float dy = m_run[size_t(hi)].y - m_run[size_t(lo)].y;
+        addVectorStep(std::sqrt(dx * dx + dy * dy) / float(hi - lo));
+    }
+    const VectorPoint end = m_run.back();
+    m_run.assign(1, end);
+}
+
+void GcodeInterpreter::addVectorStep(float d)
+{
+    const float t = moveSeconds(d, float(m_feed));
+    if (std::isfinite(t))
+        m_clockSum += t;
 }
 
 void GcodeInterpreter::finishClock()
 {
     if (m_clock == Clock::OwnRaster && m_pending)
         m_clockSum += moveSeconds(m_pendingLength, float(m_feed));
+    if (m_clock == Clock::OwnVector)
+        flushRun();
     m_pending = false;
 }
 

@@ -7,6 +7,7 @@
 #include <QtGlobal>
 
 #include <functional>
+#include <vector>
 
 class QIODevice;
 
@@ -79,6 +80,9 @@ private:
     void countMove(const ToolpathMove &move);
     void clockMove(const ToolpathMove &move, bool xyGiven);
     void finishClock();
+    void addVectorPoint(float x, float y);
+    void flushRun();
+    void addVectorStep(float d);
     void detectClock(const char *text, int length);
     double currentPower() const;
     double scanFullScale();
@@ -135,9 +139,12 @@ private:
     bool m_pending = false;
     float m_pendingLength = 0;
     // Own vector files: engraving points are timed from the previous engraving point.
-    float m_lastPointX = 0, m_lastPointY = 0;
+    struct VectorPoint
+    {
+        float x, y;
+    };
+    std::vector<VectorPoint> m_run{VectorPoint{0, 0}};   // the last point timed, then the run since
     bool m_pointArmed = false;
-    int m_repeatedPoints = 0;
     float m_clockSum = 0;   // single precision, as the exports add it up
     double m_genericSeconds = 0;
 };
