@@ -16,6 +16,8 @@
 #include <QSignalBlocker>
 #include <QTimer>
 
+#include <algorithm>
+
 PreviewPanel::PreviewPanel(QWidget *parent)
     : QWidget(parent), ui(new Ui::PreviewPanel), m_loader(new PreviewLoader)
 {
@@ -95,9 +97,13 @@ void PreviewPanel::on_btnOpen_clicked()
 
 void PreviewPanel::on_btnFit_clicked()
 {
-    if (m_hasSummary && m_summary.hasExtent)
-        ui->view->fitMachineRect(QRectF(QPointF(m_summary.minX, m_summary.minY),
-                                        QPointF(m_summary.maxX, m_summary.maxY)));
+    const ToolpathSummary &s = m_summary;
+    if (m_hasSummary && s.hasExtent && s.burnMovesOutside + s.travelMovesOutside > 0)
+        ui->view->fitMachineRect(QRectF(QPointF(std::min({s.minX, s.outMinX, 0.0}), std::min({s.minY, s.outMinY, 0.0})),
+                                        QPointF(std::max({s.maxX, s.outMaxX, GcodeInterpreter::WorkAreaWidth}),
+                                                std::max({s.maxY, s.outMaxY, GcodeInterpreter::WorkAreaHeight}))));
+    else if (m_hasSummary && s.hasExtent)
+        ui->view->fitMachineRect(QRectF(QPointF(s.minX, s.minY), QPointF(s.maxX, s.maxY)));
     else
         ui->view->fitMachineRect(QRectF());
 }
@@ -127,6 +133,12 @@ void PreviewPanel::loaderFinished(int ticket, const QImage &picture, const Toolp
     m_summary = summary;
     m_hasSummary = true;
     ui->view->setPicture(picture, PreviewLoader::PxPerMm);
+    // Where the job goes beyond the area: the box of everything that lies outside it.
+    if (summary.burnMovesOutside + summary.travelMovesOutside > 0)
+        ui->view->setOverreach(QRectF(QPointF(summary.outMinX, summary.outMinY),
+                                      QPointF(summary.outMaxX, summary.outMaxY)));
+    else
+        ui->view->setOverreach(QRectF());
     if (m_fitPending) {
         m_fitPending = false;
         on_btnFit_clicked();
@@ -144,6 +156,7 @@ void PreviewPanel::loaderFailed(int ticket, const QString &)
     m_hasSummary = false;
     ui->progress->hide();
     ui->view->setPicture(QImage(), PreviewLoader::PxPerMm);
+    ui->view->setOverreach(QRectF());
     showTexts();
     emit shown();
 }

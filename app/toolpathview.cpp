@@ -59,6 +59,10 @@ ToolpathView::ToolpathView(QWidget *parent) : QGraphicsView(parent)
     scene->addLine(0, AreaHeight, 8, AreaHeight, origin);
     scene->addLine(0, AreaHeight, 0, AreaHeight - 8, origin);
     // The last step's label would crowd the area's width.
+    QPen overreach(QColor(220, 40, 40), 2, Qt::DashLine);
+    overreach.setCosmetic(true);
+    m_overreach = scene->addRect(QRectF(), overreach);
+    m_overreach->hide();
     for (double x = 0; x <= AreaWidth - LabelStep / 2; x += LabelStep)
         label(scene, QString::number(x), QPointF(x, AreaHeight), false);
     label(scene, QString::number(AreaWidth), QPointF(AreaWidth, AreaHeight), false);
@@ -106,6 +110,21 @@ void ToolpathView::updateDetail()
                                                     Qt::SmoothTransformation);
     m_picture->setPixmap(QPixmap::fromImage(shown));
     m_picture->setScale(double(m_full.width()) / shown.width() / m_pxPerMm);
+}
+
+void ToolpathView::setOverreach(const QRectF &machine)
+{
+    const QRectF area(-Margin, -Margin, AreaWidth + 2 * Margin, AreaHeight + 2 * Margin);
+    if (machine.isNull()) {
+        m_overreach->hide();
+        scene()->setSceneRect(area);
+        return;
+    }
+    const QRectF box(machine.left(), AreaHeight - machine.bottom(), machine.width(), machine.height());
+    m_overreach->setRect(box);
+    m_overreach->show();
+    // Let the view scroll out to it.
+    scene()->setSceneRect(area.united(box.adjusted(-Margin, -Margin, Margin, Margin)));
 }
 
 void ToolpathView::fitMachineRect(const QRectF &machine)

@@ -8,6 +8,7 @@
 #include <QRectF>
 
 class QGraphicsPixmapItem;
+class QGraphicsRectItem;
 
 class ToolpathView : public QGraphicsView
 {
@@ -21,6 +22,9 @@ public:
     // Fits the view to a rectangle in machine millimetres (Y up); an empty one fits the area.
     void fitMachineRect(const QRectF &machine);
     double zoom() const { return transform().m11(); }
+    // Outlines in red where a job goes beyond the work area (machine millimetres, Y up);
+    // an empty rectangle hides it.
+    void setOverreach(const QRectF &machine);
 
 protected:
     void wheelEvent(QWheelEvent *event) override;
@@ -34,6 +38,7 @@ private:
     void updateDetail();
 
     QGraphicsPixmapItem *m_picture = nullptr;
+    QGraphicsRectItem *m_overreach = nullptr;
     QImage m_full;
     double m_pxPerMm = 1;
     int m_level = -1;
