@@ -28,6 +28,9 @@ constexpr int MaxArcChords = 20000;
 // Small slack so that a move along the edge of the work area is not taken for leaving it.
 constexpr double EdgeSlack = 1e-6;
 constexpr double Pi = 3.14159265358979323846;
+// Power of the beam that marks a frame (S5 of 255) and stays on into the first travel;
+// rapid moves at up to this power are not worth a warning.
+constexpr double FaintPower = 0.05;
 // Largest number a line may hold (10 km in mm), so that sums of moves stay finite.
 constexpr double MaxMagnitude = 1e7;
 // Vector time: steps up to this long (mm) are measured over StepWindow points on each side;
@@ -403,7 +406,7 @@ void GcodeInterpreter::moveTo(double x, double y, double z, bool rapid, bool pro
     ++m_sum.moves;
     if (move.burns())
         ++m_sum.burnMoves;
-    else if (move.rapid && move.power > 0)
+    else if (move.rapid && move.power > FaintPower)
         ++m_sum.rapidMovesBeamOn;
     countMove(move);
 }
@@ -485,9 +488,42 @@ void GcodeInterpreter::countMove(const ToolpathMove &move)
             ++m_sum.travelMovesOutside;
     }
     if (outside)
-        m_outBox.add(x0, y0, x1, y1);
+        addOutsidePart(move);
     if (m_onMove)
         m_onMove(move);
+}
+
+// Widens the outside box by the parts of a move that lie beyond the work area: the move less
+// the stretch that the area clips out of it (Liang-Barsky).
+void GcodeInterpreter::addOutsidePart(const ToolpathMove &move)
+{
+    const double dx = move.x1 - move.x0, dy = move.y1 - move.y0;
+    double enter = 0, leave = 1;
+    auto clip = [&enter, &leave](double p, double q) {
+        if (p == 0)
+            return q >= 0;
+        const double t = q / p;
+        if (p < 0)
+            enter = std::max(enter, t);
+        else
+            leave = std::min(leave, t);
+        return enter <= leave;
+    };
+    const bool crosses = clip(-dx, move.x0) && clip(dx, WorkAreaWidth - move.x0) && clip(-dy, move.y0)
+                         && clip(dy, WorkAreaHeight - move.y0);
+    auto at = [&move, dx, dy](double t) { return std::make_pair(move.x0 + t * dx, move.y0 + t * dy); };
+    auto add = [this](std::pair<double, double> a, std::pair<double, double> b) {
+        m_outBox.add(std::min(a.first, b.first), std::min(a.second, b.second), std::max(a.first, b.first),
+                     std::max(a.second, b.second));
+    };
+    if (!crosses) {
+        add(at(0), at(1));
+        return;
+    }
+    if (enter > 0)
+        add(at(0), at(enter));
+    if (leave < 1)
+        add(at(leave), at(1));
 }
 
 void GcodeInterpreter::clockMove(const ToolpathMove &move, bool xyGiven)

@@ -29,13 +29,13 @@ struct ToolpathSummary
     qint64 firstLineNotUnderstood = 0;   // 1-based, 0 when every line was understood
     qint64 moves = 0;
     qint64 burnMoves = 0;
-    // Rapid moves made while the beam is on: drawn as travel, but a firmware that keeps the
+    // Rapid moves made while the beam is on above a faint marking power: drawn as travel, but a firmware that keeps the
     // beam firing during G0 burns a line there.
     qint64 rapidMovesBeamOn = 0;
     // Bounds of what burns; of every move when nothing burns. Empty: no move at all.
     bool hasExtent = false;
     double minX = 0, maxX = 0, minY = 0, maxY = 0;
-    // Moves that leave the 170 x 200 mm work area, and how far they reach.
+    // Moves that leave the 170 x 200 mm work area, and the box of their parts outside it.
     qint64 burnMovesOutside = 0;
     qint64 travelMovesOutside = 0;
     double outMinX = 0, outMaxX = 0, outMinY = 0, outMaxY = 0;
@@ -78,6 +78,7 @@ private:
     void moveTo(double x, double y, double z, bool rapid, bool programMove, bool xyGiven);
     void arcTo(double x, double y, double z, double i, double j, bool clockwise);
     void countMove(const ToolpathMove &move);
+    void addOutsidePart(const ToolpathMove &move);
     void clockMove(const ToolpathMove &move, bool xyGiven);
     void finishClock();
     void addVectorPoint(float x, float y);

@@ -60,9 +60,10 @@ void TestPreviewPanel::texts_data()
         << QByteArray("G0 X10 Y10\nM106 S0\nG1 X20 F600\n")
         << "Lines: 3   Burn moves: 0   Extent: X 0..20, Y 0..10 mm   Estimated time: 1s"
         << "Nothing burns: no move in this file runs with the beam on.";
+    // The faint beam that marks a frame is no warning.
     QTest::newRow("rapid move with the beam on")
-        << QByteArray("M106 S5\nG0 X10\nM106 S255\nG1 X20 F600\n")
-        << "Lines: 4   Burn moves: 1   Extent: X 10..20, Y 0..0 mm   Estimated time: 1s"
+        << QByteArray("M106 S5\nG0 X5\nM106 S200\nG0 X10\nM106 S255\nG1 X20 F600\n")
+        << "Lines: 6   Burn moves: 1   Extent: X 10..20, Y 0..0 mm   Estimated time: 1s"
         << "1 rapid moves (G0) run with the beam on. They are drawn as travel; a machine that keeps the beam "
            "firing during G0 burns a line there.";
     QTest::newRow("empty") << QByteArray() << "Lines: 0   Burn moves: 0   Extent: none   Estimated time: 0s"
