@@ -357,6 +357,12 @@ void TestGcodeInterpreter::depthColours()
 void TestGcodeInterpreter::report()
 {
     GcodeInterpreter interpreter;
+    // Only the parts beyond the area make the outside box: the burn past X 170 and the start
+    // of the way home.
+    const ToolpathSummary edge = interpreter.run(QByteArray("M106 S255\nG0 X160 Y10\nG1 X180 F600\nG28\n"));
+    QCOMPARE(QStringLiteral("%1 %2 %3 %4").arg(edge.outMinX).arg(edge.outMaxX).arg(edge.outMinY, 0, 'f', 3).arg(edge.outMaxY),
+             QStringLiteral("170 180 9.444 10"));
+
     const ToolpathSummary inside =
         interpreter.run(QByteArray("G1 F600\nM106 S255\nG1 X10.125 Y20\nG1 X12.5\n"));
     QCOMPARE(ToolpathReport::summaryLine(inside),
