@@ -18,6 +18,12 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr int InitialDockWidth = 300;   // pixels
+
+} // namespace
+
 PreviewPanel::PreviewPanel(QWidget *parent)
     : QWidget(parent), ui(new Ui::PreviewPanel), m_loader(new PreviewLoader)
 {
@@ -51,6 +57,8 @@ PreviewPanel *PreviewPanel::addTo(QMainWindow *window)
     dock->setWidget(panel);
     dock->setWindowTitle(panel->windowTitle());
     window->addDockWidget(Qt::RightDockWidgetArea, dock);
+    // Narrow at first, so that the window still fits a small screen; the user can widen it.
+    window->resizeDocks({dock}, {InitialDockWidth}, Qt::Horizontal);
     return panel;
 }
 
