@@ -338,6 +338,8 @@ void TestExportPreview::badInput()
     QFETCH(QString, message);
     ScopedWorkDir dir;
     writeFile(dir.file("job.gcode"), "G1 X1\n");
+    const Run help = runExport({"preview", "--help"});
+    QVERIFY(help.status == 0 && help.out.startsWith("Usage: tarnwell-export preview"));
     const Run run = runExport(QStringList{"preview"} + args);
     QCOMPARE(run.status, 2);
     QVERIFY2(run.err.contains(message) && run.err.count('\n') == 1, qPrintable(run.err));
