@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <cmath>
+#include <cstring>
 
 namespace {
 
@@ -115,9 +116,38 @@ void SvgPathText::appendPath(const QPolygonF &polygon)
     for (int i = 1; i < polygon.size(); ++i)
         outline.lineTo(polygon.at(i));
     outline.closeSubpath();
-    m_bytes.reserve(m_bytes.size() + outline.elementCount() * 20 + int(sizeof PathStart));
+    // Written straight into the array: room for the longest short form of each point.
+    const int MaxPointText = 2 + 2 * 16;
+    const int count = outline.elementCount();
+    int size = m_bytes.size();
+    m_bytes.resize(size + int(sizeof PathStart) + count * MaxPointText + int(sizeof PathEnd));
+    char *out = m_bytes.data();
+    memcpy(out + size, PathStart, sizeof PathStart - 1);
+    size += int(sizeof PathStart) - 1;
+    for (int i = 0; i < count; ++i) {
+        const QPainterPath::Element &e = outline.elementAt(i);
+        if (i > 0)
+            out[size++] = ' ';
+        out[size++] = e.isMoveTo() ? 'M' : 'L';
+        int n = formatShort(e.x, out + size);
+        if (n == 0)
+            break;
+        size += n;
+        out[size++] = ',';
+        n = formatShort(e.y, out + size);
+        if (n == 0)
+            break;
+        size += n;
+        if (i == count - 1) {
+            memcpy(out + size, PathEnd, sizeof PathEnd - 1);
+            m_bytes.resize(size + int(sizeof PathEnd) - 1);
+            return;
+        }
+    }
+    // A number in the library's long form somewhere: write the whole path the slow way.
+    m_bytes.resize(int(m_bytes.size() - (sizeof PathStart + count * MaxPointText + sizeof PathEnd)));
     m_bytes.append(PathStart, int(sizeof PathStart) - 1);
-    for (int i = 0; i < outline.elementCount(); ++i) {
+    for (int i = 0; i < count; ++i) {
         const QPainterPath::Element &e = outline.elementAt(i);
         if (i > 0)
             m_bytes.append(' ');
