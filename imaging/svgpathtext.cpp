@@ -33,18 +33,25 @@ int formatShort(double value, char *out)
     int exponent = magnitude >= 1e4 ? 4 : magnitude >= 1e3 ? 3 : magnitude >= 1e2 ? 2 : magnitude >= 1e1 ? 1
                  : magnitude >= 1 ? 0 : magnitude >= 1e-1 ? -1 : magnitude >= 1e-2 ? -2 : magnitude >= 1e-3 ? -3 : -4;
     const double scaled = magnitude * Scale[Digits - 1 - exponent];
-    const double whole = std::floor(scaled);
-    const double fraction = scaled - whole;
+    int digits = int(scaled);  // 100000 .. 999999
+    const double fraction = scaled - digits;
     if (std::fabs(fraction - 0.5) < TieMargin)
         return 0;
-    long long digits = (long long)whole + (fraction > 0.5 ? 1 : 0);
+    digits += fraction > 0.5 ? 1 : 0;
     if (digits >= 1000000) {  // rounded up to the next power of ten
         digits /= 10;
         ++exponent;
     }
+    static const char Pairs[] =
+        "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+        "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+        "8081828384858687888990919293949596979899";
     char d[Digits];
-    for (int i = Digits - 1; i >= 0; --i, digits /= 10)
-        d[i] = char('0' + digits % 10);
+    const int high = digits / 10000, middle = digits / 100 % 100, low = digits % 100;
+    d[0] = char('0' + high / 10);
+    d[1] = char('0' + high % 10);
+    memcpy(d + 2, Pairs + 2 * middle, 2);
+    memcpy(d + 4, Pairs + 2 * low, 2);
     int last = Digits - 1;  // last digit kept: trailing zeros after the point go
     const int point = exponent >= 0 ? exponent + 1 : 0;  // digits before the point
     while (last >= point && d[last] == '0')
@@ -112,7 +119,10 @@ void SvgPathText::appendPath(const QPolygonF &polygon)
 {
     // The path is built as the generator builds it, so that repeated points and a last
     // point next to the first are treated the same way.
-    QPainterPath outline(polygon.first());
+    QPainterPath &outline = m_outline;
+    outline.clear();
+    outline.reserve(polygon.size() + 1);
+    outline.moveTo(polygon.first());
     for (int i = 1; i < polygon.size(); ++i)
         outline.lineTo(polygon.at(i));
     outline.closeSubpath();

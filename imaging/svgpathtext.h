@@ -4,6 +4,7 @@
 #define SVGPATHTEXT_H
 
 #include <QByteArray>
+#include <QPainterPath>
 #include <QPolygonF>
 
 class SvgPathText
@@ -24,6 +25,7 @@ private:
     void appendNumber(double value);
 
     QByteArray m_bytes;
+    QPainterPath m_outline;  // kept from path to path for its storage
 };
 
 #endif
