@@ -34,7 +34,11 @@ RasterGcodeWriter::RasterGcodeWriter(QIODevice *device, bool plain)
     : m_device(device), m_plain(plain), m_powers(GrayLevels, 0.0f)
 {
     m_buffer.resize(BufferBytes);
+    if (!m_plain)
+        m_background.reset(new BackgroundWriter(device));
 }
+
+RasterGcodeWriter::~RasterGcodeWriter() = default;
 
 void RasterGcodeWriter::setSpeeds(int feed, int travel)
 {
@@ -289,7 +293,7 @@ void RasterGcodeWriter::reserve(qint64 bytes)
 {
     if (m_used + bytes <= qint64(m_buffer.size()))
         return;
-    flush();
+    handOver();
     if (bytes > qint64(m_buffer.size()))
         m_buffer.resize(size_t(bytes));
 }
@@ -302,10 +306,26 @@ void RasterGcodeWriter::writeText(const QString &text)
     m_used += bytes.size();
 }
 
+// A full buffer goes to the helper thread on the fast path, and straight to the device on
+// the plain one; either way the device gets the same bytes in the same order.
+void RasterGcodeWriter::handOver()
+{
+    if (m_used > 0) {
+        if (m_background) {
+            m_background->write(m_buffer, m_used);
+            if (m_buffer.size() < size_t(BufferBytes))
+                m_buffer.resize(size_t(BufferBytes));
+        } else if (m_device->write(m_buffer.data(), m_used) != m_used) {
+            m_failed = true;
+        }
+    }
+    m_used = 0;
+}
+
 bool RasterGcodeWriter::flush()
 {
-    if (m_used > 0 && m_device->write(m_buffer.data(), m_used) != m_used)
+    handOver();
+    if (m_background && !m_background->finish())
         m_failed = true;
-    m_used = 0;
     return !m_failed;
 }
