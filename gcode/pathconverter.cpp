@@ -455,6 +455,45 @@ __attribute__((target("avx2"))) uint64_t judgeAvx2(const int *draws, int from, i
 }
 #endif
 
+// Reverses order[from..to] and at[from..to] together. The first pass of a large drawing
+// makes long reversals by the hundred thousand, so they run eight and four at a time.
+void reverseSpan(int *order, StartPoint *at, int from, int to);
+
+#ifdef PATHCONV_HAVE_AVX2
+__attribute__((target("avx2"))) void reverseSpanAvx2(int *order, StartPoint *at, int from, int to)
+{
+    int i = from, j = to;
+    const __m256i backwards = _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0);
+    for (; j - i + 1 >= 16; i += 8, j -= 8) {
+        const __m256i low = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(order + i));
+        const __m256i high = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(order + j - 7));
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(order + i), _mm256_permutevar8x32_epi32(high, backwards));
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(order + j - 7), _mm256_permutevar8x32_epi32(low, backwards));
+        for (int half = 0; half < 2; ++half) {
+            const int a = i + 4 * half, b = j - 3 - 4 * half;
+            const __m256i p = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(at + a));
+            const __m256i q = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(at + b));
+            _mm256_storeu_si256(reinterpret_cast<__m256i *>(at + a), _mm256_permute4x64_epi64(q, _MM_SHUFFLE(0, 1, 2, 3)));
+            _mm256_storeu_si256(reinterpret_cast<__m256i *>(at + b), _mm256_permute4x64_epi64(p, _MM_SHUFFLE(0, 1, 2, 3)));
+        }
+    }
+    std::reverse(order + i, order + j + 1);
+    std::reverse(at + i, at + j + 1);
+}
+#endif
+
+void reverseSpan(int *order, StartPoint *at, int from, int to)
+{
+#ifdef PATHCONV_HAVE_AVX2
+    if (!g_portableDraws && __builtin_cpu_supports("avx2")) {
+        reverseSpanAvx2(order, at, from, to);
+        return;
+    }
+#endif
+    std::reverse(order + from, order + to + 1);
+    std::reverse(at + from, at + to + 1);
+}
+
 // One 2-opt pass over the path order; `at` holds the start point of the path at each position.
 // Swaps are rare after the first pass, so the attempts are judged a block at a time
 // without branches against the order as it stands; after a swap the block goes on from
@@ -483,8 +522,7 @@ void twoOptPass(int n, int *order, StartPoint *at, DrawFeed &feed)
             const int t = __builtin_ctzll(hits);
             int a, b;
             attemptEnds(draws + 2 * t, &a, &b);
-            std::reverse(order + a + 1, order + b + 1);
-            std::reverse(at + a + 1, at + b + 1);
+            reverseSpan(order, at, a + 1, b);
             from = t + 1;
         }
     }
