@@ -80,7 +80,8 @@ const std::vector<Neighbour> &outlineNeighbours()
 
 // gray * count < (whole part of sum * 0.85) is gray * count + 1 <= sum * 0.85: the sums and
 // products are whole numbers that doubles hold exactly, so both read the same.
-inline quint32 adaptivePixel(const qint64 *total, uchar gray, int x1, int x2, int rows)
+template <typename Sum>
+inline quint32 adaptivePixel(const Sum *total, uchar gray, int x1, int x2, int rows)
 {
     const double count = double(qint64(x2 - x1) * rows);
     const bool dark = double(gray) * count + 1.0 <= double(total[x2] - total[x1]) * AdaptiveMeanRatio;
@@ -103,6 +104,28 @@ void addToColumns(qint64 *column, const uchar *gray, int w, int sign)
 {
     for (int x = 0; x < w; ++x)
         column[x] += sign * gray[x];
+}
+
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
+__attribute__((target_clones("avx2", "default")))
+#endif
+void addToColumns(qint32 *column, const uchar *gray, int w, int sign)
+{
+    for (int x = 0; x < w; ++x)
+        column[x] += sign * gray[x];
+}
+
+// The same with sums that fit in 32 bits: twice as many to a register, converted directly.
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
+__attribute__((target_clones("avx2", "default")))
+#endif
+void adaptiveInner(const qint32 *total, const uchar *gray, quint32 *dst, int n, int half, double count)
+{
+    for (int x = 0; x < n; ++x) {
+        const double sum = double(total[x + half] - total[x - half]);
+        const bool dark = double(gray[x]) * count + 1.0 <= sum * AdaptiveMeanRatio;
+        dst[x] = OpaqueWhite - quint32(dark) * (OpaqueWhite - Black);
+    }
 }
 
 // Pixels whose window lies wholly inside the row: `total` and `gray` start at the first.
@@ -141,6 +164,54 @@ void inTwoBands(int h, qint64 pixels, Work work)
     std::thread helper([&work, middle, h] { work(middle, h); });
     work(0, middle);
     helper.join();
+}
+
+// Rows from .. to - 1 of the adaptive threshold (see AdaptiveThreshold). Each row's gray
+// levels are worked out once, when the window reaches it, and kept in a ring of rows
+// until the window has passed it.
+template <typename Sum>
+void adaptiveBand(const QImage &in, int half, int from, int to, uchar *bits, qsizetype stride)
+{
+    const int w = in.width(), h = in.height();
+    std::vector<Sum> column(size_t(w), 0);
+    std::vector<Sum> total(static_cast<size_t>(w));
+    const int ringRows = 2 * half + 2;
+    std::vector<uchar> ring(size_t(ringRows) * size_t(w));
+    std::vector<uchar> own(static_cast<size_t>(w));
+    auto ringRow = [&](int y) { return ring.data() + size_t(y % ringRows) * size_t(w); };
+    // The column sums hold rows rowsFrom + 1 .. rowsTo, empty at the band's start.
+    int rowsFrom = std::max(from - half, 0), rowsTo = rowsFrom;
+    const int firstKept = rowsFrom + 1;
+    for (int y = from; y < to; ++y) {
+        const int y1 = std::max(y - half, 0), y2 = std::min(y + half, h - 1);
+        for (; rowsTo < y2; ++rowsTo) {
+            uchar *g = ringRow(rowsTo + 1);
+            grayRow(reinterpret_cast<const QRgb *>(in.constScanLine(rowsTo + 1)), g, w);
+            addToColumns(column.data(), g, w, 1);
+        }
+        for (; rowsFrom < y1; ++rowsFrom)
+            addToColumns(column.data(), ringRow(rowsFrom + 1), w, -1);
+        Sum running = 0;
+        for (int x = 0; x < w; ++x) {
+            running += column[size_t(x)];
+            total[size_t(x)] = running;
+        }
+        const uchar *g = ringRow(y);
+        if (y < firstKept) {  // a row the window never takes in (the top row, or no window)
+            grayRow(reinterpret_cast<const QRgb *>(in.constScanLine(y)), own.data(), w);
+            g = own.data();
+        }
+        quint32 *dst = reinterpret_cast<quint32 *>(bits + y * stride);
+        const int rows = y2 - y1;
+        // The window is clipped at both sides; between them it is the same width throughout.
+        const int innerFrom = std::min(half, w), innerTo = std::max(innerFrom, w - 1 - half);
+        for (int x = 0; x < innerFrom; ++x)
+            dst[x] = adaptivePixel(total.data(), g[x], 0, std::min(x + half, w - 1), rows);
+        adaptiveInner(total.data() + innerFrom, g + innerFrom, dst + innerFrom, innerTo - innerFrom, half,
+                      double(qint64(2 * half) * rows));
+        for (int x = innerTo; x < w; ++x)
+            dst[x] = adaptivePixel(total.data(), g[x], std::max(x - half, 0), w - 1, rows);
+    }
 }
 
 bool is32Bit(const QImage &image)
@@ -385,47 +456,20 @@ QImage ImgBinaryEdit::AdaptiveThreshold(const QImage &picture)
     // The window of pixel (x, y) holds rows y1 + 1 .. y2 and columns x1 + 1 .. x2. Column
     // sums over the current rows follow the window down the picture (both ends only move
     // down), and each row's running total of them gives a window's sum by one difference.
-    // All sums are whole numbers far below 2^52, so doubles hold them exactly. Gray levels
-    // are worked out again for each use: cheaper than fresh pages for a plane of them.
+    // All sums are whole numbers far below 2^52, so doubles hold them exactly.
     QImage out(w, h, QImage::Format_ARGB32);
     if (out.isNull())
         return QImage();
     uchar *const bits = out.bits();
     const qsizetype stride = out.bytesPerLine();
+    // Sums stay in 32 bits when the largest window sum fits there (every picture up to
+    // the editor's size limit but the widest).
+    const bool narrowSums = qint64(255) * (2 * half + 1) * w < (qint64(1) << 31);
     inTwoBands(h, qint64(w) * h, [&](int from, int to) {
-        std::vector<qint64> column(size_t(w), 0);
-        std::vector<qint64> total(static_cast<size_t>(w));
-        std::vector<uchar> gray(static_cast<size_t>(w));
-        auto addRow = [&](int y, int sign) {
-            grayRow(reinterpret_cast<const QRgb *>(in.constScanLine(y)), gray.data(), w);
-            addToColumns(column.data(), gray.data(), w, sign);
-        };
-        // The column sums hold rows rowsFrom + 1 .. rowsTo, empty at the band's start.
-        int rowsFrom = std::max(from - half, 0), rowsTo = rowsFrom;
-        for (int y = from; y < to; ++y) {
-            const int y1 = std::max(y - half, 0), y2 = std::min(y + half, h - 1);
-            for (; rowsTo < y2; ++rowsTo)
-                addRow(rowsTo + 1, 1);
-            for (; rowsFrom < y1; ++rowsFrom)
-                addRow(rowsFrom + 1, -1);
-            qint64 running = 0;
-            for (int x = 0; x < w; ++x) {
-                running += column[size_t(x)];
-                total[size_t(x)] = running;
-            }
-            const uchar *g = gray.data();
-            grayRow(reinterpret_cast<const QRgb *>(in.constScanLine(y)), gray.data(), w);
-            quint32 *dst = reinterpret_cast<quint32 *>(bits + y * stride);
-            const int rows = y2 - y1;
-            // The window is clipped at both sides; between them it is the same width throughout.
-            const int innerFrom = std::min(half, w), innerTo = std::max(innerFrom, w - 1 - half);
-            for (int x = 0; x < innerFrom; ++x)
-                dst[x] = adaptivePixel(total.data(), g[x], 0, std::min(x + half, w - 1), rows);
-            adaptiveInner(total.data() + innerFrom, g + innerFrom, dst + innerFrom, innerTo - innerFrom, half,
-                          double(qint64(2 * half) * rows));
-            for (int x = innerTo; x < w; ++x)
-                dst[x] = adaptivePixel(total.data(), g[x], std::max(x - half, 0), w - 1, rows);
-        }
+        if (narrowSums)
+            adaptiveBand<qint32>(in, half, from, to, bits, stride);
+        else
+            adaptiveBand<qint64>(in, half, from, to, bits, stride);
     });
     return out;
 }

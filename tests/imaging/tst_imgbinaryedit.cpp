@@ -147,6 +147,7 @@ private slots:
         QTest::newRow("odd window") << QSize(88, 51);
         QTest::newRow("one row") << QSize(97, 1);
         QTest::newRow("large enough for two bands") << QSize(1030, 1021);
+        QTest::newRow("wide enough for 64-bit sums") << QSize(12000, 3);
     }
     void adaptiveAsIntegral()
     {
