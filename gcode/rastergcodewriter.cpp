@@ -164,9 +164,20 @@ qint64 RasterGcodeWriter::zThousandths(float counter)
     // counter = m * 2^(e - 24) with a 24-bit m, and 0.0625 = 2^-4.
     if (!(counter > 0))
         return 0;
+    // The mantissa and exponent straight from the bits (what frexp gives, without the
+    // library call that every group would pay); only numbers below the normal range differ.
+    quint32 bits;
+    std::memcpy(&bits, &counter, sizeof bits);
+    const int biased = int((bits >> 23) & 0xFF);
     int e = 0;
-    const float fraction = std::frexp(counter, &e);
-    const quint64 m = quint64(std::ldexp(fraction, 24));
+    quint64 m = 0;
+    if (biased != 0 && biased != 0xFF) {
+        e = biased - 126;
+        m = (bits & 0x7FFFFFu) | 0x800000u;
+    } else {
+        const float fraction = std::frexp(counter, &e);
+        m = quint64(std::ldexp(fraction, 24));
+    }
     const quint64 v = m * 1000;
     const int shift = 28 - e;
     if (shift <= 0)
@@ -180,10 +191,21 @@ QByteArray RasterGcodeWriter::quickZText(float counter)
 {
     if (!(counter < QuickZLimit))
         return zText(counter).toLatin1();
+    // "%lld.%03lld" of the thousandths, written by hand.
     const qint64 n = zThousandths(counter);
     char text[TokenBytes];
-    const int length = std::snprintf(text, sizeof text, "%lld.%03lld", n / 1000, n % 1000);
-    return QByteArray(text, length);
+    char *end = text + sizeof text;
+    char *p = end;
+    qint64 rest = n % 1000;
+    for (int i = 0; i < 3; ++i, rest /= 10)
+        *--p = char('0' + rest % 10);
+    *--p = '.';
+    qint64 whole = n / 1000;
+    do {
+        *--p = char('0' + whole % 10);
+        whole /= 10;
+    } while (whole > 0);
+    return QByteArray(p, int(end - p));
 }
 
 RasterGcodeWriter::Token RasterGcodeWriter::makeToken(const QString &text)
