@@ -283,30 +283,18 @@ void RasterGcodeWriter::writeFast(const Compiled &group, int column, int gray)
     const Token &power = m_powerTokens[size_t(gray)];
     const char *literals = m_literals.data();
     // Every copy moves whole blocks; the buffer has room for them and only `length` counts.
+    // Each part is a source and a length picked without a jump: the kinds of a group come
+    // in no order a jump table could guess.
+    const Token *tokens[] = {nullptr, &x, &m_rowToken, &m_zToken, &power};
     for (const Op &op : group.ops) {
-        switch (op.kind) {
-        case OpLiteral:
-            for (int i = 0; i < op.length; i += TokenBytes)
-                std::memcpy(out + i, literals + op.offset + i, TokenBytes);
-            out += op.length;
-            break;
-        case OpX:
-            std::memcpy(out, x.text, TokenBytes);
-            out += x.length;
-            break;
-        case OpY:
-            std::memcpy(out, m_rowToken.text, TokenBytes);
-            out += m_rowToken.length;
-            break;
-        case OpZ:
-            std::memcpy(out, m_zToken.text, TokenBytes);
-            out += m_zToken.length;
-            break;
-        case OpPower:
-            std::memcpy(out, power.text, TokenBytes);
-            out += power.length;
-            break;
-        }
+        const bool literal = op.kind == OpLiteral;
+        const Token *token = tokens[op.kind];
+        const char *from = literal ? literals + op.offset : token->text;
+        const int length = literal ? op.length : token->length;
+        std::memcpy(out, from, TokenBytes);
+        for (int i = TokenBytes; i < length; i += TokenBytes)
+            std::memcpy(out + i, from + i, TokenBytes);
+        out += length;
     }
     m_used = out - m_buffer.data();
 }
