@@ -92,9 +92,8 @@ float toCoordinate(const QString &line, const char *text, int from, int length)
             if (point >= 0)
                 return line.midRef(from, length).toFloat();
             point = i;
-        } else {
+        } else if (++count <= MaxFastDigits) {
             digits = digits * 10 + (s[i] - '0');
-            ++count;
         }
     }
     if (count == 0 || count > MaxFastDigits || point == 0 || point == length - 1)
