@@ -100,7 +100,7 @@ void sendMove(QGraphicsScene *scene, const QPointF &p, const QPointF &down)
 // Drag and corner-resize steps of the traced page in a 900 x 1000 view showing the work
 // area, each step painted at once; and, for comparison, the drawing stroked at the
 // view's scale as every paint did before its picture was kept.
-int tracedPageSteps()
+int tracedPageSteps(const QString &shots)
 {
     const QString svg = QStringLiteral("black_white.svg");
     if (!writeTracedPage(svg)) {
@@ -151,6 +151,8 @@ int tracedPageSteps()
         view.viewport()->repaint();
         drag.push_back(timer.nsecsElapsed() / 1e6);
     }
+    if (!shots.isEmpty())
+        view.grab().save(QDir(shots).filePath(QStringLiteral("canvas-dragged.png")));
     const Figures d = summarise(drag);
     std::printf("  drag step, painted:   median %.2f ms, mean %.2f ms, max %.2f ms (%d steps)\n", d.median, d.mean,
                 d.max, Steps);
@@ -174,10 +176,14 @@ int tracedPageSteps()
         view.viewport()->repaint();
         resize.push_back(timer.nsecsElapsed() / 1e6);
     }
+    if (!shots.isEmpty())
+        view.grab().save(QDir(shots).filePath(QStringLiteral("canvas-resizing.png")));
     timer.restart();
     sendMouse(&scene, QEvent::GraphicsSceneMouseRelease, corner, down, Qt::LeftButton, Qt::NoButton);
     view.viewport()->repaint();
     const double settle = timer.nsecsElapsed() / 1e6;
+    if (!shots.isEmpty())
+        view.grab().save(QDir(shots).filePath(QStringLiteral("canvas-released.png")));
     const Figures r = summarise(resize);
     std::printf("  resize step, painted: median %.2f ms, mean %.2f ms, max %.2f ms (%d steps)\n", r.median, r.mean,
                 r.max, Steps);
@@ -274,5 +280,7 @@ int main(int argc, char *argv[])
     std::printf("item placed at %.2f x %.2f mm, now %.2f x %.2f mm, picture %d x %d px\n",
                 placed.width(), placed.height(), item->rect().width(), item->rect().height(),
                 item->pixmap().width(), item->pixmap().height());
-    return tracedPageSteps();
+    // A folder as first argument keeps pictures of the view after the drag, during the
+    // corner drag and after its release.
+    return tracedPageSteps(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString());
 }
