@@ -68,10 +68,11 @@ QImage plainGlobalThreshold(const QImage &in, int threshold)
 {
     QImage out(in.size(), in.format());
     const quint32 limit = quint32(qBound(-1, threshold, 255) + 1);
+    const int w = in.width();
     for (int y = 0; y < in.height(); ++y) {
         const quint32 *src = reinterpret_cast<const quint32 *>(in.constScanLine(y));
         quint32 *dst = reinterpret_cast<quint32 *>(out.scanLine(y));
-        for (int x = 0; x < in.width(); ++x) {
+        for (int x = 0; x < w; ++x) {
             const quint32 p = src[x];
             const quint32 sum = 11 * ((p >> 16) & 0xFF) + 16 * ((p >> 8) & 0xFF) + 5 * (p & 0xFF);
             const quint32 white = (quint32(p <= 0x00FFFFFFu) & quint32(sum < 32u)) | quint32((sum >> 5) >= limit);

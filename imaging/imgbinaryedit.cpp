@@ -148,6 +148,19 @@ void adaptiveInner(const qint64 *total, const uchar *gray, quint32 *dst, int n, 
     }
 }
 
+// One row of the global threshold. Branch-free so the compiler can run the loop on
+// vector registers: this runs on every slider step.
+void thresholdRow(const quint32 *__restrict src, quint32 *__restrict dst, int w, quint32 limit)
+{
+    for (int x = 0; x < w; ++x) {
+        const quint32 p = src[x];
+        const quint32 sum = 11 * ((p >> 16) & 0xFF) + 16 * ((p >> 8) & 0xFF) + 5 * (p & 0xFF);
+        const quint32 transparentDark = quint32(p <= 0x00FFFFFFu) & quint32(sum < quint32(TransparentDarkSum));
+        const quint32 white = transparentDark | quint32((sum >> 5) >= limit);
+        dst[x] = white ? ClearWhite : Black;
+    }
+}
+
 // Runs work(from, to) over rows 0 .. h - 1 in two bands, the second on a helper thread,
 // when the picture is large enough to pay for one. Each band writes only its own rows;
 // a fresh output buffer also gets its pages from the system twice as fast this way.
@@ -416,7 +429,8 @@ QImage ImgBinaryEdit::GlobalThreshold(const QImage &picture, int threshold, QIma
         return QImage();
     const QImage in = Prepare(picture);
     QImage out;
-    if (reuse.isDetached() && reuse.size() == in.size() && reuse.format() == in.format())
+    const bool reused = reuse.isDetached() && reuse.size() == in.size() && reuse.format() == in.format();
+    if (reused)
         out = std::move(reuse);
     else
         out = QImage(in.size(), in.format());
@@ -424,21 +438,15 @@ QImage ImgBinaryEdit::GlobalThreshold(const QImage &picture, int threshold, QIma
         return QImage();
     const int w = in.width();
     const quint32 limit = quint32(qBound(-1, threshold, 255) + 1);
-    // Branch-free so the compiler can run the loop on vector registers: this runs on
-    // every slider step.
     uchar *const bits = out.bits();  // detached once here, not from two threads
     const qsizetype stride = out.bytesPerLine();
-    inTwoBands(in.height(), qint64(w) * in.height(), [&](int from, int to) {
+    // A buffer already in use is filled by this thread alone: the second band only pays
+    // when the system still has to hand out the pages.
+    inTwoBands(in.height(), reused ? 0 : qint64(w) * in.height(), [&in, bits, stride, w, limit](int from, int to) {
         for (int y = from; y < to; ++y) {
             const quint32 *src = reinterpret_cast<const quint32 *>(in.constScanLine(y));
             quint32 *dst = reinterpret_cast<quint32 *>(bits + y * stride);
-            for (int x = 0; x < w; ++x) {
-                const quint32 p = src[x];
-                const quint32 sum = 11 * ((p >> 16) & 0xFF) + 16 * ((p >> 8) & 0xFF) + 5 * (p & 0xFF);
-                const quint32 transparentDark = quint32(p <= 0x00FFFFFFu) & quint32(sum < quint32(TransparentDarkSum));
-                const quint32 white = transparentDark | quint32((sum >> 5) >= limit);
-                dst[x] = white ? ClearWhite : Black;
-            }
+            thresholdRow(src, dst, w, limit);
         }
     });
     return out;
