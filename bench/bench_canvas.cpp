@@ -1,7 +1,10 @@
 // Times one corner-resize step of a bitmap item holding a 6000 x 4000 JPEG, next to
-// the plain full decode that a reload at every step would otherwise cost.
+// the plain full decode that a reload at every step would otherwise cost; then drag and
+// resize steps of a traced page of text as an SVG item, painted in a view.
+#include "bitmap2svg.h"
 #include "pgraphicsscene.h"
 #include "pixmapitem.h"
+#include "svgitem.h"
 
 #include <QApplication>
 #include <QDir>
@@ -9,6 +12,8 @@
 #include <QFileInfo>
 #include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
+#include <QGraphicsView>
+#include <QSvgRenderer>
 #include <QImage>
 #include <QPainter>
 #include <QRandomGenerator>
@@ -55,6 +60,29 @@ void sendMouse(QGraphicsScene *scene, QEvent::Type type, const QPointF &p, const
 
 struct Figures { double median, mean, max; };
 
+// A 2000 x 2000 page of text traced as the program traces it.
+bool writeTracedPage(const QString &svgPath)
+{
+    QImage page(2000, 2000, QImage::Format_ARGB32);
+    page.fill(Qt::white);
+    {
+        QPainter painter(&page);
+        QFont font;
+        font.setPixelSize(40);
+        font.setStyleStrategy(QFont::NoAntialias);
+        painter.setFont(font);
+        painter.setPen(Qt::black);
+        for (int y = 50; y < 2000; y += 50)
+            painter.drawText(20, y, QStringLiteral("The quick brown fox jumps over the lazy dog 0123456789 ABCDEFG"));
+    }
+    if (!page.save(QStringLiteral("page.png")))
+        return false;
+    Bitmap2Svg tracer;
+    tracer.Trace(QStringLiteral("page.png"));
+    tracer.WriteSvg(svgPath);
+    return tracer.LastTraceOk();
+}
+
 Figures summarise(std::vector<double> ms)
 {
     std::sort(ms.begin(), ms.end());
@@ -62,6 +90,105 @@ Figures summarise(std::vector<double> ms)
     for (double v : ms)
         sum += v;
     return {ms[ms.size() / 2], sum / ms.size(), ms.back()};
+}
+
+void sendMove(QGraphicsScene *scene, const QPointF &p, const QPointF &down)
+{
+    sendMouse(scene, QEvent::GraphicsSceneMouseMove, p, down, Qt::NoButton, Qt::LeftButton);
+}
+
+// Drag and corner-resize steps of the traced page in a 900 x 1000 view showing the work
+// area, each step painted at once; and, for comparison, the drawing stroked at the
+// view's scale as every paint did before its picture was kept.
+int tracedPageSteps(const QString &shots)
+{
+    const QString svg = QStringLiteral("black_white.svg");
+    if (!writeTracedPage(svg)) {
+        std::fprintf(stderr, "cannot trace the page\n");
+        return 1;
+    }
+    PGraphicsScene scene;
+    scene.LoadSvgItem(svg, 1);
+    SvgItem *item = nullptr;
+    for (QGraphicsItem *candidate : scene.items()) {
+        if (candidate->type() == SvgItem::Type)
+            item = static_cast<SvgItem *>(candidate);
+    }
+    if (!item) {
+        std::fprintf(stderr, "the drawing was not placed\n");
+        return 1;
+    }
+    QGraphicsView view(&scene);
+    view.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    view.resize(900, 1000);
+    view.show();
+    view.fitInView(QRectF(0, 0, 170, 200), Qt::KeepAspectRatio);
+    QApplication::processEvents();
+    view.viewport()->repaint();
+
+    QElapsedTimer timer;
+    std::vector<double> plain;
+    for (int i = 0; i < 5; ++i) {
+        QImage target(view.viewport()->size(), QImage::Format_ARGB32_Premultiplied);
+        target.fill(Qt::white);
+        QPainter painter(&target);
+        painter.setRenderHints(view.renderHints());
+        painter.setTransform(item->sceneTransform() * view.viewportTransform());
+        timer.restart();
+        item->renderer()->render(&painter, item->boundingRect());
+        plain.push_back(timer.nsecsElapsed() / 1e6);
+    }
+    const Figures p = summarise(plain);
+    std::printf("traced page (%d bytes of SVG), %.1f x %.1f mm at %.2f px/mm\n",
+                int(QFileInfo(svg).size()), item->rect().width(), item->rect().height(), view.transform().m11());
+    std::printf("  outlines stroked at the view's scale (each paint before): median %.2f ms, max %.2f ms\n", p.median,
+                p.max);
+
+    std::vector<double> drag;
+    for (int i = 0; i < Steps; ++i) {
+        timer.restart();
+        item->moveBy(i % 2 ? -0.7 : 0.7, 0.3);
+        view.viewport()->repaint();
+        drag.push_back(timer.nsecsElapsed() / 1e6);
+    }
+    if (!shots.isEmpty())
+        view.grab().save(QDir(shots).filePath(QStringLiteral("canvas-dragged.png")));
+    const Figures d = summarise(drag);
+    std::printf("  drag step, painted:   median %.2f ms, mean %.2f ms, max %.2f ms (%d steps)\n", d.median, d.mean,
+                d.max, Steps);
+
+    const QRectF at = item->sceneBoundingRect();
+    QPointF corner(at.right() - 3, at.bottom() - 3);
+    QGraphicsSceneHoverEvent hover(QEvent::GraphicsSceneHoverMove);
+    hover.setScenePos(corner);
+    QApplication::sendEvent(&scene, &hover);
+    if (!item->isResizeArmed()) {
+        std::fprintf(stderr, "the corner of the drawing did not arm\n");
+        return 1;
+    }
+    const QPointF down = corner;
+    sendMouse(&scene, QEvent::GraphicsSceneMousePress, corner, down, Qt::LeftButton, Qt::LeftButton);
+    std::vector<double> resize;
+    for (int i = 0; i < Steps; ++i) {
+        corner += (i % 2 == 0) ? QPointF(-1, -1) : QPointF(0.5, 0.5);
+        timer.restart();
+        sendMove(&scene, corner, down);
+        view.viewport()->repaint();
+        resize.push_back(timer.nsecsElapsed() / 1e6);
+    }
+    if (!shots.isEmpty())
+        view.grab().save(QDir(shots).filePath(QStringLiteral("canvas-resizing.png")));
+    timer.restart();
+    sendMouse(&scene, QEvent::GraphicsSceneMouseRelease, corner, down, Qt::LeftButton, Qt::NoButton);
+    view.viewport()->repaint();
+    const double settle = timer.nsecsElapsed() / 1e6;
+    if (!shots.isEmpty())
+        view.grab().save(QDir(shots).filePath(QStringLiteral("canvas-released.png")));
+    const Figures r = summarise(resize);
+    std::printf("  resize step, painted: median %.2f ms, mean %.2f ms, max %.2f ms (%d steps)\n", r.median, r.mean,
+                r.max, Steps);
+    std::printf("  release, sharp outlines at the new size: %.2f ms\n", settle);
+    return 0;
 }
 
 } // namespace
@@ -153,5 +280,7 @@ int main(int argc, char *argv[])
     std::printf("item placed at %.2f x %.2f mm, now %.2f x %.2f mm, picture %d x %d px\n",
                 placed.width(), placed.height(), item->rect().width(), item->rect().height(),
                 item->pixmap().width(), item->pixmap().height());
-    return 0;
+    // A folder as first argument keeps pictures of the view after the drag, during the
+    // corner drag and after its release.
+    return tracedPageSteps(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString());
 }

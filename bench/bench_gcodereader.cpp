@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QRegExp>
 #include <QTemporaryDir>
 #include <QTextStream>
 
@@ -45,6 +46,35 @@ bool writeJob(const QString &path)
     return true;
 }
 
+// The scan as a text stream and the move patterns do it, line by line: the figure the
+// reader's own scan is measured against, on the same machine in the same run.
+QRectF streamScan(const QString &path, qint32 *commands)
+{
+    QFile f(path);
+    f.open(QIODevice::ReadOnly | QIODevice::Text);
+    QTextStream in(&f);
+    QRegExp g1(QStringLiteral("G1 [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)"));
+    QRegExp g0(QStringLiteral("G0 [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)"));
+    float minX = 99999, minY = 99999, maxX = -99999, maxY = -99999;
+    *commands = 0;
+    while (!in.atEnd()) {
+        const QString line = in.readLine();
+        if (line.startsWith(QLatin1Char('G')))
+            ++*commands;
+        QRegExp *move = nullptr;
+        if (line.contains(QLatin1String("G1 ")) && g1.indexIn(line) != -1)
+            move = &g1;
+        else if (line.contains(QLatin1String("G0 ")) && g0.indexIn(line) != -1)
+            move = &g0;
+        if (move) {
+            const float x = move->cap(1).toFloat(), y = move->cap(2).toFloat();
+            minX = std::min(minX, x), maxX = std::max(maxX, x);
+            minY = std::min(minY, y), maxY = std::max(maxY, y);
+        }
+    }
+    return QRectF(minX, minY, maxX - minX, maxY - minY);
+}
+
 double median(std::vector<double> v)
 {
     std::sort(v.begin(), v.end());
@@ -65,7 +95,9 @@ int main(int argc, char *argv[])
     // The reader's debug lines would measure the terminal, not the reader.
     qInstallMessageHandler(quiet);
 
-    std::vector<double> scan, scanReceived, walk;
+    std::vector<double> scan, scanReceived, walk, plainScan;
+    qint32 plainCommands = 0;
+    QRectF plainBounds;
     qint32 commands = 0;
     QRectF bounds;
     qint64 received = 0;
@@ -86,6 +118,9 @@ int main(int argc, char *argv[])
                 ++handedOut;
             walk.push_back(clock.nsecsElapsed() / 1e6);
         }
+        clock.start();
+        plainBounds = streamScan(path, &plainCommands);
+        plainScan.push_back(clock.nsecsElapsed() / 1e6);
         {
             GSendModel model;
             received = 0;
@@ -102,6 +137,8 @@ int main(int argc, char *argv[])
                 static_cast<long long>(bytes), kRuns);
     std::printf("  scan (OpenFile)                 : %8.1f ms  %8.1f ms\n", median(scan),
                 *std::min_element(scan.begin(), scan.end()));
+    std::printf("  line-by-line stream and patterns: %8.1f ms  %8.1f ms  (the scan before)\n", median(plainScan),
+                *std::min_element(plainScan.begin(), plainScan.end()));
     std::printf("  scan with a receiver per line   : %8.1f ms  %8.1f ms\n", median(scanReceived),
                 *std::min_element(scanReceived.begin(), scanReceived.end()));
     std::printf("  command walk (NextCommand)      : %8.1f ms  %8.1f ms\n", median(walk),
@@ -110,5 +147,7 @@ int main(int argc, char *argv[])
                 "characters received %lld\n",
                 commands, bounds.x(), bounds.y(), bounds.width(), bounds.height(),
                 static_cast<long long>(handedOut), static_cast<long long>(received));
+    std::printf("  line-by-line: commands %d, extent (%g, %g, %g x %g)\n", plainCommands, plainBounds.x(),
+                plainBounds.y(), plainBounds.width(), plainBounds.height());
     return 0;
 }

@@ -62,6 +62,55 @@ QImage pageOfText()
     return image;
 }
 
+// The two operations as they ran before, for figures from the same run on the same
+// machine: one thread, a full 64-bit integral image for the adaptive threshold.
+QImage plainGlobalThreshold(const QImage &in, int threshold)
+{
+    QImage out(in.size(), in.format());
+    const quint32 limit = quint32(qBound(-1, threshold, 255) + 1);
+    const int w = in.width();
+    for (int y = 0; y < in.height(); ++y) {
+        const quint32 *src = reinterpret_cast<const quint32 *>(in.constScanLine(y));
+        quint32 *dst = reinterpret_cast<quint32 *>(out.scanLine(y));
+        for (int x = 0; x < w; ++x) {
+            const quint32 p = src[x];
+            const quint32 sum = 11 * ((p >> 16) & 0xFF) + 16 * ((p >> 8) & 0xFF) + 5 * (p & 0xFF);
+            const quint32 white = (quint32(p <= 0x00FFFFFFu) & quint32(sum < 32u)) | quint32((sum >> 5) >= limit);
+            dst[x] = white ? 0x00FFFFFFu : 0xFF000000u;
+        }
+    }
+    return out;
+}
+
+QImage plainAdaptiveThreshold(const QImage &in)
+{
+    const int w = in.width(), h = in.height(), half = int(w * 0.125) / 2;
+    std::vector<qint64> integral(size_t(w) * size_t(h));
+    std::vector<qint64> column(size_t(w), 0);
+    for (int y = 0; y < h; ++y) {
+        const QRgb *row = reinterpret_cast<const QRgb *>(in.constScanLine(y));
+        qint64 *line = integral.data() + size_t(y) * size_t(w);
+        for (int x = 0; x < w; ++x) {
+            column[size_t(x)] += ImgBinaryEdit::Gray(row[x]);
+            line[x] = (x > 0 ? line[x - 1] : 0) + column[size_t(x)];
+        }
+    }
+    auto at = [&](int x, int y) { return integral[size_t(y) * size_t(w) + size_t(x)]; };
+    QImage out(w, h, QImage::Format_ARGB32);
+    for (int y = 0; y < h; ++y) {
+        const QRgb *row = reinterpret_cast<const QRgb *>(in.constScanLine(y));
+        quint32 *dst = reinterpret_cast<quint32 *>(out.scanLine(y));
+        const int y1 = std::max(y - half, 0), y2 = std::min(y + half, h - 1);
+        for (int x = 0; x < w; ++x) {
+            const int x1 = std::max(x - half, 0), x2 = std::min(x + half, w - 1);
+            const qint64 count = qint64(x2 - x1) * (y2 - y1);
+            const qint64 sum = at(x2, y2) - at(x2, y1) - at(x1, y2) + at(x1, y1);
+            dst[x] = ImgBinaryEdit::Gray(row[x]) * count < qint64(double(sum) * 0.85) ? 0xFF000000u : 0xFFFFFFFFu;
+        }
+    }
+    return out;
+}
+
 double medianMs(const std::function<void()> &work)
 {
     std::vector<double> times;
@@ -92,6 +141,7 @@ int main(int argc, char *argv[])
 
     int t = 100;
     out << "global threshold, new image: " << medianMs([&] { ImgBinaryEdit::GlobalThreshold(photo, t++); }) << " ms\n";
+    out << "  the same in one thread:    " << medianMs([&] { plainGlobalThreshold(photo, t++); }) << " ms (before)\n";
     // As the editor runs it on a dragged slider: into the buffer of the previous result.
     QImage previous;
     out << "global threshold:            " << medianMs([&] {
@@ -117,6 +167,9 @@ int main(int argc, char *argv[])
     out << "inverted threshold:          " << medianMs([&] { ImgBinaryEdit::InvertedThreshold(photo, 128); }) << " ms\n";
     out << "outline:                     " << medianMs([&] { ImgBinaryEdit::Outline(inverted); }) << " ms\n";
     out << "adaptive threshold:          " << medianMs([&] { ImgBinaryEdit::AdaptiveThreshold(photo); }) << " ms\n";
+    out << "  by a full integral image:  " << medianMs([&] { plainAdaptiveThreshold(photo); }) << " ms (before)"
+        << (plainAdaptiveThreshold(photo) == ImgBinaryEdit::AdaptiveThreshold(photo) ? ", same pixels" : ", PIXELS DIFFER")
+        << "\n";
 
     const QImage text = pageOfText();
     out << "text picture " << TextSide << " x " << TextSide << "\n";

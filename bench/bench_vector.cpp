@@ -104,6 +104,11 @@ int main(int argc, char *argv[])
         close(saved);
         estimate = gen.TakeEstimatedTime();
     }
+    // A second argument keeps the G-code, to compare one build's bytes with another's.
+    if (argc > 2) {
+        QFile::remove(QString::fromLocal8Bit(argv[2]));
+        QFile::copy(QStringLiteral("local.gcode"), QString::fromLocal8Bit(argv[2]));
+    }
     std::sort(seconds.begin(), seconds.end());
     std::sort(cpuSeconds.begin(), cpuSeconds.end());
 

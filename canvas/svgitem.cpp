@@ -159,6 +159,7 @@ void SvgItem::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
     prepareGeometryChange();
     m_rect = QRectF(0, 0, n.width(), n.height());
     prepareGeometryChange();
+    m_resizing = true;
 
     emit SigPosTag(n);
     // Shift back by half the growth so the drawing stays centred where it was.
@@ -169,6 +170,11 @@ void SvgItem::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
 {
     if (m_resizeArmed)
         m_resizeArmed = false;
+    if (m_resizing) {
+        // The stretched picture of the drag gives way to sharp outlines at the new size.
+        m_resizing = false;
+        update();
+    }
     emit SigPosTag(m_rect);
     QGraphicsSvgItem::mouseReleaseEvent(event);
 }
@@ -181,12 +187,8 @@ void SvgItem::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
 void SvgItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
 {
     QSvgRenderer *drawing = renderer();
-    if (drawing && drawing->isValid()) {
-        if (elementId().isEmpty())
-            drawing->render(painter, frameRect());
-        else
-            drawing->render(painter, elementId(), frameRect());
-    }
+    if (drawing && drawing->isValid())
+        m_renderCache.paint(painter, drawing, elementId(), frameRect(), m_resizing);
 
     const QPointF pos = scenePos();
     const QRectF bounds = mapRectToScene(frameRect());

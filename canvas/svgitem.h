@@ -8,6 +8,8 @@
 #include <QRectF>
 #include <QSizeF>
 
+#include "svgrendercache.h"
+
 class SvgItem : public QGraphicsSvgItem
 {
     Q_OBJECT
@@ -87,6 +89,8 @@ private:
     int m_areaHeight = 200;
     int m_areaWidth = 170;
     bool m_inArea = false;
+    bool m_resizing = false;  // a corner drag is under way
+    SvgRenderCache m_renderCache;
 };
 
 #endif

@@ -98,10 +98,11 @@ public:
         const float d = std::sqrt(dx * dx + dy * dy);
         const float v = float(speed) / SecondsPerMinute;
         const float p = std::sqrt(Acceleration * d);
-        if (v > p)
-            *m_total += 2.0f * p / Acceleration;
-        else
-            *m_total += v * 3.0f * 0.5f / Acceleration + d / v;
+        // Both times worked out and one picked: which applies changes from move to move
+        // in a dithered picture, too often for a branch.
+        const float accelerating = 2.0f * p / Acceleration;
+        const float cruising = v * 3.0f * 0.5f / Acceleration + d / v;
+        *m_total += v > p ? accelerating : cruising;
         m_x = x;
         m_y = y;
     }

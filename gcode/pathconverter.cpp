@@ -13,7 +13,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <condition_variable>
 #include <locale.h>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 #if defined(__GNUC__) && defined(__x86_64__)
 #include <immintrin.h>
@@ -141,12 +145,8 @@ void seedRandom()
 // jumping ahead (x * 16807^k mod m is exactly the k-th next number) and kept without
 // a branch. The numbers and their order are exactly those of randNext(). Values are
 // reduced to [0, m + 1]: only 0 and 1 have two forms there, and neither is ever kept.
-const int IndexChunk = 1024;
 const int JumpWidth = 16;
 uint32_t g_jump[JumpWidth + 1];  // 16807^k mod m for k = 0..16
-int g_index[IndexChunk + JumpWidth];
-int g_indexCount = 0;
-int g_indexPos = 0;
 uint32_t g_indexSpan = 0;
 bool g_portableDraws = false;
 
@@ -162,26 +162,25 @@ void startIndexDraws(int span)
     for (int k = 1; k <= JumpWidth; ++k)
         g_jump[k] = mulMod(g_jump[k - 1], RandMultiplier);
     g_indexSpan = uint32_t(span);
-    g_indexCount = 0;
-    g_indexPos = 0;
 }
 
-int refillPortable(uint32_t *state)
+// Keeps the draws among the `groups` * 16 raw numbers that follow `state`; returns
+// how many were written to `out`, which holds one per raw number and 16 spare.
+int drawPortable(uint32_t state, int groups, int *out)
 {
-    uint64_t x = *state;
+    uint64_t x = state;
     int n = 0;
-    while (n < IndexChunk) {
+    for (int g = 0; g < groups; ++g) {
         uint64_t v[JumpWidth];
         for (int k = 0; k < JumpWidth; ++k)
             v[k] = foldMod(x * g_jump[k + 1]);
         x = v[JumpWidth - 1];
         for (int k = 0; k < JumpWidth; ++k) {
             const uint64_t off = v[k] - DrawLow;  // wraps far past DrawRange when r < DrawLow
-            g_index[n] = int((off * g_indexSpan) >> DrawShift);
+            out[n] = int((off * g_indexSpan) >> DrawShift);
             n += off <= DrawRange;
         }
     }
-    *state = uint32_t(x);
     return n;
 }
 
@@ -194,7 +193,7 @@ __attribute__((target("avx2"))) inline __m256i foldModAvx2(__m256i p, __m256i mo
 }
 
 // Same numbers, four 64-bit lanes per register, four registers advancing 16 places each.
-__attribute__((target("avx2"))) int refillAvx2(uint32_t *state)
+__attribute__((target("avx2"))) int drawAvx2(uint32_t state, int groups, int *out)
 {
     // Positions of the low 32 bits of the kept lanes, kept lanes first, for each 4-bit mask.
     alignas(32) static const int32_t pack[16][8] = {
@@ -208,46 +207,151 @@ __attribute__((target("avx2"))) int refillAvx2(uint32_t *state)
     const __m256i minusOne = _mm256_set1_epi64x(-1);
     const __m256i limit = _mm256_set1_epi64x(int64_t(DrawRange) + 1);
     const __m256i span = _mm256_set1_epi64x(g_indexSpan);
-    const uint64_t x = *state;
+    const uint64_t x = state;
     __m256i v[4];
     for (int g = 0; g < 4; ++g)
         v[g] = _mm256_setr_epi64x(int64_t(foldMod(x * g_jump[4 * g + 1])), int64_t(foldMod(x * g_jump[4 * g + 2])),
                                   int64_t(foldMod(x * g_jump[4 * g + 3])), int64_t(foldMod(x * g_jump[4 * g + 4])));
     int n = 0;
-    for (;;) {
+    for (int left = groups;;) {
         for (int g = 0; g < 4; ++g) {
             const __m256i off = _mm256_sub_epi64(v[g], low);
             const __m256i keep = _mm256_and_si256(_mm256_cmpgt_epi64(off, minusOne), _mm256_cmpgt_epi64(limit, off));
             const __m256i idx = _mm256_srli_epi64(_mm256_mul_epu32(off, span), DrawShift);
             const int mask = _mm256_movemask_pd(_mm256_castsi256_pd(keep));
             const __m256i packed = _mm256_permutevar8x32_epi32(idx, _mm256_load_si256(reinterpret_cast<const __m256i *>(pack[mask])));
-            _mm_storeu_si128(reinterpret_cast<__m128i *>(g_index + n), _mm256_castsi256_si128(packed));
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(out + n), _mm256_castsi256_si128(packed));
             n += __builtin_popcount(unsigned(mask));
         }
-        if (n >= IndexChunk)
+        if (--left == 0)
             break;
         for (int g = 0; g < 4; ++g)
             v[g] = foldModAvx2(_mm256_mul_epu32(v[g], step), modulus);
     }
-    *state = uint32_t(_mm256_extract_epi64(v[3], 3));
     return n;
 }
 #endif
 
-void refillIndexDraws()
+int drawIndices(uint32_t state, int groups, int *out)
 {
-    uint32_t x = uint32_t(g_rand);
-    int n;
 #ifdef PATHCONV_HAVE_AVX2
     if (!g_portableDraws && __builtin_cpu_supports("avx2"))
-        n = refillAvx2(&x);
-    else
+        return drawAvx2(state, groups, out);
 #endif
-        n = refillPortable(&x);
-    g_rand = int32_t(x >= RandModulus ? x - RandModulus : x);
-    g_indexCount = n;
-    g_indexPos = 0;
+    return drawPortable(state, groups, out);
 }
+
+// The draws in order, made ahead on helper threads. Block b holds the draws kept
+// among raw numbers b * R + 1 .. (b + 1) * R after the seed, so each helper jumps
+// straight to its own blocks and the blocks join up in order whatever finishes first.
+class DrawFeed
+{
+public:
+    DrawFeed(uint32_t seed, int helpers)
+        : m_blocks(size_t(helpers) * SlotsPerHelper)
+    {
+        const uint32_t blockJump = powMod(RandMultiplier, uint64_t(GroupsPerBlock) * JumpWidth);
+        const uint32_t helperJump = powMod(blockJump, uint64_t(helpers));
+        uint32_t start = seed;
+        for (int h = 0; h < helpers; ++h) {
+            m_helpers.emplace_back(&DrawFeed::produce, this, h, helpers, start, helperJump);
+            start = mulMod(start, blockJump);
+        }
+    }
+    ~DrawFeed()
+    {
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_stop = true;
+        }
+        m_changed.notify_all();
+        for (std::thread &t : m_helpers)
+            t.join();
+    }
+
+    // Copies the next `count` draws to `out`.
+    void take(int *out, int count)
+    {
+        while (count > 0) {
+            if (m_pos == m_count)
+                nextBlock();
+            const int n = std::min(count, m_count - m_pos);
+            memcpy(out, m_current->draws.data() + m_pos, size_t(n) * sizeof(int));
+            out += n;
+            m_pos += n;
+            count -= n;
+        }
+    }
+
+private:
+    static const int GroupsPerBlock = 1 << 14;
+    static const int SlotsPerHelper = 3;
+
+    struct Block
+    {
+        std::vector<int> draws = std::vector<int>(size_t(GroupsPerBlock + 1) * JumpWidth);
+        int count = 0;
+        long long number = -1;  // which block it holds; -1 while free
+    };
+
+    static uint32_t powMod(uint32_t base, uint64_t exponent)
+    {
+        uint32_t result = 1;
+        while (exponent) {
+            if (exponent & 1)
+                result = mulMod(result, base);
+            base = mulMod(base, base);
+            exponent >>= 1;
+        }
+        return result;
+    }
+
+    void produce(int helper, int helpers, uint32_t state, uint32_t jump)
+    {
+        for (long long number = helper;; number += helpers) {
+            Block &slot = m_blocks[size_t(number % (long long)m_blocks.size())];
+            {
+                std::unique_lock<std::mutex> lock(m_mutex);
+                m_changed.wait(lock, [&] { return m_stop || slot.number < 0; });
+                if (m_stop)
+                    return;
+            }
+            const int count = drawIndices(state, GroupsPerBlock, slot.draws.data());
+            state = mulMod(state, jump);
+            {
+                std::lock_guard<std::mutex> lock(m_mutex);
+                slot.count = count;
+                slot.number = number;
+            }
+            m_changed.notify_all();
+        }
+    }
+
+    void nextBlock()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        if (m_current) {
+            m_current->number = -1;
+            m_changed.notify_all();
+        }
+        Block &slot = m_blocks[size_t(m_next % (long long)m_blocks.size())];
+        m_changed.wait(lock, [&] { return slot.number == m_next; });
+        ++m_next;
+        m_current = &slot;
+        m_count = slot.count;
+        m_pos = 0;
+    }
+
+    std::vector<Block> m_blocks;
+    std::vector<std::thread> m_helpers;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_stop = false;
+    Block *m_current = nullptr;
+    long long m_next = 0;
+    int m_count = 0;
+    int m_pos = 0;
+};
 
 struct StartPoint { float x, y; };
 
@@ -277,39 +381,159 @@ inline bool longerThanSwapped(const StartPoint *a, const StartPoint *b)
 #endif
 }
 
+// The smaller and larger draw of an attempt by arithmetic: a branch here would be a coin toss.
+inline void attemptEnds(const int *draw, int *a, int *b)
+{
+    const int d = draw[0] - draw[1];
+    const int lower = d & (d >> 31);
+    *a = draw[1] + lower;
+    *b = draw[0] - lower;
+}
+
+// Bit t set when attempt t of `count` (draw pairs from `draws`) would swap. Both reads
+// stay inside the order: a draw is at most n - 2.
+uint64_t judgePlain(const int *draws, int from, int count, const StartPoint *at)
+{
+    uint64_t hits = 0;
+    for (int t = from; t < count; ++t) {
+        int a, b;
+        attemptEnds(draws + 2 * t, &a, &b);
+        const bool hit = (b - a >= 2) & longerThanSwapped(at + a, at + b);
+        hits |= uint64_t(hit) << t;
+    }
+    return hits;
+}
+
+#ifdef PATHCONV_HAVE_AVX2
+// Rows of four points (x0 y0 x1 y1) for eight attempts, two per register, into columns.
+__attribute__((target("avx2"))) inline void columns(const __m256 *r, __m256 *x0, __m256 *y0, __m256 *x1, __m256 *y1)
+{
+    const __m256 t0 = _mm256_unpacklo_ps(r[0], r[1]);
+    const __m256 t1 = _mm256_unpacklo_ps(r[2], r[3]);
+    const __m256 t2 = _mm256_unpackhi_ps(r[0], r[1]);
+    const __m256 t3 = _mm256_unpackhi_ps(r[2], r[3]);
+    *x0 = _mm256_shuffle_ps(t0, t1, _MM_SHUFFLE(1, 0, 1, 0));
+    *y0 = _mm256_shuffle_ps(t0, t1, _MM_SHUFFLE(3, 2, 3, 2));
+    *x1 = _mm256_shuffle_ps(t2, t3, _MM_SHUFFLE(1, 0, 1, 0));
+    *y1 = _mm256_shuffle_ps(t2, t3, _MM_SHUFFLE(3, 2, 3, 2));
+}
+
+__attribute__((target("avx2"))) inline __m256 dist2Avx2(__m256 px, __m256 py, __m256 qx, __m256 qy)
+{
+    const __m256 dx = _mm256_sub_ps(px, qx), dy = _mm256_sub_ps(py, qy);
+    return _mm256_add_ps(_mm256_mul_ps(dx, dx), _mm256_mul_ps(dy, dy));
+}
+
+// Eight attempts at a time: the four points of each loaded as two pairs, turned into
+// rows of x and y, each squared length still dx*dx + dy*dy (no fused multiply-add) and
+// the sums paired as in longerThanSwapped, so every answer is the same bit.
+__attribute__((target("avx2"))) uint64_t judgeAvx2(const int *draws, int from, int count, const StartPoint *at)
+{
+    uint64_t hits = 0;
+    int t = from;
+    for (; t + 8 <= count; t += 8) {
+        __m256 rowA[4], rowB[4];
+        unsigned valid = 0;
+        for (int k = 0; k < 4; ++k) {
+            int a0, b0, a1, b1;
+            attemptEnds(draws + 2 * (t + k), &a0, &b0);
+            attemptEnds(draws + 2 * (t + k + 4), &a1, &b1);
+            valid |= unsigned(b0 - a0 >= 2) << k;
+            valid |= unsigned(b1 - a1 >= 2) << (k + 4);
+            rowA[k] = _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(&at[a0].x)), _mm_loadu_ps(&at[a1].x), 1);
+            rowB[k] = _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(&at[b0].x)), _mm_loadu_ps(&at[b1].x), 1);
+        }
+        __m256 ax, ay, a1x, a1y, bx, by, b1x, b1y;
+        columns(rowA, &ax, &ay, &a1x, &a1y);
+        columns(rowB, &bx, &by, &b1x, &b1y);
+        const __m256 now = _mm256_add_ps(dist2Avx2(ax, ay, a1x, a1y), dist2Avx2(bx, by, b1x, b1y));
+        const __m256 swapped = _mm256_add_ps(dist2Avx2(ax, ay, bx, by), dist2Avx2(a1x, a1y, b1x, b1y));
+        const unsigned longer = unsigned(_mm256_movemask_ps(_mm256_cmp_ps(now, swapped, _CMP_GT_OQ)));
+        hits |= uint64_t(longer & valid) << t;
+    }
+    return hits | judgePlain(draws, t, count, at);
+}
+#endif
+
+// Reverses order[from..to] and at[from..to] together. The first pass of a large drawing
+// makes long reversals by the hundred thousand, so they run eight and four at a time.
+void reverseSpan(int *order, StartPoint *at, int from, int to);
+
+#ifdef PATHCONV_HAVE_AVX2
+__attribute__((target("avx2"))) void reverseSpanAvx2(int *order, StartPoint *at, int from, int to)
+{
+    int i = from, j = to;
+    const __m256i backwards = _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0);
+    for (; j - i + 1 >= 16; i += 8, j -= 8) {
+        const __m256i low = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(order + i));
+        const __m256i high = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(order + j - 7));
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(order + i), _mm256_permutevar8x32_epi32(high, backwards));
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(order + j - 7), _mm256_permutevar8x32_epi32(low, backwards));
+        for (int half = 0; half < 2; ++half) {
+            const int a = i + 4 * half, b = j - 3 - 4 * half;
+            const __m256i p = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(at + a));
+            const __m256i q = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(at + b));
+            _mm256_storeu_si256(reinterpret_cast<__m256i *>(at + a), _mm256_permute4x64_epi64(q, _MM_SHUFFLE(0, 1, 2, 3)));
+            _mm256_storeu_si256(reinterpret_cast<__m256i *>(at + b), _mm256_permute4x64_epi64(p, _MM_SHUFFLE(0, 1, 2, 3)));
+        }
+    }
+    std::reverse(order + i, order + j + 1);
+    std::reverse(at + i, at + j + 1);
+}
+#endif
+
+void reverseSpan(int *order, StartPoint *at, int from, int to)
+{
+#ifdef PATHCONV_HAVE_AVX2
+    if (!g_portableDraws && __builtin_cpu_supports("avx2")) {
+        reverseSpanAvx2(order, at, from, to);
+        return;
+    }
+#endif
+    std::reverse(order + from, order + to + 1);
+    std::reverse(at + from, at + to + 1);
+}
+
 // One 2-opt pass over the path order; `at` holds the start point of the path at each position.
-void twoOptPass(int n, int *order, StartPoint *at)
+// Swaps are rare after the first pass, so the attempts are judged a block at a time
+// without branches against the order as it stands; after a swap the block goes on from
+// the attempt after it, exactly as one attempt after the other would.
+void twoOptPass(int n, int *order, StartPoint *at, DrawFeed &feed)
 {
     // With three paths or fewer no two draws can differ by 2: nothing would change.
     if (n < 4)
         return;
-    // The read position lives in locals: kept in memory it would chain every draw
-    // to the last through a store and a load.
-    int pos = g_indexPos;
-    int count = g_indexCount;
-    auto nextIndex = [&pos, &count]() {
-        if (pos >= count) {
-            refillIndexDraws();
-            pos = 0;
-            count = g_indexCount;
-        }
-        return g_index[pos++];
-    };
+    uint64_t (*judge)(const int *, int, int, const StartPoint *) = judgePlain;
+#ifdef PATHCONV_HAVE_AVX2
+    if (!g_portableDraws && __builtin_cpu_supports("avx2"))
+        judge = judgeAvx2;
+#endif
+    const int Block = 64;
+    int draws[2 * Block];
     const long long attempts = (long long)n * OrderAttemptsPerPath;
-    for (long long k = 0; k < attempts; ++k) {
-        const int i = nextIndex();
-        const int j = nextIndex();
-        if (std::abs(i - j) < 2)
-            continue;
-        const int a = std::min(i, j);
-        const int b = std::max(i, j);
-        if (longerThanSwapped(at + a, at + b) && a + 1 < b) {
-            std::reverse(order + a + 1, order + b + 1);
-            std::reverse(at + a + 1, at + b + 1);
+    for (long long k = 0; k < attempts; k += Block) {
+        const int m = int(std::min<long long>(Block, attempts - k));
+        feed.take(draws, 2 * m);
+        int from = 0;
+        for (;;) {
+            const uint64_t hits = judge(draws, from, m, at);
+            if (!hits)
+                break;
+            const int t = __builtin_ctzll(hits);
+            int a, b;
+            attemptEnds(draws + 2 * t, &a, &b);
+            reverseSpan(order, at, a + 1, b);
+            from = t + 1;
         }
     }
-    g_indexPos = pos;
-    g_indexCount = count;
+}
+
+// Helpers that make draws while this thread judges the attempts: one core for each,
+// the one left over for this thread.
+int feedHelpers()
+{
+    const int cores = int(std::thread::hardware_concurrency());
+    return std::min(3, std::max(1, cores - 1));
 }
 
 void addBezPoint(float x, float y)
@@ -574,10 +798,16 @@ int pathconv_convert(const char *input, const char *output, int bezier)
     printf("total paths %d, total points %d\n", pathIndex, nsegs);
 
     printf("reorder ");
-    startIndexDraws(g_npaths - 2);
-    for (int pass = 0; pass < OrderPasses; ++pass) {
-        twoOptPass(g_npaths, order, orderAt);
-        printf("%d... ", pass);
+    if (g_npaths >= 4) {
+        startIndexDraws(g_npaths - 2);
+        DrawFeed feed(uint32_t(g_rand), feedHelpers());
+        for (int pass = 0; pass < OrderPasses; ++pass) {
+            twoOptPass(g_npaths, order, orderAt, feed);
+            printf("%d... ", pass);
+        }
+    } else {
+        for (int pass = 0; pass < OrderPasses; ++pass)
+            printf("%d... ", pass);
     }
     printf("\n");
     fwrite(g_header, 1, strnlen(g_header, HeaderSize), fp);

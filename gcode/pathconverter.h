@@ -25,8 +25,8 @@ void pathconv_set_offset(float x, float y);     // placement of the drawing's co
 // repeatable. pathconv_use_clock_seed() goes back to the clock.
 void pathconv_use_fixed_seed(long long seconds);
 void pathconv_use_clock_seed();
-// The path order's random draws are made with the CPU's vector unit where it has one;
-// this makes them with plain integer code instead (same numbers, slower).
+// The path order's random draws and swap tests use the CPU's vector unit where it has
+// one; this makes them with plain code instead (same numbers and order, slower).
 void pathconv_use_portable_draws(int on);
 
 // Converts `input` (SVG) to `output` (G-code), the paths as given in the local

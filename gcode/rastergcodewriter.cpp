@@ -34,7 +34,11 @@ RasterGcodeWriter::RasterGcodeWriter(QIODevice *device, bool plain)
     : m_device(device), m_plain(plain), m_powers(GrayLevels, 0.0f)
 {
     m_buffer.resize(BufferBytes);
+    if (!m_plain)
+        m_background.reset(new BackgroundWriter(device));
 }
+
+RasterGcodeWriter::~RasterGcodeWriter() = default;
 
 void RasterGcodeWriter::setSpeeds(int feed, int travel)
 {
@@ -160,9 +164,20 @@ qint64 RasterGcodeWriter::zThousandths(float counter)
     // counter = m * 2^(e - 24) with a 24-bit m, and 0.0625 = 2^-4.
     if (!(counter > 0))
         return 0;
+    // The mantissa and exponent straight from the bits (what frexp gives, without the
+    // library call that every group would pay); only numbers below the normal range differ.
+    quint32 bits;
+    std::memcpy(&bits, &counter, sizeof bits);
+    const int biased = int((bits >> 23) & 0xFF);
     int e = 0;
-    const float fraction = std::frexp(counter, &e);
-    const quint64 m = quint64(std::ldexp(fraction, 24));
+    quint64 m = 0;
+    if (biased != 0 && biased != 0xFF) {
+        e = biased - 126;
+        m = (bits & 0x7FFFFFu) | 0x800000u;
+    } else {
+        const float fraction = std::frexp(counter, &e);
+        m = quint64(std::ldexp(fraction, 24));
+    }
     const quint64 v = m * 1000;
     const int shift = 28 - e;
     if (shift <= 0)
@@ -176,10 +191,21 @@ QByteArray RasterGcodeWriter::quickZText(float counter)
 {
     if (!(counter < QuickZLimit))
         return zText(counter).toLatin1();
+    // "%lld.%03lld" of the thousandths, written by hand.
     const qint64 n = zThousandths(counter);
     char text[TokenBytes];
-    const int length = std::snprintf(text, sizeof text, "%lld.%03lld", n / 1000, n % 1000);
-    return QByteArray(text, length);
+    char *end = text + sizeof text;
+    char *p = end;
+    qint64 rest = n % 1000;
+    for (int i = 0; i < 3; ++i, rest /= 10)
+        *--p = char('0' + rest % 10);
+    *--p = '.';
+    qint64 whole = n / 1000;
+    do {
+        *--p = char('0' + whole % 10);
+        whole /= 10;
+    } while (whole > 0);
+    return QByteArray(p, int(end - p));
 }
 
 RasterGcodeWriter::Token RasterGcodeWriter::makeToken(const QString &text)
@@ -257,30 +283,18 @@ void RasterGcodeWriter::writeFast(const Compiled &group, int column, int gray)
     const Token &power = m_powerTokens[size_t(gray)];
     const char *literals = m_literals.data();
     // Every copy moves whole blocks; the buffer has room for them and only `length` counts.
+    // Each part is a source and a length picked without a jump: the kinds of a group come
+    // in no order a jump table could guess.
+    const Token *tokens[] = {nullptr, &x, &m_rowToken, &m_zToken, &power};
     for (const Op &op : group.ops) {
-        switch (op.kind) {
-        case OpLiteral:
-            for (int i = 0; i < op.length; i += TokenBytes)
-                std::memcpy(out + i, literals + op.offset + i, TokenBytes);
-            out += op.length;
-            break;
-        case OpX:
-            std::memcpy(out, x.text, TokenBytes);
-            out += x.length;
-            break;
-        case OpY:
-            std::memcpy(out, m_rowToken.text, TokenBytes);
-            out += m_rowToken.length;
-            break;
-        case OpZ:
-            std::memcpy(out, m_zToken.text, TokenBytes);
-            out += m_zToken.length;
-            break;
-        case OpPower:
-            std::memcpy(out, power.text, TokenBytes);
-            out += power.length;
-            break;
-        }
+        const bool literal = op.kind == OpLiteral;
+        const Token *token = tokens[op.kind];
+        const char *from = literal ? literals + op.offset : token->text;
+        const int length = literal ? op.length : token->length;
+        std::memcpy(out, from, TokenBytes);
+        for (int i = TokenBytes; i < length; i += TokenBytes)
+            std::memcpy(out + i, from + i, TokenBytes);
+        out += length;
     }
     m_used = out - m_buffer.data();
 }
@@ -289,7 +303,7 @@ void RasterGcodeWriter::reserve(qint64 bytes)
 {
     if (m_used + bytes <= qint64(m_buffer.size()))
         return;
-    flush();
+    handOver();
     if (bytes > qint64(m_buffer.size()))
         m_buffer.resize(size_t(bytes));
 }
@@ -302,10 +316,26 @@ void RasterGcodeWriter::writeText(const QString &text)
     m_used += bytes.size();
 }
 
+// A full buffer goes to the helper thread on the fast path, and straight to the device on
+// the plain one; either way the device gets the same bytes in the same order.
+void RasterGcodeWriter::handOver()
+{
+    if (m_used > 0) {
+        if (m_background) {
+            m_background->write(m_buffer, m_used);
+            if (m_buffer.size() < size_t(BufferBytes))
+                m_buffer.resize(size_t(BufferBytes));
+        } else if (m_device->write(m_buffer.data(), m_used) != m_used) {
+            m_failed = true;
+        }
+    }
+    m_used = 0;
+}
+
 bool RasterGcodeWriter::flush()
 {
-    if (m_used > 0 && m_device->write(m_buffer.data(), m_used) != m_used)
+    handOver();
+    if (m_background && !m_background->finish())
         m_failed = true;
-    m_used = 0;
     return !m_failed;
 }

@@ -7,7 +7,10 @@
 #include <QString>
 #include <QVector>
 
+#include <memory>
 #include <vector>
+
+#include "backgroundwriter.h"
 
 class QIODevice;
 
@@ -29,6 +32,7 @@ public:
     // `plain` formats every line through QString::arg; otherwise the cached texts are spliced
     // into the pre-split templates. Both write the same bytes.
     RasterGcodeWriter(QIODevice *device, bool plain);
+    ~RasterGcodeWriter();
 
     // Speeds and columns must be set before the groups that use them are added.
     void setSpeeds(int feed, int travel);
@@ -79,6 +83,7 @@ private:
     void writePlain(const Compiled &group, int column, int gray);
     void writeFast(const Compiled &group, int column, int gray);
     void reserve(qint64 bytes);
+    void handOver();
     void appendLiteral(Compiled &group, const QString &text);
 
     QIODevice *m_device;
@@ -103,6 +108,7 @@ private:
     std::vector<char> m_literals;
     std::vector<char> m_buffer;
     qint64 m_used = 0;
+    std::unique_ptr<BackgroundWriter> m_background;  // fast path: the device is written on a helper thread
 };
 
 #endif

@@ -8,6 +8,8 @@
 #include <QImage>
 #include <QWidget>
 
+class QSvgGenerator;
+
 class Bitmap2Svg : public QWidget
 {
     Q_OBJECT
@@ -28,6 +30,10 @@ public:
     QList<QxPotrace::Polygon> Polygons() const { return potrace.polygons(); }
 
 private:
+    void writeSvgPainted(const QList<QxPotrace::Polygon> &polygons, const QString &path);
+    bool writeSvgDirect(const QList<QxPotrace::Polygon> &polygons, const QString &path);
+    void paintSvg(QSvgGenerator *generator, const QList<QxPotrace::Polygon> &polygons);
+
     QImage image;
     QxPotrace potrace;
     bool m_lastTraceOk = false;

@@ -14,6 +14,8 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <thread>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -74,6 +76,155 @@ const std::vector<Neighbour> &outlineNeighbours()
         return all;
     }();
     return table;
+}
+
+// gray * count < (whole part of sum * 0.85) is gray * count + 1 <= sum * 0.85: the sums and
+// products are whole numbers that doubles hold exactly, so both read the same.
+template <typename Sum>
+inline quint32 adaptivePixel(const Sum *total, uchar gray, int x1, int x2, int rows)
+{
+    const double count = double(qint64(x2 - x1) * rows);
+    const bool dark = double(gray) * count + 1.0 <= double(total[x2] - total[x1]) * AdaptiveMeanRatio;
+    return OpaqueWhite - quint32(dark) * (OpaqueWhite - Black);
+}
+
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
+__attribute__((target_clones("avx2", "default")))
+#endif
+void grayRow(const QRgb *row, uchar *gray, int w)
+{
+    for (int x = 0; x < w; ++x)
+        gray[x] = uchar(ImgBinaryEdit::Gray(row[x]));
+}
+
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
+__attribute__((target_clones("avx2", "default")))
+#endif
+void addToColumns(qint64 *column, const uchar *gray, int w, int sign)
+{
+    for (int x = 0; x < w; ++x)
+        column[x] += sign * gray[x];
+}
+
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
+__attribute__((target_clones("avx2", "default")))
+#endif
+void addToColumns(qint32 *column, const uchar *gray, int w, int sign)
+{
+    for (int x = 0; x < w; ++x)
+        column[x] += sign * gray[x];
+}
+
+// The same with sums that fit in 32 bits: twice as many to a register, converted directly.
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
+__attribute__((target_clones("avx2", "default")))
+#endif
+void adaptiveInner(const qint32 *total, const uchar *gray, quint32 *dst, int n, int half, double count)
+{
+    for (int x = 0; x < n; ++x) {
+        const double sum = double(total[x + half] - total[x - half]);
+        const bool dark = double(gray[x]) * count + 1.0 <= sum * AdaptiveMeanRatio;
+        dst[x] = OpaqueWhite - quint32(dark) * (OpaqueWhite - Black);
+    }
+}
+
+// Pixels whose window lies wholly inside the row: `total` and `gray` start at the first.
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
+__attribute__((target_clones("avx2", "default")))
+#endif
+void adaptiveInner(const qint64 *total, const uchar *gray, quint32 *dst, int n, int half, double count)
+{
+    // A sum below 2^52 becomes a double by setting the exponent of 2^52 over it and
+    // taking 2^52 away: exact, and unlike the conversion instruction it runs four at a time.
+    const quint64 twoTo52Bits = 0x4330000000000000ull;
+    const double twoTo52 = 4503599627370496.0;
+    for (int x = 0; x < n; ++x) {
+        const quint64 bits = quint64(total[x + half] - total[x - half]) | twoTo52Bits;
+        double sum;
+        memcpy(&sum, &bits, sizeof sum);
+        sum -= twoTo52;
+        const bool dark = double(gray[x]) * count + 1.0 <= sum * AdaptiveMeanRatio;
+        dst[x] = OpaqueWhite - quint32(dark) * (OpaqueWhite - Black);
+    }
+}
+
+// One row of the global threshold. Branch-free so the compiler can run the loop on
+// vector registers: this runs on every slider step.
+void thresholdRow(const quint32 *__restrict src, quint32 *__restrict dst, int w, quint32 limit)
+{
+    for (int x = 0; x < w; ++x) {
+        const quint32 p = src[x];
+        const quint32 sum = 11 * ((p >> 16) & 0xFF) + 16 * ((p >> 8) & 0xFF) + 5 * (p & 0xFF);
+        const quint32 transparentDark = quint32(p <= 0x00FFFFFFu) & quint32(sum < quint32(TransparentDarkSum));
+        const quint32 white = transparentDark | quint32((sum >> 5) >= limit);
+        dst[x] = white ? ClearWhite : Black;
+    }
+}
+
+// Runs work(from, to) over rows 0 .. h - 1 in two bands, the second on a helper thread,
+// when the picture is large enough to pay for one. Each band writes only its own rows;
+// a fresh output buffer also gets its pages from the system twice as fast this way.
+constexpr qint64 TwoBandsFromPixels = 1 << 20;
+
+template <typename Work>
+void inTwoBands(int h, qint64 pixels, Work work)
+{
+    if (pixels < TwoBandsFromPixels || h < 2 || std::thread::hardware_concurrency() < 2) {
+        work(0, h);
+        return;
+    }
+    const int middle = h / 2;
+    std::thread helper([&work, middle, h] { work(middle, h); });
+    work(0, middle);
+    helper.join();
+}
+
+// Rows from .. to - 1 of the adaptive threshold (see AdaptiveThreshold). Each row's gray
+// levels are worked out once, when the window reaches it, and kept in a ring of rows
+// until the window has passed it.
+template <typename Sum>
+void adaptiveBand(const QImage &in, int half, int from, int to, uchar *bits, qsizetype stride)
+{
+    const int w = in.width(), h = in.height();
+    std::vector<Sum> column(size_t(w), 0);
+    std::vector<Sum> total(static_cast<size_t>(w));
+    const int ringRows = 2 * half + 2;
+    std::vector<uchar> ring(size_t(ringRows) * size_t(w));
+    std::vector<uchar> own(static_cast<size_t>(w));
+    auto ringRow = [&](int y) { return ring.data() + size_t(y % ringRows) * size_t(w); };
+    // The column sums hold rows rowsFrom + 1 .. rowsTo, empty at the band's start.
+    int rowsFrom = std::max(from - half, 0), rowsTo = rowsFrom;
+    const int firstKept = rowsFrom + 1;
+    for (int y = from; y < to; ++y) {
+        const int y1 = std::max(y - half, 0), y2 = std::min(y + half, h - 1);
+        for (; rowsTo < y2; ++rowsTo) {
+            uchar *g = ringRow(rowsTo + 1);
+            grayRow(reinterpret_cast<const QRgb *>(in.constScanLine(rowsTo + 1)), g, w);
+            addToColumns(column.data(), g, w, 1);
+        }
+        for (; rowsFrom < y1; ++rowsFrom)
+            addToColumns(column.data(), ringRow(rowsFrom + 1), w, -1);
+        Sum running = 0;
+        for (int x = 0; x < w; ++x) {
+            running += column[size_t(x)];
+            total[size_t(x)] = running;
+        }
+        const uchar *g = ringRow(y);
+        if (y < firstKept) {  // a row the window never takes in (the top row, or no window)
+            grayRow(reinterpret_cast<const QRgb *>(in.constScanLine(y)), own.data(), w);
+            g = own.data();
+        }
+        quint32 *dst = reinterpret_cast<quint32 *>(bits + y * stride);
+        const int rows = y2 - y1;
+        // The window is clipped at both sides; between them it is the same width throughout.
+        const int innerFrom = std::min(half, w), innerTo = std::max(innerFrom, w - 1 - half);
+        for (int x = 0; x < innerFrom; ++x)
+            dst[x] = adaptivePixel(total.data(), g[x], 0, std::min(x + half, w - 1), rows);
+        adaptiveInner(total.data() + innerFrom, g + innerFrom, dst + innerFrom, innerTo - innerFrom, half,
+                      double(qint64(2 * half) * rows));
+        for (int x = innerTo; x < w; ++x)
+            dst[x] = adaptivePixel(total.data(), g[x], std::max(x - half, 0), w - 1, rows);
+    }
 }
 
 bool is32Bit(const QImage &image)
@@ -315,7 +466,8 @@ QImage ImgBinaryEdit::GlobalThreshold(const QImage &picture, int threshold, QIma
         return QImage();
     const QImage in = Prepare(picture);
     QImage out;
-    if (reuse.isDetached() && reuse.size() == in.size() && reuse.format() == in.format())
+    const bool reused = reuse.isDetached() && reuse.size() == in.size() && reuse.format() == in.format();
+    if (reused)
         out = std::move(reuse);
     else
         out = QImage(in.size(), in.format());
@@ -323,19 +475,17 @@ QImage ImgBinaryEdit::GlobalThreshold(const QImage &picture, int threshold, QIma
         return QImage();
     const int w = in.width();
     const quint32 limit = quint32(qBound(-1, threshold, 255) + 1);
-    // Branch-free so the compiler can run the loop on vector registers: this runs on
-    // every slider step.
-    for (int y = 0; y < in.height(); ++y) {
-        const quint32 *src = reinterpret_cast<const quint32 *>(in.constScanLine(y));
-        quint32 *dst = reinterpret_cast<quint32 *>(out.scanLine(y));
-        for (int x = 0; x < w; ++x) {
-            const quint32 p = src[x];
-            const quint32 sum = 11 * ((p >> 16) & 0xFF) + 16 * ((p >> 8) & 0xFF) + 5 * (p & 0xFF);
-            const quint32 transparentDark = quint32(p <= 0x00FFFFFFu) & quint32(sum < quint32(TransparentDarkSum));
-            const quint32 white = transparentDark | quint32((sum >> 5) >= limit);
-            dst[x] = white ? ClearWhite : Black;
+    uchar *const bits = out.bits();  // detached once here, not from two threads
+    const qsizetype stride = out.bytesPerLine();
+    // A buffer already in use is filled by this thread alone: the second band only pays
+    // when the system still has to hand out the pages.
+    inTwoBands(in.height(), reused ? 0 : qint64(w) * in.height(), [&in, bits, stride, w, limit](int from, int to) {
+        for (int y = from; y < to; ++y) {
+            const quint32 *src = reinterpret_cast<const quint32 *>(in.constScanLine(y));
+            quint32 *dst = reinterpret_cast<quint32 *>(bits + y * stride);
+            thresholdRow(src, dst, w, limit);
         }
-    }
+    });
     return out;
 }
 
@@ -348,34 +498,24 @@ QImage ImgBinaryEdit::AdaptiveThreshold(const QImage &picture)
     const int window = int(w * AdaptiveWindowRatio);
     const int half = window / 2;
 
-    // Integral of gray values: I(x, y) = I(x - 1, y) + the column sum of rows 0..y.
-    std::vector<qint64> integral(size_t(w) * size_t(h));
-    std::vector<qint64> column(size_t(w), 0);
-    for (int y = 0; y < h; ++y) {
-        const QRgb *row = reinterpret_cast<const QRgb *>(in.constScanLine(y));
-        qint64 *line = integral.data() + size_t(y) * size_t(w);
-        for (int x = 0; x < w; ++x) {
-            column[size_t(x)] += Gray(row[x]);
-            line[x] = (x > 0 ? line[x - 1] : 0) + column[size_t(x)];
-        }
-    }
-    auto at = [&](int x, int y) { return integral[size_t(y) * size_t(w) + size_t(x)]; };
-
+    // The window of pixel (x, y) holds rows y1 + 1 .. y2 and columns x1 + 1 .. x2. Column
+    // sums over the current rows follow the window down the picture (both ends only move
+    // down), and each row's running total of them gives a window's sum by one difference.
+    // All sums are whole numbers far below 2^52, so doubles hold them exactly.
     QImage out(w, h, QImage::Format_ARGB32);
     if (out.isNull())
         return QImage();
-    for (int y = 0; y < h; ++y) {
-        const QRgb *row = reinterpret_cast<const QRgb *>(in.constScanLine(y));
-        quint32 *dst = reinterpret_cast<quint32 *>(out.scanLine(y));
-        const int y1 = std::max(y - half, 0), y2 = std::min(y + half, h - 1);
-        for (int x = 0; x < w; ++x) {
-            const int x1 = std::max(x - half, 0), x2 = std::min(x + half, w - 1);
-            const qint64 count = qint64(x2 - x1) * (y2 - y1);
-            const qint64 sum = at(x2, y2) - at(x2, y1) - at(x1, y2) + at(x1, y1);
-            const bool dark = Gray(row[x]) * count < qint64(double(sum) * AdaptiveMeanRatio);
-            dst[x] = dark ? Black : OpaqueWhite;
-        }
-    }
+    uchar *const bits = out.bits();
+    const qsizetype stride = out.bytesPerLine();
+    // Sums stay in 32 bits when the largest window sum fits there (every picture up to
+    // the editor's size limit but the widest).
+    const bool narrowSums = qint64(255) * (2 * half + 1) * w < (qint64(1) << 31);
+    inTwoBands(h, qint64(w) * h, [&](int from, int to) {
+        if (narrowSums)
+            adaptiveBand<qint32>(in, half, from, to, bits, stride);
+        else
+            adaptiveBand<qint64>(in, half, from, to, bits, stride);
+    });
     return out;
 }
 

@@ -64,10 +64,57 @@ void QxPotrace::setBezierPrecision(int points)
     m_precision = qMax(1, points);
 }
 
+namespace {
+
+// A one-bit picture packed straight into potrace's words, eight pixels a byte, without a
+// 32-bit copy: each of its two colours is ink or paper by the same rule as a pixel.
+// False for other pictures, and for a palette that does not hold both entries.
+bool packMono(const QImage &image, std::vector<potrace_word> *map, int dy)
+{
+    if ((image.format() != QImage::Format_Mono && image.format() != QImage::Format_MonoLSB)
+        || image.colorCount() != 2)
+        return false;
+    auto ink = [](QRgb c) { return qAlpha(c) >= QxPotrace::OpaqueFrom && qGray(c) < QxPotrace::DarkBelow; };
+    const bool ink0 = ink(image.color(0)), ink1 = ink(image.color(1));
+    const bool lsbFirst = image.format() == QImage::Format_MonoLSB;
+    const int w = image.width();
+    const int bytesPerRow = (w + 7) / 8;
+    const int bytesPerWord = WordBits / 8;
+    for (int y = 0; y < image.height(); ++y) {
+        const uchar *row = image.constScanLine(y);
+        potrace_word *bits = map->data() + size_t(y) * size_t(dy);
+        for (int word = 0; word < dy; ++word) {
+            potrace_word value = 0;
+            for (int b = 0; b < bytesPerWord; ++b) {
+                const int index = word * bytesPerWord + b;
+                uchar byte = index < bytesPerRow ? row[index] : 0;
+                if (lsbFirst) {
+                    byte = uchar(((byte * 0x0802u & 0x22110u) | (byte * 0x8020u & 0x88440u)) * 0x10101u >> 16);
+                }
+                value = (value << 8) | byte;
+            }
+            // Bits set for colour 1; ink is the bits of the ink colour.
+            value = ink1 ? (ink0 ? ~potrace_word(0) : value) : (ink0 ? ~value : 0);
+            const int end = (word + 1) * WordBits;
+            if (end > w)
+                value &= ~potrace_word(0) << (end - w);  // past the last pixel stays paper
+            bits[word] = value;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
 bool QxPotrace::trace(const QImage &image)
 {
     if (image.isNull())
         return false;
+    const int monoDy = (image.width() + WordBits - 1) / WordBits;
+    std::vector<potrace_word> monoMap(size_t(monoDy) * size_t(image.height()), 0);
+    if (packMono(image, &monoMap, monoDy))
+        return traceMap(image.width(), image.height(), monoDy, &monoMap);
+    monoMap = std::vector<potrace_word>();
     const QImage argb = (image.format() == QImage::Format_ARGB32 || image.format() == QImage::Format_RGB32)
             ? image : image.convertToFormat(QImage::Format_ARGB32);
     if (argb.isNull())
@@ -91,11 +138,16 @@ bool QxPotrace::trace(const QImage &image)
         }
     }
 
+    return traceMap(w, h, dy, &map);
+}
+
+bool QxPotrace::traceMap(int w, int h, int dy, std::vector<potrace_word> *map)
+{
     potrace_bitmap_t bitmap;
     bitmap.w = w;
     bitmap.h = h;
     bitmap.dy = dy;
-    bitmap.map = map.data();
+    bitmap.map = map->data();
 
     std::unique_ptr<potrace_param_t, ParamDeleter> param(potrace_param_default());
     if (!param)

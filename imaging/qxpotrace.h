@@ -7,6 +7,8 @@
 #include <QList>
 #include <QPolygonF>
 
+#include <vector>
+
 class QxPotrace
 {
 public:
@@ -39,6 +41,9 @@ public:
     QList<Polygon> polygons() const { return m_polygons; }
 
 private:
+    // Traces potrace's packed bitmap (rows of `dy` words) into m_polygons.
+    bool traceMap(int w, int h, int dy, std::vector<unsigned long> *map);
+
     int m_precision;
     QList<Polygon> m_polygons;
 };

@@ -5,7 +5,11 @@
 #include <QDebug>
 #include <QFile>
 #include <QRegExp>
+#include <QString>
 #include <QTextStream>
+
+#include <cstring>
+#include <limits>
 
 namespace {
 const char *const kDefaultFileName = "test.gcode";
@@ -25,6 +29,87 @@ const char *const kTrailingCommentPattern = "(.*) *;";
 
 const char *const kEndMarker = "end";
 const char *const kHeaterWait = "M109";
+
+// Bytes read at once by the scan.
+const qint64 kScanBlockSize = 4 * 1024 * 1024;
+
+inline bool isCoordinateChar(char c)
+{
+    return (c >= '0' && c <= '9') || c == '.';
+}
+
+// Leftmost match of the move pattern for "G<digit> " in an ASCII line, without the
+// matcher: the pattern's parts take disjoint characters, so the first head whose tail
+// fits decides, and each capture is the whole run of digits and points after its letter.
+bool matchMove(const char *s, int n, char digit, int *xFrom, int *xLength, int *yFrom, int *yLength)
+{
+    for (const char *head = s; (head = static_cast<const char *>(memchr(head, 'G', size_t(s + n - head))));
+         ++head) {
+        int q = int(head - s) + 1;
+        if (q + 1 >= n || s[q] != digit || s[q + 1] != ' ')
+            continue;
+        q += 2;
+        while (q < n && (s[q] == 'w' || s[q] == 'd' || s[q] == 's'))
+            ++q;
+        while (q < n && s[q] == ' ')
+            ++q;
+        if (q >= n || s[q] != 'X')
+            continue;
+        const int x = ++q;
+        while (q < n && isCoordinateChar(s[q]))
+            ++q;
+        const int xEnd = q;
+        while (q < n && s[q] == ' ')
+            ++q;
+        if (q >= n || s[q] != 'Y')
+            continue;
+        const int y = ++q;
+        while (q < n && isCoordinateChar(s[q]))
+            ++q;
+        *xFrom = x;
+        *xLength = xEnd - x;
+        *yFrom = y;
+        *yLength = q - y;
+        return true;
+    }
+    return false;
+}
+
+// QString::toFloat of a captured run. Up to 15 digits with one point inside are read
+// here: the digits make an exact double and so does the power of ten, so the quotient is
+// the correctly rounded value the library gives; the float is taken from it the same way.
+float toCoordinate(const QString &line, const char *text, int from, int length)
+{
+    const int MaxFastDigits = 15;
+    static const double powersOfTen[MaxFastDigits + 1] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7,
+                                                          1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    const char *s = text + from;
+    qint64 digits = 0;
+    int count = 0;
+    int point = -1;
+    for (int i = 0; i < length; ++i) {
+        if (s[i] == '.') {
+            if (point >= 0)
+                return line.midRef(from, length).toFloat();
+            point = i;
+        } else if (++count <= MaxFastDigits) {
+            digits = digits * 10 + (s[i] - '0');
+        }
+    }
+    if (count == 0 || count > MaxFastDigits || point == 0 || point == length - 1)
+        return line.midRef(from, length).toFloat();
+    const int decimals = point < 0 ? 0 : length - 1 - point;
+    return float(double(digits) / powersOfTen[decimals]);
+}
+
+inline bool isAscii(const QByteArray &bytes)
+{
+    for (const char c : bytes) {
+        if (c & 0x80)
+            return false;
+    }
+    return true;
+}
 }
 
 GSendModel::GSendModel(QObject *parent)
@@ -75,38 +160,86 @@ void GSendModel::OpenFile(QString path)
     stream->setDevice(file);
     const qint64 start = file->pos();
 
-    while (!stream->atEnd()) {
-        const QString line = stream->readLine();
-        emit SigWrite(line);
+    auto extend = [&](float x, float y) {
+        if (x <= minX)
+            minX = x;
+        if (x > maxX)
+            maxX = x;
+        if (y <= minY)
+            minY = y;
+        if (y > maxY)
+            maxY = y;
+    };
 
-        if (line.startsWith(QLatin1Char('G')))
-            ++commandCount;
+    // A plain ASCII file (every job the generators write) is split and matched here from
+    // one read; anything else goes through the text stream and the patterns themselves.
+    QByteArray bytes;
+    if (file->isOpen() && file->size() < std::numeric_limits<int>::max() / 2) {
+        bytes.reserve(int(file->size()));
+        while (!file->atEnd()) {
+            const QByteArray block = file->read(kScanBlockSize);
+            if (block.isEmpty())
+                break;
+            bytes += block;
+        }
+    }
+    const bool plain = file->isOpen() && file->atEnd() && isAscii(bytes);
+    if (plain) {
+        const char *data = bytes.constData();
+        const int size = bytes.size();
+        for (int from = 0; from < size;) {
+            const char *newline = static_cast<const char *>(memchr(data + from, '\n', size_t(size - from)));
+            const int end = newline ? int(newline - data) : size;
+            const char *text = data + from;
+            const int length = end - from;
+            const QString line = QString::fromLatin1(text, length);
+            emit SigWrite(line);
 
-        // Each pattern needs its literal head somewhere in the line; looking for
-        // that first spares the matcher on most lines of a long job.
-        if (line.contains(layerCountTag) && layerCount.indexIn(line) != -1)
-            qDebug().noquote() << "total layers is :" << layerCount.cap(1);
+            if (length > 0 && text[0] == 'G')
+                ++commandCount;
 
-        // A line that starts with the time tag is left out on purpose.
-        if (line.contains(timeTag) && time.indexIn(line) > 0)
-            qDebug().noquote() << "total time is :" << time.cap(1);
+            // Both tags start with ';', which most lines of a job lack.
+            if (memchr(text, ';', size_t(length))) {
+                if (line.contains(layerCountTag) && layerCount.indexIn(line) != -1)
+                    qDebug().noquote() << "total layers is :" << layerCount.cap(1);
+                if (line.contains(timeTag) && time.indexIn(line) > 0)
+                    qDebug().noquote() << "total time is :" << time.cap(1);
+            }
 
-        QRegExp *move = nullptr;
-        if (line.contains(g1Tag) && g1.indexIn(line) != -1)
-            move = &g1;
-        else if (line.contains(g0Tag) && g0.indexIn(line) != -1)
-            move = &g0;
-        if (move) {
-            const float x = move->cap(1).toFloat();
-            const float y = move->cap(2).toFloat();
-            if (x <= minX)
-                minX = x;
-            if (x > maxX)
-                maxX = x;
-            if (y <= minY)
-                minY = y;
-            if (y > maxY)
-                maxY = y;
+            int x, xLength, y, yLength;
+            if (matchMove(text, length, '1', &x, &xLength, &y, &yLength)
+                || matchMove(text, length, '0', &x, &xLength, &y, &yLength))
+                extend(toCoordinate(line, text, x, xLength), toCoordinate(line, text, y, yLength));
+            from = end + 1;
+        }
+    } else {
+        if (file->isOpen()) {
+            file->seek(start);
+            stream->setDevice(file);
+        }
+        while (!stream->atEnd()) {
+            const QString line = stream->readLine();
+            emit SigWrite(line);
+
+            if (line.startsWith(QLatin1Char('G')))
+                ++commandCount;
+
+            // Each pattern needs its literal head somewhere in the line; looking for
+            // that first spares the matcher on most lines of a long job.
+            if (line.contains(layerCountTag) && layerCount.indexIn(line) != -1)
+                qDebug().noquote() << "total layers is :" << layerCount.cap(1);
+
+            // A line that starts with the time tag is left out on purpose.
+            if (line.contains(timeTag) && time.indexIn(line) > 0)
+                qDebug().noquote() << "total time is :" << time.cap(1);
+
+            QRegExp *move = nullptr;
+            if (line.contains(g1Tag) && g1.indexIn(line) != -1)
+                move = &g1;
+            else if (line.contains(g0Tag) && g0.indexIn(line) != -1)
+                move = &g0;
+            if (move)
+                extend(move->cap(1).toFloat(), move->cap(2).toFloat());
         }
     }
 

@@ -384,6 +384,42 @@ private slots:
         QCOMPARE(c.scene.CurrentItemPos(), inside ? pos : PGraphicsScene::NoPosition);
     }
 
+    // The drawing is kept as a picture at the view's scale: moved, it shows the same pixels
+    // as the outlines drawn there; a corner drag stretches it, and the release draws it sharp.
+    void svgPaintKept()
+    {
+        Canvas c;
+        auto *item = static_cast<SvgItem *>(c.add(false, QPointF(20, 20)));
+        item->setSharedRenderer(new QSvgRenderer(QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"100\" "
+            "height=\"50\"><circle cx=\"30\" cy=\"25\" r=\"20\"/><path d=\"M50 5 L95 45\" stroke=\"black\" "
+            "stroke-width=\"3\"/></svg>"), &c.scene));
+        // The outlines drawn straight over the rest of the scene as renderScene shows it (2 px/mm from -30, -30).
+        auto drawn = [item, &c] {
+            item->hide();
+            QImage image = renderScene(&c.scene);
+            item->show();
+            QPainter painter(&image);
+            painter.translate(60, 60);
+            painter.scale(2, 2);
+            painter.translate(item->pos());
+            item->renderer()->render(&painter, item->boundingRect());
+            return image;
+        };
+        QCOMPARE(renderScene(&c.scene), drawn());
+        item->moveBy(12.5, 7);
+        QCOMPARE(renderScene(&c.scene), drawn());
+
+        c.mouse.hover(QPointF(130.5, 75.5));
+        QVERIFY(item->isResizeArmed());
+        c.mouse.press(QPointF(130.5, 75.5));
+        c.mouse.move(QPointF(150.5, 95.5));
+        QCOMPARE(item->rect(), QRectF(0, 0, 140, 70));
+        const QImage stretched = renderScene(&c.scene);
+        QVERIFY(hasColour(stretched, qRgb(0, 0, 0)));
+        c.mouse.release(QPointF(150.5, 95.5));
+        QCOMPARE(renderScene(&c.scene), drawn());
+    }
+
     void reloadFollowsFile_data()
     {
         QTest::addColumn<QByteArray>("file");

@@ -302,6 +302,11 @@ void TestSvg2GcodeP::order_data()
     QTest::newRow("40 paths, seed 424242, vector unit") << forty << qint64(424242) << false;
     QTest::newRow("40 paths, seed 424242, plain integer code") << forty << qint64(424242) << true;
     QTest::newRow("40 paths, seed 99") << forty << qint64(99) << false;
+    // Enough draws to run through hundreds of the blocks made ahead, and swaps late in a pass.
+    QPolygonF many;
+    for (int i = 0; i < 500; ++i)
+        many << QPointF((i * 7919) % 499, (i * 104729) % 491);
+    QTest::newRow("500 paths, seed 1700000000") << many << qint64(1700000000) << false;
 }
 
 void TestSvg2GcodeP::order()

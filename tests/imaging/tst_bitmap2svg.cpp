@@ -4,6 +4,11 @@
 
 #include "bitmap2svg.h"
 #include "qxpotrace.h"
+#include "svgpathtext.h"
+
+#include <QBuffer>
+#include <QRandomGenerator>
+#include <QSvgGenerator>
 
 #include <QPainter>
 #include <QRegularExpression>
@@ -133,6 +138,80 @@ private slots:
         }
         QVERIFY(points.at(2) > points.at(1));
         QCOMPARE((points.at(2) - points.at(1)) * 9, (points.at(1) - points.at(0)) * 10);
+    }
+
+    // One-bit pictures are packed without a 32-bit copy: the outlines must be those of the copy.
+    void monoAsColour_data()
+    {
+        QTest::addColumn<int>("format");
+        QTest::addColumn<QRgb>("colour0");
+        QTest::addColumn<QRgb>("colour1");
+        QTest::addColumn<int>("width");
+        QTest::newRow("ink is 1, width across words") << int(QImage::Format_Mono) << Paper << Ink << 131;
+        QTest::newRow("ink is 0") << int(QImage::Format_Mono) << Ink << Paper << 64;
+        QTest::newRow("least significant bit first") << int(QImage::Format_MonoLSB) << Paper << Ink << 77;
+        QTest::newRow("transparent black is paper") << int(QImage::Format_Mono) << 0x20000000u << Ink << 70;
+        QTest::newRow("both colours ink") << int(QImage::Format_Mono) << 0xFF404040u << Ink << 9;
+    }
+    void monoAsColour()
+    {
+        QFETCH(int, format);
+        QFETCH(QRgb, colour0);
+        QFETCH(QRgb, colour1);
+        QFETCH(int, width);
+        QImage mono(width, 50, QImage::Format(format));
+        mono.setColorTable({colour0, colour1});
+        mono.fill(0);
+        for (int y = 0; y < mono.height(); ++y)
+            for (int x = 0; x < width; ++x)
+                mono.setPixel(x, y, ((x / 9 + y / 7) % 3 == 0 || (x * x + y) % 23 == 0 || x == width - 1) ? 1 : 0);
+        QxPotrace packed, copied;
+        QVERIFY(packed.trace(mono));
+        QVERIFY(copied.trace(mono.convertToFormat(QImage::Format_ARGB32)));
+        QCOMPARE(packed.polygons().size(), copied.polygons().size());
+        QVERIFY(!copied.polygons().isEmpty());
+        for (int i = 0; i < copied.polygons().size(); ++i) {
+            QCOMPARE(packed.polygons()[i].boundary, copied.polygons()[i].boundary);
+            QCOMPARE(packed.polygons()[i].holes, copied.polygons()[i].holes);
+        }
+    }
+
+    // The SVG text written directly against the generator's, for awkward numbers too.
+    void svgAsPainted()
+    {
+        ScopedWorkDir dir;
+        QList<QxPotrace::Polygon> polygons;
+        QxPotrace::Polygon polygon;
+        const double awkward[] = {0, -0.0, 1e-5, 0.0001, 0.00012345675, 99999.95, 99999.4, 123456.7, -3.5, 0.3203125,
+                                  1.234375, 2.5, 999.9995, 1e-4 * 0.99999999, 64000.25, 0.1, 1.0 / 3, -1e-7, 1e9};
+        for (double a : awkward)
+            polygon.boundary << QPointF(a, 1.5) << QPointF(2, a) << QPointF(a, a);
+        polygon.boundary << QPointF(1, 1) << QPointF(1, 1) << QPointF(1 + 1e-14, 1) << QPointF(0, 1.5 + 1e-13);
+        polygon.holes << QPolygonF({QPointF(1, 2), QPointF(3, 4), QPointF(5, 6 + 1e-13), QPointF(1, 2)});
+        QRandomGenerator random(3);
+        for (int i = 0; i < 400; ++i)
+            polygon.holes.last() << QPointF(random.generateDouble() * std::pow(10.0, random.bounded(10) - 4),
+                                            -random.generateDouble() * 2000);
+        polygons << polygon;
+        SvgPathText text;
+        QBuffer painted;
+        QSvgGenerator generator;
+        generator.setOutputDevice(&painted);
+        QPainter painter(&generator);
+        for (const QxPotrace::Polygon &p : polygons) {
+            painter.drawPolygon(p.boundary, Qt::OddEvenFill);
+            for (const QPolygonF &hole : p.holes)
+                painter.drawPolygon(hole, Qt::OddEvenFill);
+            text.appendPath(p.boundary);
+            for (const QPolygonF &hole : p.holes)
+                text.appendPath(hole);
+        }
+        painter.end();
+        const QByteArray all = painted.data();
+        const int from = all.indexOf("<path "), to = all.lastIndexOf("\"/>\n") + 4;
+        QCOMPARE(text.bytes(), all.mid(from, to - from));
+        for (double a : awkward)
+            QCOMPARE(SvgPathText::number(a), QString::number(a, 'g', 6).toLatin1());
     }
 
     void svg_data()

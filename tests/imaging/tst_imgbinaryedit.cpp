@@ -11,8 +11,10 @@
 #include <QSettings>
 #include <QSignalSpy>
 #include <QSlider>
+#include <QRandomGenerator>
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -44,6 +46,30 @@ int countPixels(const QImage &image, quint32 value)
     const QImage in = image.convertToFormat(QImage::Format_ARGB32);
     const quint32 *p = reinterpret_cast<const quint32 *>(in.constBits());
     return int(std::count(p, p + in.width() * in.height(), value));
+}
+
+// The adaptive threshold read plainly: a full integral image of gray values and the
+// window mean compared in whole numbers.
+QImage adaptiveByIntegral(const QImage &in)
+{
+    const int w = in.width(), h = in.height(), half = int(w * 0.125) / 2;
+    std::vector<qint64> integral(size_t(w) * h);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x)
+            integral[size_t(y) * w + x] = ImgBinaryEdit::Gray(in.pixel(x, y)) + (x ? integral[size_t(y) * w + x - 1] : 0)
+                + (y ? integral[size_t(y - 1) * w + x] : 0) - (x && y ? integral[size_t(y - 1) * w + x - 1] : 0);
+    auto at = [&](int x, int y) { return integral[size_t(y) * w + x]; };
+    QImage out(w, h, QImage::Format_ARGB32);
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            const int x1 = std::max(x - half, 0), x2 = std::min(x + half, w - 1);
+            const int y1 = std::max(y - half, 0), y2 = std::min(y + half, h - 1);
+            const qint64 sum = at(x2, y2) - at(x2, y1) - at(x1, y2) + at(x1, y1);
+            const bool dark = ImgBinaryEdit::Gray(in.pixel(x, y)) * qint64(x2 - x1) * (y2 - y1) < qint64(double(sum) * 0.85);
+            out.setPixel(x, y, dark ? Black : White);
+        }
+    }
+    return out;
 }
 
 } // namespace
@@ -110,6 +136,31 @@ private slots:
         QCOMPARE(out.pixel(at), expected);
         if (op == "adaptive")  // every other pixel is white, and unlike the global threshold, opaque
             QCOMPARE(countPixels(out, White), out.width() * out.height() - (expected == Black ? 1 : 0));
+    }
+
+    // Noise with blobs, so that pixels sit on both sides of and right at their window's mean.
+    void adaptiveAsIntegral_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("square") << QSize(64, 64);
+        QTest::newRow("wide, window taller than the picture") << QSize(300, 9);
+        QTest::newRow("tall") << QSize(40, 257);
+        QTest::newRow("odd window") << QSize(88, 51);
+        QTest::newRow("one row") << QSize(97, 1);
+        QTest::newRow("large enough for two bands") << QSize(1030, 1021);
+        QTest::newRow("wide enough for 64-bit sums") << QSize(12000, 3);
+    }
+    void adaptiveAsIntegral()
+    {
+        QFETCH(QSize, size);
+        QImage picture(size, QImage::Format_ARGB32);
+        QRandomGenerator random(size.width() * 1000 + size.height());
+        for (int y = 0; y < size.height(); ++y)
+            for (int x = 0; x < size.width(); ++x) {
+                const int level = ((x / 7 + y / 5) % 3) * 60 + random.bounded(4) * 20;
+                picture.setPixel(x, y, qRgba(level, level + random.bounded(2), level, random.bounded(256)));
+            }
+        QCOMPARE(ImgBinaryEdit::AdaptiveThreshold(picture), adaptiveByIntegral(picture));
     }
 
     void finish_data()

@@ -5,6 +5,7 @@
 #include "gsendmodel.h"
 
 #include <QRandomGenerator>
+#include <QRegExp>
 
 static QString writeJob(const ScopedWorkDir &dir, const QByteArray &bytes)
 {
@@ -69,6 +70,39 @@ private slots:
         while (got.size() < commands.size())
             got.append(model.NextCommand());
         QCOMPARE(got, commands);
+    }
+
+    // Random near-moves, each alone in a file: the extent must be what the move patterns
+    // and QString::toFloat make of the line.
+    void movesAsThePatternsRead()
+    {
+        const QList<QByteArray> heads = {"G1 ", "G0 ", " G1 ", "G01 ", "G1 G0 ", "G0 X1 G1 ", ";G1 ", "G2 "};
+        const QList<QByteArray> letters = {"", "", "w", "ds", "s ", "wx", " d"};
+        const QList<QByteArray> spaces = {"", "", " ", "  "};
+        const QList<QByteArray> numbers = {"", "0", "7", "00.5", "12.5", "3.", ".25", "170.0", "1.2.3", "-4", "1e5",
+                                           "123456789012345", "1.23456789012345", "1234567890123456.5", "9.99999999", "0.1000000000000001"};
+        const QList<QByteArray> tails = {"", "", " S255", " ;c", "Y2", " G1 X5 Y6", "\r"};
+        QRegExp g1("G1 [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)"), g0("G0 [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)");
+        QRandomGenerator random(11);
+        auto pick = [&random](const QList<QByteArray> &list) { return list[random.bounded(list.size())]; };
+        ScopedWorkDir dir;
+        GSendModel model;
+        MessageCapture quiet;
+        for (int n = 0; n < 800; ++n) {
+            const QByteArray line = pick(heads) + pick(letters) + pick(spaces) + (random.bounded(8) ? "X" : "x")
+                                    + pick(numbers) + pick(spaces) + (random.bounded(8) ? "Y" : "F") + pick(numbers)
+                                    + pick(tails);
+            QRectF expected(99999, 99999, -199998, -199998);
+            const QString text = QString::fromLatin1(line).remove('\r');
+            QRegExp *move = g1.indexIn(text) != -1 ? &g1 : g0.indexIn(text) != -1 ? &g0 : nullptr;
+            if (move) {  // one point against the start values: a low one moves only the corner, a high one only the size
+                const float x = move->cap(1).toFloat(), y = move->cap(2).toFloat();
+                const float left = std::min(x, 99999.0f), top = std::min(y, 99999.0f);
+                expected = QRectF(left, top, std::max(x, -99999.0f) - left, std::max(y, -99999.0f) - top);
+            }
+            model.OpenFile(writeJob(dir, line + "\n"));
+            QVERIFY2(model.Bounds() == expected, line.constData());
+        }
     }
 
     void hostileFiles_data()
