@@ -32,6 +32,8 @@ public:
     void setFilePath(const QString &path) { m_path = path; }
     QString filePath() const { return m_path; }
     QRectF rect() const { return m_rect; }
+    // The rectangle grown by the frame margin: the drawing fills it and the in-area test uses it.
+    QRectF frameRect() const;
     void setRect(const QRectF &r) { prepareGeometryChange(); m_rect = r; }
     QRectF rememberedRect() const { return m_rememberedRect; }
     void setRememberedRect(const QRectF &r) { m_rememberedRect = r; }
@@ -65,8 +67,6 @@ protected:
 
 private:
     bool inCornerZone(const QPointF &scenePoint) const;
-    // The rectangle grown by the frame margin: the drawing fills it and the in-area test uses it.
-    QRectF frameRect() const;
 
     static constexpr double FrameMargin = 2.0;
     static constexpr int InAreaTolerance = 4;

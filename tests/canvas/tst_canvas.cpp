@@ -402,7 +402,7 @@ private slots:
             painter.translate(60, 60);
             painter.scale(2, 2);
             painter.translate(item->pos());
-            item->renderer()->render(&painter, item->boundingRect());
+            item->renderer()->render(&painter, item->frameRect());
             return image;
         };
         QCOMPARE(renderScene(&c.scene), drawn());
