@@ -1,0 +1,83 @@
+// Fuzz target of the settings files: any bytes as Config.ini and Slice.ini. Every read
+// must give a usable value, and a value written must read back as written without
+// disturbing the others.
+#include "appsettings.h"
+#include "fuzzsupport.h"
+
+#include <cmath>
+
+namespace {
+
+const char *const TarnwyKeys[] = {"laser_on", "laser_off", "cnc_on", "cnc_off", "travel_speed",
+                                  "crue_speed", "cnc_feed_z", "cnc_travel_z", "mode", "pre_vector_path"};
+
+struct Snapshot
+{
+    QStringList strings;
+    double x;
+    double y;
+    int language;
+    QString slicePath;
+    int threshold;
+
+    bool operator==(const Snapshot &o) const
+    {
+        return strings == o.strings && x == o.x && y == o.y && language == o.language
+               && slicePath == o.slicePath && threshold == o.threshold;
+    }
+};
+
+Snapshot readAll()
+{
+    Snapshot s;
+    for (const char *key : TarnwyKeys)
+        s.strings << AppSettings::tarnwyString(QString::fromLatin1(key));
+    s.x = AppSettings::xOffset();
+    s.y = AppSettings::yOffset();
+    s.language = AppSettings::languageIndex();
+    s.slicePath = AppSettings::slicePath();
+    s.threshold = AppSettings::threshold();
+    return s;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
+{
+    fuzzStart(argc, argv);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    FuzzBytes in(data, size);
+    const size_t configSize = std::min<size_t>(in.intIn(0, 4096), in.restSize());
+    const QByteArray config(reinterpret_cast<const char *>(in.rest()), int(configSize));
+    const QByteArray slice(reinterpret_cast<const char *>(in.rest() + configSize),
+                           int(in.restSize() - configSize));
+    // QSettings keeps parsed files by path and date; a new folder per input keeps it honest.
+    fuzzFreshFolder();
+    fuzzWriteFile(QString::fromLatin1(AppSettings::ConfigFile), config);
+    fuzzWriteFile(QString::fromLatin1(AppSettings::SliceFile), slice);
+    const QByteArray both = config + "\n--- Slice.ini:\n" + slice;
+
+    const Snapshot before = readAll();
+    // An offset from the file places the drawing; it must be a real number.
+    FUZZ_REQUIRE(std::isfinite(before.x) && std::isfinite(before.y), both);
+    FUZZ_REQUIRE(before.language >= 0 && before.language <= 2, both);
+
+    // Writing one key keeps every other value as it was read.
+    const QString text = QString::fromUtf8(slice.left(64));
+    AppSettings::setTarnwyString(QStringLiteral("laser_on"), text);
+    FUZZ_REQUIRE(AppSettings::tarnwyString(QStringLiteral("laser_on")) == text, both);
+    Snapshot expected = before;
+    expected.strings[0] = text;
+    FUZZ_REQUIRE(readAll() == expected, both);
+
+    const double x = double(configSize) / 7.0 - 100.0;
+    AppSettings::setOffset(x, -x);
+    FUZZ_REQUIRE(AppSettings::xOffset() == x && AppSettings::yOffset() == -x, both);
+    AppSettings::setThreshold(int(configSize));
+    FUZZ_REQUIRE(AppSettings::threshold() == int(configSize), both);
+    return 0;
+}
