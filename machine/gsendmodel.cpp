@@ -25,6 +25,15 @@ const char *const kTrailingCommentPattern = "(.*) *;";
 
 const char *const kEndMarker = "end";
 const char *const kHeaterWait = "M109";
+
+// A capture that is not a number, or too large for a float, counts as 0 like any
+// other malformed number; an infinite extent would spoil every later comparison.
+float coordinate(const QString &text)
+{
+    bool ok = false;
+    const float v = text.toFloat(&ok);
+    return ok && qIsFinite(v) ? v : 0.0f;
+}
 }
 
 GSendModel::GSendModel(QObject *parent)
@@ -97,8 +106,8 @@ void GSendModel::OpenFile(QString path)
         else if (line.contains(g0Tag) && g0.indexIn(line) != -1)
             move = &g0;
         if (move) {
-            const float x = move->cap(1).toFloat();
-            const float y = move->cap(2).toFloat();
+            const float x = coordinate(move->cap(1));
+            const float y = coordinate(move->cap(2));
             if (x <= minX)
                 minX = x;
             if (x > maxX)

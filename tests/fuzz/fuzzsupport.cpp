@@ -13,6 +13,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -61,11 +62,42 @@ int numberLength(const char *p, const char *end)
 
 } // namespace
 
+// The run moves into a private folder, so corpus folders, inputs to replay and the place
+// for crash files are pinned to where the run was started first.
+static void pinPaths(int *argc, char ***argv)
+{
+    static std::vector<QByteArray> texts;
+    static std::vector<char *> args;
+    const QDir start = QDir::current();
+    bool prefixGiven = false;
+    texts.reserve(size_t(*argc) + 1);
+    for (int i = 0; i < *argc; ++i) {
+        const QByteArray arg((*argv)[i]);
+        prefixGiven = prefixGiven || arg.startsWith("-artifact_prefix=");
+        if (i == 0 || arg.startsWith('-'))
+            texts.push_back(arg);
+        else
+            texts.push_back(QFile::encodeName(start.absoluteFilePath(QFile::decodeName(arg))));
+    }
+    if (!prefixGiven)
+        texts.push_back("-artifact_prefix=" + QFile::encodeName(start.absolutePath()) + '/');
+    for (QByteArray &text : texts)
+        args.push_back(text.data());
+    args.push_back(nullptr);
+    *argc = int(texts.size());
+    *argv = args.data();
+}
+
 void fuzzStart(int *argc, char ***argv)
 {
+    pinPaths(argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qInstallMessageHandler(quiet);
-    static QGuiApplication app(*argc, *argv);
+    // Qt takes some options for itself; it sees only the program name.
+    // Kept to the end, so that its screens are not reported as leaks at exit.
+    static int qtArgc = 1;
+    static QGuiApplication *app = new QGuiApplication(qtArgc, *argv);
+    Q_UNUSED(app)
     // The converters print progress with printf; libFuzzer reports on standard error.
     std::fflush(stdout);
     const int null = open("/dev/null", O_WRONLY);
