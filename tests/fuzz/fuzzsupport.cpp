@@ -4,9 +4,11 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -64,7 +66,7 @@ int numberLength(const char *p, const char *end)
 
 // The run moves into a private folder, so corpus folders, inputs to replay and the place
 // for crash files are pinned to where the run was started first.
-static void pinPaths(int *argc, char ***argv)
+static void pinPaths(int *argc, char ***argv, std::initializer_list<const char *> defaults)
 {
     static std::vector<QByteArray> texts;
     static std::vector<char *> args;
@@ -81,6 +83,11 @@ static void pinPaths(int *argc, char ***argv)
     }
     if (!prefixGiven)
         texts.push_back("-artifact_prefix=" + QFile::encodeName(start.absolutePath()) + '/');
+    for (const char *flag : defaults) {
+        const QByteArray name = QByteArray(flag).left(QByteArray(flag).indexOf('=') + 1);
+        if (std::none_of(texts.begin(), texts.end(), [&](const QByteArray &t) { return t.startsWith(name); }))
+            texts.push_back(flag);
+    }
     for (QByteArray &text : texts)
         args.push_back(text.data());
     args.push_back(nullptr);
@@ -88,9 +95,9 @@ static void pinPaths(int *argc, char ***argv)
     *argv = args.data();
 }
 
-void fuzzStart(int *argc, char ***argv)
+void fuzzStart(int *argc, char ***argv, std::initializer_list<const char *> defaults)
 {
-    pinPaths(argc, argv);
+    pinPaths(argc, argv, defaults);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qInstallMessageHandler(quiet);
     // Qt takes some options for itself; it sees only the program name.
@@ -105,7 +112,10 @@ void fuzzStart(int *argc, char ***argv)
         dup2(null, STDOUT_FILENO);
         close(null);
     }
-    g_root = new QTemporaryDir(QDir::tempPath() + QStringLiteral("/tarnwell-fuzz-XXXXXX"));
+    // In memory where there is room: the settings writes sync the disk on every call.
+    const QString base = QFileInfo(QStringLiteral("/dev/shm")).isWritable() ? QStringLiteral("/dev/shm")
+                                                                          : QDir::tempPath();
+    g_root = new QTemporaryDir(base + QStringLiteral("/tarnwell-fuzz-XXXXXX"));
     if (!g_root->isValid() || !QDir::setCurrent(g_root->path()))
         fuzzFail("no private working folder");
     std::atexit([] { delete g_root; });

@@ -8,10 +8,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 
 // Once per process: offscreen Qt application, messages and standard output dropped
 // (the readers log a line per call), current directory a private temporary folder.
-void fuzzStart(int *argc, char ***argv);
+// `defaults` are libFuzzer flags ("-name=value") used unless the command line names them.
+void fuzzStart(int *argc, char ***argv, std::initializer_list<const char *> defaults = {});
 
 // A fresh empty folder under the private one, made current; for readers that cache by path.
 QString fuzzFreshFolder();
