@@ -66,6 +66,12 @@ int numberLength(const char *p, const char *end)
 
 // The run moves into a private folder, so corpus folders, inputs to replay and the place
 // for crash files are pinned to where the run was started first.
+// Font lookup of the offscreen platform keeps its cache until the process ends.
+extern "C" const char *__lsan_default_suppressions()
+{
+    return "leak:libfontconfig.so\n";
+}
+
 static void pinPaths(int *argc, char ***argv, std::initializer_list<const char *> defaults)
 {
     static std::vector<QByteArray> texts;
