@@ -37,13 +37,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     reader.OpenFile(QString::fromLatin1(JobFile));
 
     // Lines as the text stream splits them: at "\n", a last line without one counted too.
-    // Other bytes pass through the text decoder first, which may take a byte order mark
-    // for UTF-16 or hold back an unfinished character at the end.
-    const bool ascii = std::all_of(bytes.begin(), bytes.end(), [](char c) { return uchar(c) < 0x80; });
-    // Text mode drops every carriage return.
-    const QByteArray text = QByteArray(bytes).replace('\r', QByteArray());
-    const int lines = text.count('\n') + (text.isEmpty() || text.endsWith('\n') ? 0 : 1);
-    FUZZ_REQUIRE(!ascii || emitted == lines, bytes);
+    // Other bytes pass through the text decoder first, which may take a byte order mark for
+    // UTF-16 or hold back an unfinished character at the end; text mode treats a carriage
+    // return differently at the end of the file and elsewhere.
+    const bool plain = std::all_of(bytes.begin(), bytes.end(),
+                                   [](char c) { return uchar(c) < 0x80 && c != '\r'; });
+    const int lines = bytes.count('\n') + (bytes.isEmpty() || bytes.endsWith('\n') ? 0 : 1);
+    FUZZ_REQUIRE(!plain || emitted == lines, bytes);
     FUZZ_REQUIRE(reader.CommandCount() == gLines, bytes);
 
     const QRectF extent = reader.Bounds();
