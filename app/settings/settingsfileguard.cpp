@@ -36,13 +36,19 @@ int hexValue(char c)
     return -1;
 }
 
+// The two forms QSettings decodes from a binary stream; its other "@" forms are plain text.
+bool isStreamedForm(const QByteArray &start)
+{
+    return start.startsWith("@Variant(") || start.startsWith("@DateTime(");
+}
+
 // Walks one value: the characters it stands for, element by element. Errs on the side of
 // finding a mark: blanks at an element's start are skipped even where QSettings keeps them.
 bool valueHoldsMark(const char *p, const char *end)
 {
+    constexpr int Prefix = 10;   // enough for "@DateTime("
     bool quoted = false;
-    int produced = 0;   // characters of the current element so far
-    bool marked = false;
+    QByteArray start;   // the first characters of the current element
     while (p < end) {
         const char c = *p++;
         int ch;
@@ -52,9 +58,9 @@ bool valueHoldsMark(const char *p, const char *end)
         }
         // A ";" may start a comment; read on as if it did not, a later "," still counts.
         if (!quoted && c == ',') {
-            if (marked)
+            if (isStreamedForm(start))
                 return true;
-            produced = 0;
+            start.clear();
             continue;
         }
         if (c == '\\') {
@@ -80,16 +86,13 @@ bool valueHoldsMark(const char *p, const char *end)
             if (c == '\n' || c == '\r')
                 break;
             ch = uchar(c);
-            if (!quoted && produced == 0 && ch <= ' ')
+            if (!quoted && start.isEmpty() && ch <= ' ')
                 continue;
         }
-        if (produced == 0)
-            marked = ch == '@';
-        else if (produced == 1 && marked && ch == '@')
-            marked = false;   // "@@" is an escaped "@", plain text
-        ++produced;
+        if (start.size() < Prefix)
+            start.append(ch < 0x80 ? char(ch) : '?');
     }
-    return marked;
+    return isStreamedForm(start);
 }
 
 } // namespace

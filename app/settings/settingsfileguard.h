@@ -9,8 +9,8 @@
 namespace SettingsFileGuard {
 
 // True when some value of the INI text, or an element of a comma list, reads (after
-// quotes and backslash escapes) as starting with a single "@", the mark of a stored object
-// ("@Variant(...)"). The program itself only ever writes such a text as "@@".
+// quotes and backslash escapes) as starting with "@Variant(" or "@DateTime(", the stored
+// objects QSettings decodes from a binary stream. The program never writes either.
 bool holdsStoredObject(const QByteArray &iniText);
 // The same for a file; false when it cannot be read.
 bool fileHoldsStoredObject(const QString &path);

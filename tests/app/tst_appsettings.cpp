@@ -149,7 +149,9 @@ private slots:
         QTest::newRow("second element of a list") << "mode=laser, " + polygon << "<none>";
         QTest::newRow("at sign as an escape") << "mode=\\x40" + polygon.mid(1) << "<none>";
         QTest::newRow("value continued on the next line") << "mode=laser,\\\n" + polygon << "<none>";
+        QTest::newRow("stored date") << QByteArray("mode=@DateTime(\\0\\0\\0\\xff)") << "<none>";
         QTest::newRow("escaped at sign is text") << QByteArray("mode=@@Variant(x)") << "@Variant(x)";
+        QTest::newRow("text form") << QByteArray("mode=@String(laser)") << "laser";
         QTest::newRow("at sign inside a value is text") << QByteArray("mode=me@host") << "me@host";
         QTest::newRow("in a comment line") << "; mode=" + polygon << "";
     }

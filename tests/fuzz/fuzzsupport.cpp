@@ -153,8 +153,10 @@ QByteArray fuzzReadFile(const QString &name)
 
 void fuzzFail(const char *what, const QByteArray &detail)
 {
-    std::fprintf(stderr, "\n== invariant broken: %s\n%.*s\n", what,
-                 int(std::min<qsizetype>(detail.size(), 2000)), detail.constData());
+    // Written whole: the detail may hold NUL bytes.
+    std::fprintf(stderr, "\n== invariant broken: %s\n", what);
+    std::fwrite(detail.constData(), 1, size_t(std::min<qsizetype>(detail.size(), 4000)), stderr);
+    std::fputc('\n', stderr);
     std::abort();
 }
 
