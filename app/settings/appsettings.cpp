@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QSettings>
 
+#include <cmath>
+
 namespace AppSettings {
 
 const char *const ConfigFile = "Config.ini";
@@ -54,7 +56,10 @@ void setTarnwyString(const QString &key, const QString &text)
 
 double tarnwyDouble(const QString &key)
 {
-    return value(ConfigFile, GroupTarnwy, key, QString()).toDouble();
+    // "nan" and "inf" convert, but no placement or speed can be either: they read as a
+    // malformed number does, as 0.
+    const double v = value(ConfigFile, GroupTarnwy, key, QString()).toDouble();
+    return std::isfinite(v) ? v : 0.0;
 }
 
 void setTarnwyDouble(const QString &key, double v)
