@@ -369,8 +369,16 @@ void Draw::SlotLoadBlackWhite()
     Bitmap2Svg *tracer = new Bitmap2Svg;
     tracer->Trace(QStringLiteral("./black_white.jpg"));
     QFile::remove(QString::fromLatin1(BlackWhiteSvg));
-    tracer->WriteSvg(QString::fromLatin1(BlackWhiteSvg));
+    const bool traced = tracer->LastTraceOk();
+    if (traced)
+        tracer->WriteSvg(QString::fromLatin1(BlackWhiteSvg));
     delete tracer;
+    if (!traced) {
+        // No picture to trace (the editor refused it): an empty drawing would still
+        // export as a job that only traces the frame.
+        logMessage(message("无法打开图片", "The picture cannot be opened"));
+        return;
+    }
     loadPicture(QString::fromLatin1(BlackWhiteSvg));
 }
 
@@ -392,6 +400,13 @@ void Draw::loadPicture(const QString &path)
         m_renderForm->LoadItemFromFile(working, 0);
     } else {
         const QImage picture(path);
+        if (picture.isNull()) {
+            // Nothing to place: an empty item would count as lying in the work area and
+            // let an export write a job of "nan" positions.
+            m_pictureLoaded = false;
+            logMessage(message("无法打开图片", "The picture cannot be opened"));
+            return;
+        }
         int width = picture.width();
         int height = picture.height();
         if (height > 0 && (width >= LargestPictureSide || height >= LargestPictureSide)) {
@@ -538,6 +553,9 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
     const int laser = power * m_powerScale / Percent;
 
     bool generated = false;
+    // When a generator refuses, nothing is copied: an old "local.gcode" must not stand in.
+    bool refused = false;
+    QString why;
     float seconds = 0;
     if (ui->radioButtonBlackWhite->isChecked() || ui->radioButtonGray->isChecked()) {
         const bool blackWhite = ui->radioButtonBlackWhite->isChecked();
@@ -557,15 +575,20 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
         else
             generator->ExportGrayPixEX(picture, QString::fromLatin1(LocalGcode), scale);
         seconds = generator->TakeEstimatedTime();
+        refused = !generator->LastRefusal().isEmpty();
+        why = message("图片的尺寸或位置不是有效数字，未生成文件!!!",
+                      "The picture's size or position is not a number; no file was written!!!");
         delete generator;
         delete thread;
-        generated = true;
+        generated = !refused;
     } else if (ui->radioButtonCNC->isChecked()
                || (ui->radioButtonLaser->isChecked() && ui->radioButtonOut->isChecked())) {
         const QString drawing = QString::fromLatin1(BlackWhiteSvg);
         if (!Svg2GcodeP::CanScale(drawing)) {
             // A drawing without width would put NaN coordinates into the job.
-            logMessage(message("无法读取图形!!!", "The drawing cannot be read!!!"));
+            refused = true;
+            why = message("图形无法读取或没有宽度，无法缩放，未生成文件!!!",
+                          "The drawing cannot be read or has no width to scale; no file was written!!!");
         } else {
             Svg2GcodeP *generator = new Svg2GcodeP;
             generator->SetgGcodeWidth(int(width), int(height));
@@ -578,14 +601,24 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
             generator->SvgToGcode(drawing, QString::fromLatin1(LocalGcode));
             qDebug() << "Now the width is:" << int(width);
             seconds = generator->TakeEstimatedTime();
+            refused = !generator->LastRefusal().isEmpty();
+            why = message("图形的位置不是有效数字，未生成文件!!!",
+                          "The drawing's positions are not numbers; no file was written!!!");
             delete generator;
-            generated = true;
+            generated = !refused;
         }
+    }
+
+    if (refused) {
+        logMessage(why);
+        warn(why);
+        return;
     }
 
     if (generated) {
         const QString text = EstimatedTimeText(seconds);
         logMessage(message("预估时间:%1", "Estimated time:%1").arg(text));
+        m_timeText = text;
         ui->timeLabel->setText(tr("%1").arg(text));
     }
 
@@ -768,6 +801,8 @@ void Draw::restoreTextsAfterRetranslate()
     SlotSetSpeedText(ui->speedHorizontalSlider->value());
     ui->w_line->setText(QString::number(m_itemWidth, 'g', 6));
     ui->h_line->setText(QString::number(m_itemHeight, 'g', 6));
+    if (!m_timeText.isNull())
+        ui->timeLabel->setText(tr("%1").arg(m_timeText));
 }
 
 // ---- Material library ------------------------------------------------------------

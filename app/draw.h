@@ -175,6 +175,7 @@ private:
     bool m_pictureLoaded = false;
     QFont m_textFont;
     QImage m_image;
+    QString m_timeText;   // the last estimated time shown, put back after a language switch
 
     int m_textPixelSize = -1;   // not yet chosen
     int m_language = 0;         // 0 Chinese, 1 English, 2 Korean

@@ -9,6 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -44,6 +45,17 @@ MaterialRecord recordFromJson(const nlohmann::json &object)
     record.initSpeed = floatField(object, KeyInitSpeed);
     record.thickness = floatField(object, KeyThickness);
     return record;
+}
+
+// The shortest decimal that reads back as the same float, as a double: 0.2f is written
+// as 0.2, the value the user typed, not as 0.20000000298023224.
+double asTyped(float value)
+{
+    char text[32];
+    const std::to_chars_result written = std::to_chars(text, text + sizeof text, value);
+    double shortest = double(value);
+    std::from_chars(text, written.ptr, shortest);
+    return shortest;
 }
 
 } // namespace
@@ -114,11 +126,11 @@ bool MaterialLibrary::save() const
     for (const MaterialRecord &record : m_materials) {
         nlohmann::ordered_json object;
         object[KeyName] = record.name.toStdString();
-        object[KeyCurrentPower] = record.currentPower;
-        object[KeyCurrentSpeed] = record.currentSpeed;
-        object[KeyInitPower] = record.initPower;
-        object[KeyInitSpeed] = record.initSpeed;
-        object[KeyThickness] = record.thickness;
+        object[KeyCurrentPower] = asTyped(record.currentPower);
+        object[KeyCurrentSpeed] = asTyped(record.currentSpeed);
+        object[KeyInitPower] = asTyped(record.initPower);
+        object[KeyInitSpeed] = asTyped(record.initSpeed);
+        object[KeyThickness] = asTyped(record.thickness);
         document.push_back(std::move(object));
     }
     std::string text;

@@ -5,6 +5,21 @@
 
 #include <QCursor>
 #include <QGraphicsItem>
+#include <QPainterPath>
+#include <QRectF>
+
+// The corner zone around the bottom-right corner of `rect`, in the same coordinates.
+inline QRectF cornerZoneRect(const QRectF &rect, double halfSize)
+{
+    return QRectF(rect.right() - halfSize, rect.bottom() - halfSize, 2 * halfSize, 2 * halfSize);
+}
+
+// A view finds the items under the mouse by collision with a small square around it; the
+// corner zone outside the rectangle counts as part of the item for that.
+inline bool hitsCornerZone(const QPainterPath &path, Qt::ItemSelectionMode mode, const QRectF &zone)
+{
+    return (mode == Qt::IntersectsItemShape || mode == Qt::IntersectsItemBoundingRect) && path.intersects(zone);
+}
 
 // Only a hover move arms the resize (arm true); outside the zone it is always disarmed.
 inline void showCornerHover(QGraphicsItem *item, QCursor *cursor, bool inZone, bool arm,

@@ -25,9 +25,12 @@ namespace {
 constexpr int AreaWidth = 170;
 constexpr int AreaHeight = 200;
 constexpr int Margin = 5;
+constexpr double LabelGap = 1.0;   // mm between a label and the outline it names
 constexpr double BackgroundScale = 0.48;
-constexpr int BackgroundCentreX = -72;
-constexpr int BackgroundCentreY = 12;
+// The bed picture's top-left corner. It was once worked out as (-72 - w/2, 12 - h/2) for a
+// 170 x 200 pixel picture; the picture is now large enough to lie behind the whole work
+// area and its grid is drawn to line up from this very corner, so the place stays fixed.
+const QPointF BackgroundCorner(-157, -88);
 const char *const BackgroundPicture = ":/img/background4.jpg";
 const char *const CleanedSvgFile = "tmp.svg";
 
@@ -66,22 +69,26 @@ void PGraphicsScene::buildWorkArea()
     m_background->setParent(this);
     m_background->setPixmap(QPixmap(BackgroundPicture));
     m_background->setAcceptDrops(true);
-    m_background->setPos(BackgroundCentreX - w / 2, BackgroundCentreY - h / 2);
+    m_background->setPos(BackgroundCorner);
     m_background->setScale(BackgroundScale);
     addItem(m_background);
     connect(m_background, SIGNAL(on_dropped(QString)), this, SLOT(SlotPixitemDropped(QString)));
 
-    struct Label { const char *text; QPointF pos; };
+    // The labels left of the area end just short of its outline: at their first places,
+    // (-35, -10) and (-25, 190), the default font ran them into the frame's lines.
+    struct Label { const char *text; QPointF pos; bool endsAtOutline; };
     const Label labels[] = {
-        {"Preview Area", QPointF(w - 85, h - 25)},
-        {"170mm", QPointF(w, h - 10)},
-        {"200mm", QPointF(-35, -10)},
-        {"0mm", QPointF(-25, h - 10)},
+        {"Preview Area", QPointF(w - 85, h - 25), false},
+        {"170mm", QPointF(w, h - 10), false},
+        {"200mm", QPointF(-35, -10), true},
+        {"0mm", QPointF(-25, h - 10), true},
     };
     for (const Label &label : labels) {
         QGraphicsTextItem *item = addText(QString::fromLatin1(label.text), QFont());
         item->setDefaultTextColor(Qt::gray);
         item->setPos(label.pos);
+        if (label.endsAtOutline)
+            item->setX(-item->boundingRect().width() - LabelGap);
     }
 
     QPen pen(Qt::black);

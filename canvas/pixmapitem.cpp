@@ -7,6 +7,7 @@
 #include <QBuffer>
 #include <QDebug>
 #include <QFile>
+#include <QGraphicsSceneDragDropEvent>
 #include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QImageReader>
@@ -63,6 +64,21 @@ QPainterPath PixmapItem::shape() const
     QPainterPath path;
     path.addRect(m_rect);
     return path;
+}
+
+bool PixmapItem::contains(const QPointF &point) const
+{
+    return shape().contains(point) || inCornerZone(mapToScene(point));
+}
+
+bool PixmapItem::collidesWithPath(const QPainterPath &path, Qt::ItemSelectionMode mode) const
+{
+    return QGraphicsPixmapItem::collidesWithPath(path, mode) || hitsCornerZone(path, mode, cornerZoneRect(m_rect, CornerZone));
+}
+
+void PixmapItem::dragEnterEvent(QGraphicsSceneDragDropEvent *event)
+{
+    event->ignore();
 }
 
 QPixmap PixmapItem::loadScaled(int width, int height)
@@ -242,7 +258,9 @@ void PixmapItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
     const int w = truncated(bounds.width());
     const int h = truncated(bounds.height());
     // The bounding margin is part of W and H, hence the same tolerance here.
-    const bool outside = x < 0 || y < 0 || w + x > m_areaWidth + InAreaTolerance
+    // A picture that did not decode has no size: it is nowhere, so nothing gets exported.
+    const bool empty = !(m_rect.width() > 0 && m_rect.height() > 0);
+    const bool outside = empty || x < 0 || y < 0 || w + x > m_areaWidth + InAreaTolerance
                          || h + y > m_areaHeight + InAreaTolerance;
 
     if (option->state & QStyle::State_Selected) {

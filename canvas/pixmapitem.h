@@ -22,6 +22,10 @@ public:
 
     QRectF boundingRect() const override;
     QPainterPath shape() const override;
+    // The picture, and the corner zone around its bottom-right corner that reaches out of it.
+    bool contains(const QPointF &point) const override;
+    bool collidesWithPath(const QPainterPath &path,
+                          Qt::ItemSelectionMode mode = Qt::IntersectsItemShape) const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
                QWidget *widget = nullptr) override;
     int type() const override { return Type; }
@@ -57,6 +61,8 @@ protected:
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) override;
     QVariant itemChange(GraphicsItemChange change, const QVariant &value) override;
+    // Files dragged over a design go on to the bed below, which takes them.
+    void dragEnterEvent(QGraphicsSceneDragDropEvent *event) override;
 
 private:
     bool inCornerZone(const QPointF &scenePoint) const;

@@ -4,6 +4,7 @@
 
 #include "cornerhover.h"
 
+#include <QGraphicsSceneDragDropEvent>
 #include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QPainter>
@@ -50,9 +51,32 @@ SvgItem::~SvgItem()
     delete m_cursor;
 }
 
-QRectF SvgItem::boundingRect() const
+QRectF SvgItem::frameRect() const
 {
     return m_rect.adjusted(-FrameMargin, -FrameMargin, FrameMargin, FrameMargin);
+}
+
+QRectF SvgItem::boundingRect() const
+{
+    // Out to the corner zone's far edge, which also holds the resize handle: the scene
+    // only offers points within this rectangle to the item.
+    const double reach = qMax(FrameMargin, double(m_cornerZone));
+    return m_rect.adjusted(-FrameMargin, -FrameMargin, reach, reach);
+}
+
+bool SvgItem::contains(const QPointF &point) const
+{
+    return shape().contains(point) || inCornerZone(mapToScene(point));
+}
+
+bool SvgItem::collidesWithPath(const QPainterPath &path, Qt::ItemSelectionMode mode) const
+{
+    return QGraphicsSvgItem::collidesWithPath(path, mode) || hitsCornerZone(path, mode, cornerZoneRect(m_rect, m_cornerZone));
+}
+
+void SvgItem::dragEnterEvent(QGraphicsSceneDragDropEvent *event)
+{
+    event->ignore();
 }
 
 QPainterPath SvgItem::shape() const
@@ -159,13 +183,13 @@ void SvgItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, Q
     QSvgRenderer *drawing = renderer();
     if (drawing && drawing->isValid()) {
         if (elementId().isEmpty())
-            drawing->render(painter, boundingRect());
+            drawing->render(painter, frameRect());
         else
-            drawing->render(painter, elementId(), boundingRect());
+            drawing->render(painter, elementId(), frameRect());
     }
 
     const QPointF pos = scenePos();
-    const QRectF bounds = sceneBoundingRect();
+    const QRectF bounds = mapRectToScene(frameRect());
     const int x = truncated(pos.x());
     const int y = truncated(pos.y());
     const int w = truncated(bounds.width());

@@ -19,6 +19,10 @@ public:
 
     QRectF boundingRect() const override;
     QPainterPath shape() const override;
+    // The rectangle, and the corner zone around its bottom-right corner that reaches out of it.
+    bool contains(const QPointF &point) const override;
+    bool collidesWithPath(const QPainterPath &path,
+                          Qt::ItemSelectionMode mode = Qt::IntersectsItemShape) const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
                QWidget *widget = nullptr) override;
     int type() const override { return Type; }
@@ -54,9 +58,13 @@ protected:
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) override;
+    // Files dragged over a design go on to the bed below, which takes them.
+    void dragEnterEvent(QGraphicsSceneDragDropEvent *event) override;
 
 private:
     bool inCornerZone(const QPointF &scenePoint) const;
+    // The rectangle grown by the frame margin: the drawing fills it and the in-area test uses it.
+    QRectF frameRect() const;
 
     static constexpr double FrameMargin = 2.0;
     static constexpr int InAreaTolerance = 4;

@@ -265,6 +265,23 @@ void Bitmap2Gcode::SetPower(float power)
     this->power = power;
 }
 
+// Every number an export writes lies between the frame's corners, so finite corners and a
+// finite power mean a file without "nan" or "inf" in it.
+bool Bitmap2Gcode::refuseUnusable(int width, int height, double scale)
+{
+    const double corners[] = {offset.x(), offset.x() + width * scale, m_workHeight - offset.y(),
+                              m_workHeight - offset.y() - height * scale, scale, double(power)};
+    m_refusal.clear();
+    for (double value : corners) {
+        if (!std::isfinite(value)) {
+            m_refusal = QStringLiteral("No G-code written: the picture's size, position or power is not a number");
+            qWarning().noquote() << m_refusal;
+            return true;
+        }
+    }
+    return false;
+}
+
 bool Bitmap2Gcode::openOutput(QFile &file)
 {
     if (file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))
@@ -312,6 +329,8 @@ void Bitmap2Gcode::writeFrame(RasterGcodeWriter &out, int width, int height, dou
 
 void Bitmap2Gcode::ExportBlackPix(QImage image, QString savefile, double scale)
 {
+    if (refuseUnusable(image.width(), image.height(), scale))
+        return;
     QFile file(savefile);
     if (!openOutput(file))
         return;
@@ -400,6 +419,8 @@ void Bitmap2Gcode::ExportGrayPixEX(QImage image, QString savefile, double scale)
 void Bitmap2Gcode::exportGray(const QImage &image, const QString &savefile, double scale,
                               bool corrected)
 {
+    if (refuseUnusable(image.width(), image.height(), scale))
+        return;
     QFile file(savefile);
     if (!openOutput(file))
         return;

@@ -24,6 +24,10 @@ public:
     // same; the slow way stays as the reference the fast one is checked against.
     void SetPlainFormatting(bool plain) { m_plainFormatting = plain; }
 
+    // Why the last export wrote no file (a size, position or power that is not a finite
+    // number), or empty when it wrote one.
+    QString LastRefusal() const { return m_refusal; }
+
 public slots:
     // The order of these slots is the class's meta-object order; keep it.
     QImage Image2Halftone(QImage image);
@@ -45,6 +49,7 @@ public:
     QPointF offset;
 
 private:
+    bool refuseUnusable(int width, int height, double scale);
     bool openOutput(QFile &file);
     void writeHeader(RasterGcodeWriter &out, int speed);
     void writeFrame(RasterGcodeWriter &out, int width, int height, double scale);
@@ -60,6 +65,7 @@ private:
     int m_workWidth = 170;       // mm; no export reads it
     float m_estimatedTime = 0;   // seconds
     bool m_plainFormatting = false;
+    QString m_refusal;
 };
 
 #endif

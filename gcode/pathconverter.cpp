@@ -372,6 +372,22 @@ float moveSeconds(float d, float speed)
     return v * 3.0f * 0.5f / Acceleration + d / v;
 }
 
+// The mapping to machine positions is linear, so finite corners of the bounds mean finite
+// positions for every point in them; the frame and the settings are checked alongside.
+bool numbersUsable()
+{
+    const float settings[] = {g_xoffset, g_yoffset, float(g_width) + g_xoffset,
+                              WorkAreaHeight - g_yoffset - float(g_height), g_feedSpeed,
+                              g_travelSpeed, g_printZ, g_travelZ};
+    for (float v : settings)
+        if (!std::isfinite(v))
+            return false;
+    if (g_npoints == 0)
+        return true;
+    return std::isfinite(machineX(g_bounds[0])) && std::isfinite(machineX(g_bounds[2]))
+        && std::isfinite(machineY(g_bounds[1])) && std::isfinite(machineY(g_bounds[3]));
+}
+
 void writeFrame(FILE *fp)
 {
     const float top = WorkAreaHeight - g_yoffset;
@@ -477,6 +493,11 @@ int pathconv_convert(const char *input, const char *output, int bezier)
     printf("bounds 0=%f 1=%f 2=%f 3=%f\n", g_bounds[0], g_bounds[1], g_bounds[2], g_bounds[3]);
 
     g_scale = g_width / std::fabs(g_bounds[2] - g_bounds[0]);
+    if (!numbersUsable()) {
+        printf("error: %s gives positions that are not numbers; no G-code written\n", input);
+        SvgReader::release(image);
+        return -2;
+    }
     seedRandom();
 
     remove(output);
@@ -596,7 +617,7 @@ int pathconv_convert(const char *input, const char *output, int bezier)
             flattenBezier(s.x0, s.y0, s.x1, s.y1, s.x2, s.y2, s.x3, s.y3, 0);
             for (int b = 0; b < g_nbez; ++b) {
                 const float x = g_bezPoints[b].x, y = g_bezPoints[b].y;
-                if (std::isnan(x))
+                if (std::isnan(x) || std::isnan(y))
                     continue;
                 if (x > g_bounds[2] || x < g_bounds[0]) {
                     printf("bezPoints %f %f\n", x, g_bounds[0]);

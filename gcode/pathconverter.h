@@ -30,8 +30,9 @@ void pathconv_use_clock_seed();
 void pathconv_use_portable_draws(int on);
 
 // Converts `input` (SVG) to `output` (G-code), the paths as given in the local
-// 8-bit encoding, as fopen takes them. Returns 0, or -1 when the input cannot be
-// read or the output cannot be created (no file is written then).
+// 8-bit encoding, as fopen takes them. Returns 0, -1 when the input cannot be
+// read or the output cannot be created, or -2 when a position or setting would
+// not be a finite number (no file is written then).
 int pathconv_convert(const char *input, const char *output, int bezier);
 
 // Seconds of feed moves added up over the conversions since the last call; resets to 0.

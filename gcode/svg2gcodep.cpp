@@ -18,6 +18,8 @@ const int BezierOn = 1;
 // The converter reads drawings in these units.
 const char *const ConverterUnits = "mm";
 const float ConverterDpi = 0.1f;
+// pathconv_convert's answer when a position would not be a finite number.
+const int NotFinite = -2;
 }
 
 Svg2GcodeP::Svg2GcodeP(QWidget *parent) : QWidget(parent)
@@ -62,7 +64,10 @@ void Svg2GcodeP::SvgToGcode(QString inputfile, QString outfile)
     // The converter takes 8-bit names: callers hand it plain names in the working directory.
     const QByteArray in = inputfile.toLatin1();
     const QByteArray out = outfile.toLatin1();
-    pathconv_convert(in.constData(), out.constData(), BezierOn);
+    const int status = pathconv_convert(in.constData(), out.constData(), BezierOn);
+    m_refusal = status == NotFinite
+        ? QStringLiteral("No G-code written: the drawing gives positions that are not numbers")
+        : QString();
 }
 
 void Svg2GcodeP::SetGcoderHeader(QString header)

@@ -6,8 +6,8 @@
 #include <QString>
 #include <QWidget>
 
-// Holds no state of its own: every setter writes the converter's module-wide
-// settings, which stay as they are for the next conversion (and the next object).
+// Every setter writes the converter's module-wide settings, which stay as they are
+// for the next conversion (and the next object); the object keeps only the outcome.
 class Svg2GcodeP : public QWidget
 {
     Q_OBJECT
@@ -22,6 +22,10 @@ public:
     // (or nothing to draw). A drawing of zero width would give an infinite scale
     // and "nan" coordinates, so callers check before exporting.
     static bool CanScale(const QString &inputfile);
+
+    // Why the last SvgToGcode wrote no file because a position would not be a finite
+    // number, or empty.
+    QString LastRefusal() const { return m_refusal; }
 
     // Repeatable path order: `seconds` stands in for the clock in the order's seed.
     static void UseFixedSeed(qint64 seconds);
@@ -38,6 +42,9 @@ public slots:
     void SetMachineYmax(int maxy);
     void SetLaser(int power);
     void SetgGcodeWidth(int width, int height);
+
+private:
+    QString m_refusal;
 };
 
 #endif

@@ -3,6 +3,8 @@
 #include "svgreader.h"
 
 #include <QFile>
+#include <QPair>
+#include <QVector>
 #include <QString>
 #include <QXmlStreamReader>
 
@@ -373,18 +375,6 @@ void parsePathData(const QByteArray &data, PathBuilder *pb)
     }
 }
 
-bool readNumber(const QByteArray &text, double *out)
-{
-    Scanner s(text);
-    return s.number(out);
-}
-
-double attrNumber(const QXmlStreamAttributes &attrs, const char *name, double fallback = 0)
-{
-    double v;
-    return readNumber(attrs.value(QLatin1String(name)).toLatin1(), &v) ? v : fallback;
-}
-
 // transform="translate(..) rotate(..) ..." - the list is applied right to left.
 Affine parseTransform(const QByteArray &text)
 {
@@ -461,6 +451,100 @@ bool isNonRendering(const QStringRef &name)
     return false;
 }
 
+// Lengths on the drawing elements are in user units, where a px is 1/96 in whatever the
+// document's own size: 96 dpi for the absolute units, the font size for em and ex.
+const double CssDpi = 96;
+const double DefaultFontSize = 12;
+const double ExPerEm = 0.52;
+
+// What a percentage of a length refers to.
+enum LengthAxis { AxisX, AxisY, AxisDiagonal };
+
+// The reference box for percentages (the viewBox, else the document's size) and the font
+// size in force, both in user units.
+struct LengthBase
+{
+    double x = 0, y = 0, width = 0, height = 0;
+    double fontSize = DefaultFontSize;
+};
+
+// "display: none; stroke-width: 2mm" as name/value pairs, in the order written.
+QVector<QPair<QString, QString>> styleDeclarations(const QXmlStreamAttributes &attrs)
+{
+    QVector<QPair<QString, QString>> declarations;
+    const QString style = attrs.value(QLatin1String("style")).toString();
+    for (const QString &decl : style.split(QLatin1Char(';'))) {
+        const int colon = decl.indexOf(QLatin1Char(':'));
+        if (colon > 0)
+            declarations.append({decl.left(colon).trimmed(), decl.mid(colon + 1).trimmed()});
+    }
+    return declarations;
+}
+
+// A property of an element: its style declaration wins over the attribute of that name.
+class ElementProperties
+{
+public:
+    ElementProperties(const QXmlStreamAttributes &attrs, const LengthBase &base)
+        : m_attrs(attrs), m_style(styleDeclarations(attrs)), m_base(base) {}
+
+    bool has(const char *name) const { return !text(name).isNull(); }
+    QString text(const char *name) const
+    {
+        for (int i = m_style.size() - 1; i >= 0; --i)
+            if (m_style.at(i).first == QLatin1String(name))
+                return m_style.at(i).second;
+        return m_attrs.hasAttribute(QLatin1String(name)) ? m_attrs.value(QLatin1String(name)).toString()
+                                                         : QString();
+    }
+    // A length in user units; positions take percentages from the reference box's origin.
+    double length(const char *name, LengthAxis axis, bool position, double fallback = 0) const
+    {
+        double v;
+        return toUserUnits(text(name).toLatin1(), axis, position, m_base, &v) ? v : fallback;
+    }
+
+    static bool toUserUnits(const QByteArray &text, LengthAxis axis, bool position, const LengthBase &base,
+                            double *out)
+    {
+        Scanner s(text);
+        double v;
+        if (!s.number(&v))
+            return false;
+        const QByteArray unit = s.rest();
+        double factor = 1;   // px, and units nobody knows, count as user units
+        if (unit == "pt")
+            factor = CssDpi / 72;
+        else if (unit == "pc")
+            factor = CssDpi / 6;
+        else if (unit == "mm")
+            factor = CssDpi / 25.4;
+        else if (unit == "cm")
+            factor = CssDpi / 2.54;
+        else if (unit == "in")
+            factor = CssDpi;
+        else if (unit == "em")
+            factor = base.fontSize;
+        else if (unit == "ex")
+            factor = base.fontSize * ExPerEm;
+        if (unit != "%") {
+            *out = v * factor;
+            return true;
+        }
+        const double span = axis == AxisX ? base.width
+            : axis == AxisY ? base.height
+            : std::sqrt((base.width * base.width + base.height * base.height) / 2);
+        const double origin = !position ? 0 : axis == AxisX ? base.x : axis == AxisY ? base.y : 0;
+        *out = origin + v / 100 * span;
+        return true;
+    }
+
+private:
+    const QXmlStreamAttributes &m_attrs;
+    QVector<QPair<QString, QString>> m_style;
+    const LengthBase &m_base;
+};
+
 void ellipse(PathBuilder *pb, double cx, double cy, double rx, double ry)
 {
     const double kx = rx * QuarterArcKappa, ky = ry * QuarterArcKappa;
@@ -472,13 +556,13 @@ void ellipse(PathBuilder *pb, double cx, double cy, double rx, double ry)
     pb->close();
 }
 
-void rect(PathBuilder *pb, const QXmlStreamAttributes &attrs)
+void rect(PathBuilder *pb, const ElementProperties &props)
 {
-    const double x = attrNumber(attrs, "x"), y = attrNumber(attrs, "y");
-    const double w = attrNumber(attrs, "width"), h = attrNumber(attrs, "height");
+    const double x = props.length("x", AxisX, true), y = props.length("y", AxisY, true);
+    const double w = props.length("width", AxisX, false), h = props.length("height", AxisY, false);
     if (!(w > 0 && h > 0))
         return;  // a rect without area is not drawn
-    double rx = attrNumber(attrs, "rx", -1), ry = attrNumber(attrs, "ry", -1);
+    double rx = props.length("rx", AxisX, false, -1), ry = props.length("ry", AxisY, false, -1);
     if (rx < 0 && ry >= 0)
         rx = ry;
     if (ry < 0 && rx >= 0)
@@ -523,23 +607,29 @@ void polyline(PathBuilder *pb, const QXmlStreamAttributes &attrs, bool closed)
 }
 
 // Fills `pb` for a drawing element; false for any other element.
-bool buildShape(const QStringRef &name, const QXmlStreamAttributes &attrs, PathBuilder *pb)
+bool buildShape(const QStringRef &name, const QXmlStreamAttributes &attrs, const ElementProperties &props,
+                PathBuilder *pb)
 {
     if (name == QLatin1String("path")) {
         parsePathData(attrs.value(QLatin1String("d")).toLatin1(), pb);
     } else if (name == QLatin1String("rect")) {
-        rect(pb, attrs);
+        rect(pb, props);
     } else if (name == QLatin1String("circle")) {
-        const double r = attrNumber(attrs, "r");
+        const double r = props.length("r", AxisDiagonal, false);
         if (r > 0)
-            ellipse(pb, attrNumber(attrs, "cx"), attrNumber(attrs, "cy"), r, r);
+            ellipse(pb, props.length("cx", AxisX, true), props.length("cy", AxisY, true), r, r);
     } else if (name == QLatin1String("ellipse")) {
-        const double rx = attrNumber(attrs, "rx"), ry = attrNumber(attrs, "ry");
+        // One radius given alone stands for both.
+        double rx = props.length("rx", AxisX, false, -1), ry = props.length("ry", AxisY, false, -1);
+        if (!props.has("rx"))
+            rx = ry;
+        if (!props.has("ry"))
+            ry = rx;
         if (rx > 0 && ry > 0)
-            ellipse(pb, attrNumber(attrs, "cx"), attrNumber(attrs, "cy"), rx, ry);
+            ellipse(pb, props.length("cx", AxisX, true), props.length("cy", AxisY, true), rx, ry);
     } else if (name == QLatin1String("line")) {
-        pb->moveTo(attrNumber(attrs, "x1"), attrNumber(attrs, "y1"));
-        pb->lineTo(attrNumber(attrs, "x2"), attrNumber(attrs, "y2"));
+        pb->moveTo(props.length("x1", AxisX, true), props.length("y1", AxisY, true));
+        pb->lineTo(props.length("x2", AxisX, true), props.length("y2", AxisY, true));
     } else if (name == QLatin1String("polyline")) {
         polyline(pb, attrs, false);
     } else if (name == QLatin1String("polygon")) {
@@ -593,6 +683,7 @@ struct Viewport
     bool hasViewBox = false;
     double widthPx = 0;
     double heightPx = 0;
+    LengthBase box;   // what percentages of the elements' lengths refer to
 };
 
 Viewport readViewport(const QXmlStreamAttributes &attrs, double dpi)
@@ -609,9 +700,15 @@ Viewport readViewport(const QXmlStreamAttributes &attrs, double dpi)
     if (!hasVb) {
         vp.widthPx = hasW ? w : 0;
         vp.heightPx = hasH ? h : 0;
+        vp.box.width = vp.widthPx;
+        vp.box.height = vp.heightPx;
         return vp;  // user units are px
     }
     vp.hasViewBox = true;
+    vp.box.x = vb[0];
+    vp.box.y = vb[1];
+    vp.box.width = vb[2];
+    vp.box.height = vb[3];
     vp.widthPx = hasW ? w : vb[2];
     vp.heightPx = hasH ? h : vb[3];
     double sx = vp.widthPx / vb[2];
@@ -641,7 +738,26 @@ struct Frame
 {
     Affine m;
     bool skip = false;
+    double fontSize = DefaultFontSize;   // user units, inherited
+    double strokeWidth = 1;              // user units, inherited
 };
+
+// The font size and stroke width an element sets for itself and its children.
+void inheritLengths(const ElementProperties &props, const LengthBase &base, Frame *f)
+{
+    const QString size = props.text("font-size");
+    double v;
+    if (size.endsWith(QLatin1Char('%'))) {
+        if (ElementProperties::toUserUnits(size.chopped(1).toLatin1(), AxisDiagonal, false, base, &v))
+            f->fontSize = f->fontSize * v / 100;
+    } else if (ElementProperties::toUserUnits(size.toLatin1(), AxisDiagonal, false, base, &v)) {
+        f->fontSize = v;
+    }
+    LengthBase sized = base;
+    sized.fontSize = f->fontSize;
+    if (ElementProperties::toUserUnits(props.text("stroke-width").toLatin1(), AxisDiagonal, false, sized, &v))
+        f->strokeWidth = v;
+}
 
 } // namespace
 
@@ -666,6 +782,7 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
     std::vector<PathBuilder::Sub> collected;
     std::vector<size_t> shapeEnds;  // end index into `collected` for each shape
     std::vector<Affine> shapeTransforms;
+    std::vector<double> shapeStrokes;
     Viewport vp;
     bool sawRoot = false;
 
@@ -689,7 +806,9 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
             vp = readViewport(attrs, dpi);
             Frame root;
             root.skip = isHidden(attrs);
-            root.m = parseTransform(attrs.value(QLatin1String("transform")).toLatin1());
+            const ElementProperties props(attrs, vp.box);
+            root.m = parseTransform(props.text("transform").toLatin1());
+            inheritLengths(props, vp.box, &root);
             stack.push_back(root);
             continue;
         }
@@ -697,15 +816,21 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
         if (!f.skip && (!svgElement || isHidden(attrs) || isNonRendering(name)))
             f.skip = true;
         if (!f.skip) {
-            f.m = f.m.then(parseTransform(attrs.value(QLatin1String("transform")).toLatin1()));
+            LengthBase base = vp.box;
+            base.fontSize = f.fontSize;
+            inheritLengths(ElementProperties(attrs, base), base, &f);
+            base.fontSize = f.fontSize;
+            const ElementProperties props(attrs, base);
+            f.m = f.m.then(parseTransform(props.text("transform").toLatin1()));
             PathBuilder pb;
-            if (buildShape(name, attrs, &pb)) {
+            if (buildShape(name, attrs, props, &pb)) {
                 std::vector<PathBuilder::Sub> &subs = pb.subs();
                 if (!subs.empty()) {
                     for (PathBuilder::Sub &sub : subs)
                         collected.push_back(std::move(sub));
                     shapeEnds.push_back(collected.size());
                     shapeTransforms.push_back(f.m);
+                    shapeStrokes.push_back(f.strokeWidth);
                 }
             }
         }
@@ -731,6 +856,8 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
     for (size_t si = 0; si < shapeEnds.size(); ++si) {
         const Affine m = vp.toPx.then(shapeTransforms[si]);
         SvgShape &shape = image->shapes[si];
+        // Scaled by the transform's mean scale, as a uniform pen would be.
+        shape.strokeWidth = float(shapeStrokes[si] * std::sqrt(std::fabs(m.a * m.d - m.b * m.c)) * toUnits);
         for (size_t k = begin; k < shapeEnds[si]; ++k) {
             const PathBuilder::Sub &sub = collected[k];
             SvgPath path;

@@ -19,12 +19,8 @@ Bitmap2Svg::~Bitmap2Svg() = default;
 void Bitmap2Svg::Trace(QString path)
 {
     m_lastTraceOk = false;
+    // Any size is tried; a picture beyond the memory at hand fails to read and is reported.
     QImageReader reader(path);
-    const QSize size = reader.size();
-    if (size.isValid() && qint64(size.width()) * size.height() > MaxPixels) {
-        qDebug() << "picture too large to trace:" << path << size;
-        return;
-    }
     QImage loaded;
     if (!reader.read(&loaded)) {
         qDebug() << "cannot load picture to trace:" << path << reader.errorString();

@@ -14,8 +14,6 @@ class Bitmap2Svg : public QWidget
 public:
     // Curve segments are flattened into this many points.
     static constexpr int BezierPrecision = 10;
-    // Pictures above this many pixels are not loaded (they would not fit in memory).
-    static constexpr qint64 MaxPixels = 64LL * 1000 * 1000;
 
     explicit Bitmap2Svg(QWidget *parent = nullptr);
     ~Bitmap2Svg() override;

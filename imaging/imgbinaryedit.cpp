@@ -81,9 +81,31 @@ bool is32Bit(const QImage &image)
     return image.format() == QImage::Format_ARGB32 || image.format() == QImage::Format_RGB32;
 }
 
-bool tooLarge(const QSize &size)
+// Memory the system can still give without swapping, in bytes; -1 when it does not say.
+qint64 availableMemory()
 {
-    return size.isValid() && qint64(size.width()) * size.height() > ImgBinaryEdit::MaxPixels;
+    QFile meminfo(QStringLiteral("/proc/meminfo"));
+    if (!meminfo.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : meminfo.readAll().split('\n')) {
+        if (line.startsWith("MemAvailable:"))
+            return line.mid(13).trimmed().split(' ').value(0).toLongLong() * 1024;
+    }
+    return -1;
+}
+
+// The source and the result, 4 bytes a pixel each, must both fit: a picture larger than
+// that is refused before it is decoded. (Allocation alone does not tell: the system
+// promises more memory than it has, and ends the program when the pages are touched.)
+bool beyondMemory(const QSize &size)
+{
+    if (!size.isValid())
+        return false;
+    const double needed = 2.0 * 4.0 * size.width() * size.height();
+    const qint64 available = availableMemory();
+    if (available >= 0 && needed > double(available))
+        return true;
+    return QImage(size, QImage::Format_ARGB32).isNull();
 }
 
 } // namespace
@@ -112,20 +134,23 @@ QImage ImgBinaryEdit::Prepare(const QImage &picture)
     return picture.convertToFormat(QImage::Format_ARGB32);
 }
 
+// Pictures of any size are taken as far as memory goes; the editor keeps the source and
+// the result at full size (4 bytes a pixel each), and refuses only when that fails.
 void ImgBinaryEdit::SetImage(QImage image)
 {
-    if (tooLarge(image.size())) {
-        refuse(tr("图片太大，无法处理"), tr("The picture is too large to process"));
+    const QImage prepared = Prepare(image);
+    if (prepared.isNull() && !image.isNull()) {
+        refuseTooLarge();
         return;
     }
-    adopt(Prepare(image));
+    adopt(prepared);
 }
 
 void ImgBinaryEdit::SetImageFile(QString path)
 {
     QImageReader reader(path);
-    if (tooLarge(reader.size())) {
-        refuse(tr("图片太大，无法处理"), tr("The picture is too large to process"));
+    if (beyondMemory(reader.size())) {
+        refuseTooLarge();
         return;
     }
     QImage loaded;
@@ -135,11 +160,23 @@ void ImgBinaryEdit::SetImageFile(QString path)
         refuse(tr("无法打开图片"), tr("The picture cannot be opened"));
         return;
     }
-    if (tooLarge(loaded.size())) {
-        refuse(tr("图片太大，无法处理"), tr("The picture is too large to process"));
+    // A decoded photo comes as opaque RGB32, whose words are ARGB32 words already: taking
+    // them as they are spares a second full-size copy.
+    const bool opaque = loaded.format() == QImage::Format_RGB32;
+    if (opaque)
+        loaded.reinterpretAsFormat(QImage::Format_ARGB32);
+    else if (loaded.format() != QImage::Format_ARGB32)
+        loaded = loaded.convertToFormat(QImage::Format_ARGB32);
+    if (loaded.isNull()) {
+        refuseTooLarge();
         return;
     }
-    adopt(loaded.format() == QImage::Format_ARGB32 ? loaded : loaded.convertToFormat(QImage::Format_ARGB32));
+    adopt(loaded, opaque);
+}
+
+void ImgBinaryEdit::refuseTooLarge()
+{
+    refuse(tr("图片太大，无法处理"), tr("The picture is too large to process"));
 }
 
 void ImgBinaryEdit::refuse(const QString &chinese, const QString &english)
@@ -154,9 +191,10 @@ void ImgBinaryEdit::refuse(const QString &chinese, const QString &english)
     ui->labelDest->setText(AppSettings::languageIndex() == 0 ? chinese : english);
 }
 
-void ImgBinaryEdit::adopt(const QImage &picture)
+void ImgBinaryEdit::adopt(const QImage &picture, bool opaque)
 {
     source = picture;
+    m_sourceOpaque = opaque;
     m_shownThreshold = -1;
     {
         // Put the remembered threshold on the slider without running it twice.
@@ -171,7 +209,11 @@ void ImgBinaryEdit::adopt(const QImage &picture)
     } else {
         applyGlobalThreshold(threshold);
     }
-    showPreview(ui->labelSrc, source, true, false);
+    if (!source.isNull() && result.isNull()) {
+        refuseTooLarge();   // no memory left for the result
+        return;
+    }
+    showPreview(ui->labelSrc, source, true, m_sourceOpaque);
 }
 
 void ImgBinaryEdit::ShowSlider()
@@ -249,23 +291,18 @@ void ImgBinaryEdit::showPreview(QLabel *label, const QImage &picture, bool scale
     label->setPixmap(QPixmap::fromImage(shown));
 }
 
+// Only on request, never on a language change of its own accord: the main window's
+// Chinese button leaves the editor's texts as they are.
 void ImgBinaryEdit::RetranslateUi()
 {
     ui->retranslateUi(this);
-}
-
-void ImgBinaryEdit::changeEvent(QEvent *event)
-{
-    if (event->type() == QEvent::LanguageChange)
-        ui->retranslateUi(this);
-    QWidget::changeEvent(event);
 }
 
 void ImgBinaryEdit::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     if (!source.isNull())
-        showPreview(ui->labelSrc, source, true, false);
+        showPreview(ui->labelSrc, source, true, m_sourceOpaque);
     if (m_showsAdaptive)
         showPreview(ui->labelDest, m_adaptive, false, true);
     else if (!result.isNull())

@@ -20,9 +20,6 @@ public:
     // The file Finish writes in the working directory, and its JPEG quality.
     static const char *const OutputFile;   // "black_white.jpg"
     static constexpr int OutputQuality = 100;
-    // Pictures above this many pixels are refused: the editor keeps several full-size
-    // copies, and a 20000 x 20000 picture would need gigabytes.
-    static constexpr qint64 MaxPixels = 64LL * 1000 * 1000;
 
     explicit ImgBinaryEdit(QWidget *parent = nullptr);
     ~ImgBinaryEdit() override;
@@ -74,11 +71,13 @@ public slots:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
-    void changeEvent(QEvent *event) override;
 
 private:
-    void adopt(const QImage &picture);
+    // `opaque`: every pixel of the picture has alpha 255, so its preview can skip the
+    // scaler's premultiplied copy of the whole picture.
+    void adopt(const QImage &picture, bool opaque = false);
     void refuse(const QString &chinese, const QString &english);
+    void refuseTooLarge();
     void applyGlobalThreshold(int threshold);
     void showResult(const QImage &picture, bool scaled);
     void showPreview(QLabel *label, const QImage &picture, bool scaled, bool asWritten);
@@ -94,6 +93,7 @@ private:
     // What labelDest shows when it is not `result` (the adaptive picture), kept for resizes.
     QImage m_adaptive;
     bool m_showsAdaptive = false;
+    bool m_sourceOpaque = false;
 };
 
 #endif

@@ -16,6 +16,9 @@ const int kReadWaitMs = 1000;
 const int kWriteWaitMs = 1000;
 }
 
+std::atomic<int> TNWLserialport::readPassesStarted{0};
+std::atomic<int> TNWLserialport::readPassesTimedOut{0};
+
 TNWLserialport::TNWLserialport(QObject *parent)
     : QObject(parent),
       port(new QSerialPort(this)),
@@ -100,10 +103,12 @@ void TNWLserialport::SlotResponseUart()
     QElapsedTimer pass;
     for (;;) {
         pass.start();
+        ++readPassesStarted;
         const bool gotData = port->waitForReadyRead(kReadWaitMs);
         buffer = port->readAll();
         if (gotData)
             break;
+        ++readPassesTimedOut;
         // A vanished device fails the wait at once; let the pass last its full
         // time anyway so that the loop does not spin a core.
         const qint64 spent = pass.elapsed();

@@ -8,6 +8,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
+
 class TNWLserialport : public QObject
 {
     Q_OBJECT
@@ -17,6 +19,12 @@ public:
 
     // First enumeration, called once by the owner before the worker's thread starts.
     void InitPorts();
+
+    // Passes of the receive loop begun, and ended by a wait that saw nothing new, since
+    // the program started (all workers together). Readable from any thread: whoever
+    // watches the line's timing from outside learns where the loop stands.
+    static int ReadPassesStarted() { return readPassesStarted.load(); }
+    static int ReadPassesTimedOut() { return readPassesTimedOut.load(); }
 
 signals:
     void SigResponseUart(QString);
@@ -36,6 +44,9 @@ private:
     QSerialPort *port;
     bool connected;
     QStringList portNames;
+
+    static std::atomic<int> readPassesStarted;
+    static std::atomic<int> readPassesTimedOut;
 };
 
 #endif

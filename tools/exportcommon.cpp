@@ -6,6 +6,11 @@
 #include <QSaveFile>
 #include <QTextStream>
 #include <cmath>
+#include <cstdio>
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
 
 namespace ExportCommon {
 
@@ -145,3 +150,32 @@ bool publish(const QString &source, const QString &output, QString *error)
 }
 
 } // namespace ExportCommon
+
+namespace {
+void quietHandler(QtMsgType, const QMessageLogContext &, const QString &) {}
+} // namespace
+
+QuietStderr::QuietStderr() : m_previous(qInstallMessageHandler(quietHandler))
+{
+#ifdef Q_OS_UNIX
+    std::fflush(stderr);
+    m_saved = dup(STDERR_FILENO);
+    const int null = open("/dev/null", O_WRONLY);
+    if (m_saved >= 0 && null >= 0)
+        dup2(null, STDERR_FILENO);
+    if (null >= 0)
+        close(null);
+#endif
+}
+
+QuietStderr::~QuietStderr()
+{
+#ifdef Q_OS_UNIX
+    std::fflush(stderr);
+    if (m_saved >= 0) {
+        dup2(m_saved, STDERR_FILENO);
+        close(m_saved);
+    }
+#endif
+    qInstallMessageHandler(m_previous);
+}

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QtGlobal>
 
 namespace ExportCommon {
 
@@ -70,6 +71,22 @@ bool outputWritable(const QString &path);
 bool publish(const QString &source, const QString &output, QString *error);
 
 } // namespace ExportCommon
+
+// Holds back everything written to standard error and Qt's message log while it lives:
+// decoders and generators print their own complaints there, and the exporter's standard
+// error carries only its one-line message. Nothing may call fail() while one is alive.
+class QuietStderr
+{
+public:
+    QuietStderr();
+    ~QuietStderr();
+    QuietStderr(const QuietStderr &) = delete;
+    QuietStderr &operator=(const QuietStderr &) = delete;
+
+private:
+    QtMessageHandler m_previous;
+    int m_saved = -1;
+};
 
 // Subcommands: each takes the arguments after its name and returns the exit status.
 int runRaster(const QStringList &args);

@@ -76,10 +76,16 @@ int runRaster(const QStringList &args)
         return fail(QStringLiteral("raster: %1 does not exist").arg(input));
     if (!inputInfo.isFile() || !inputInfo.isReadable())
         return fail(QStringLiteral("raster: cannot read %1").arg(input));
-    QImageReader reader(input);
-    const QImage picture = reader.read();
+    QImage picture;
+    QString decodeError;
+    {
+        const QuietStderr quiet;
+        QImageReader reader(input);
+        picture = reader.read();
+        decodeError = reader.errorString();
+    }
     if (picture.isNull())
-        return fail(QStringLiteral("raster: %1 is not a picture (%2)").arg(input, reader.errorString()));
+        return fail(QStringLiteral("raster: %1 is not a picture (%2)").arg(input, decodeError));
     // Checked here so that the generator's message box can never come up.
     if (!outputWritable(output))
         return fail(QStringLiteral("raster: cannot write %1").arg(output));
@@ -89,7 +95,8 @@ int runRaster(const QStringList &args)
         return fail(QStringLiteral("raster: cannot create a temporary working directory"));
 
     // The generator's progress notes are for the window's debug log, not for scripts.
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+    // A refusal is reported below in the tool's own words, not as the generator's warning.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false\ndefault.warning=false"));
     Bitmap2Gcode generator;
     generator.offset = QPointF(x, y);
     generator.SetTravelSpeed(travelSpeed(speed));
@@ -104,6 +111,8 @@ int runRaster(const QStringList &args)
     else
         generator.ExportGrayPix(picture, gcode, scale);
 
+    if (!generator.LastRefusal().isEmpty())
+        return fail(QStringLiteral("raster: %1: %2").arg(input, generator.LastRefusal()));
     if (!publish(gcode, output, &error))
         return fail(QStringLiteral("raster: %1").arg(error));
     QTextStream(stdout) << "Estimated time: " << EstimatedTimeText(generator.TakeEstimatedTime())

@@ -9,11 +9,6 @@
 #include <QImageReader>
 #include <QTextStream>
 
-#include <cstdio>
-#ifdef Q_OS_UNIX
-#include <fcntl.h>
-#include <unistd.h>
-#endif
 
 namespace {
 
@@ -25,45 +20,6 @@ const char *const TraceUsage =
     "whose coordinates are the picture's pixels.\n";
 
 const char *const WorkFile = "black_white.svg";
-
-// The tracer's debug lines are for the program's log window, and the picture decoders
-// print their own complaints straight to the error stream; the exporter's standard error
-// carries only its own one-line message, so both are held back while the tracer runs.
-void quietHandler(QtMsgType, const QMessageLogContext &, const QString &) {}
-
-class QuietStderr
-{
-public:
-    QuietStderr() : m_previous(qInstallMessageHandler(quietHandler))
-    {
-#ifdef Q_OS_UNIX
-        std::fflush(stderr);
-        m_saved = dup(STDERR_FILENO);
-        const int null = open("/dev/null", O_WRONLY);
-        if (m_saved >= 0 && null >= 0)
-            dup2(null, STDERR_FILENO);
-        if (null >= 0)
-            close(null);
-#endif
-    }
-    ~QuietStderr()
-    {
-#ifdef Q_OS_UNIX
-        std::fflush(stderr);
-        if (m_saved >= 0) {
-            dup2(m_saved, STDERR_FILENO);
-            close(m_saved);
-        }
-#endif
-        qInstallMessageHandler(m_previous);
-    }
-    QuietStderr(const QuietStderr &) = delete;
-    QuietStderr &operator=(const QuietStderr &) = delete;
-
-private:
-    QtMessageHandler m_previous;
-    int m_saved = -1;
-};
 
 } // namespace
 
@@ -90,15 +46,14 @@ int runTrace(const QStringList &args)
         return fail(QStringLiteral("cannot read %1: no such file").arg(input));
     if (!inputInfo.isReadable())
         return fail(QStringLiteral("cannot read %1").arg(input));
+    bool decodable = false;
     {
-        QImageReader reader(input);
-        if (!reader.canRead())
-            return fail(QStringLiteral("%1 is not a picture that can be decoded").arg(input));
-        const QSize size = reader.size();
-        if (size.isValid() && qint64(size.width()) * size.height() > Bitmap2Svg::MaxPixels)
-            return fail(QStringLiteral("%1 is too large to trace (%2 x %3 pixels)")
-                        .arg(input).arg(size.width()).arg(size.height()));
+        // Reading even the header makes some decoders complain on the error stream.
+        const QuietStderr quiet;
+        decodable = QImageReader(input).canRead();
     }
+    if (!decodable)
+        return fail(QStringLiteral("%1 is not a picture that can be decoded").arg(input));
     if (!outputWritable(output))
         return fail(QStringLiteral("cannot write %1").arg(output));
 

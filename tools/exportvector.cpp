@@ -165,6 +165,8 @@ int runVector(const QStringList &args)
     Svg2GcodeP::UseClockSeed();
     const float seconds = generator.TakeEstimatedTime();
 
+    if (!generator.LastRefusal().isEmpty())
+        return fail(QStringLiteral("%1: %2").arg(input, generator.LastRefusal()));
     if (!QFileInfo::exists(QLatin1String(WorkOutput)))
         return fail(QStringLiteral("%1: no G-code was written").arg(input));
     if (hasBadNumbers(QLatin1String(WorkOutput)))

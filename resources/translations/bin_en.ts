@@ -165,7 +165,7 @@
     </message>
     <message>
         <source>选择端口:</source>
-        <translation>Port:</translation>
+        <translation>Serial Ports</translation>
     </message>
     <message>
         <source>连接</source>
@@ -173,7 +173,7 @@
     </message>
     <message>
         <source>更新</source>
-        <translation>Refresh</translation>
+        <translation>Update</translation>
     </message>
     <message>
         <source>断开</source>

@@ -56,19 +56,19 @@
     <name>Bitmap2Gcode</name>
     <message>
         <source>提示</source>
-        <translation type="unfinished"></translation>
+        <translation>알림</translation>
     </message>
     <message>
         <source>无法创建文件</source>
-        <translation type="unfinished"></translation>
+        <translation>파일을 만들 수 없습니다</translation>
     </message>
     <message>
         <source>Notice</source>
-        <translation type="unfinished">알림</translation>
+        <translation>알림</translation>
     </message>
     <message>
         <source>Can&apos;t creat file</source>
-        <translation type="unfinished"></translation>
+        <translation>파일을 만들 수 없습니다</translation>
     </message>
     <message>
         <source>G1 F%1 
@@ -550,11 +550,11 @@
     </message>
     <message>
         <source>图片太大，无法处理</source>
-        <translation type="unfinished"></translation>
+        <translation>사진이 너무 커서 처리할 수 없습니다</translation>
     </message>
     <message>
         <source>The picture is too large to process</source>
-        <translation type="unfinished"></translation>
+        <translation>사진이 너무 커서 처리할 수 없습니다</translation>
     </message>
     <message>
         <source>无法打开图片</source>
@@ -562,7 +562,7 @@
     </message>
     <message>
         <source>The picture cannot be opened</source>
-        <translation type="unfinished"></translation>
+        <translation>사진을 열 수 없습니다</translation>
     </message>
     <message>
         <source>装载</source>

@@ -181,11 +181,11 @@
     </message>
     <message>
         <source>Notice</source>
-        <translation type="unfinished"></translation>
+        <translation>提示</translation>
     </message>
     <message>
         <source>Serial open failed.</source>
-        <translation type="unfinished"></translation>
+        <translation>串口打开失败。</translation>
     </message>
 </context>
 <context>
@@ -542,7 +542,7 @@
     <name>ImgBinaryEdit</name>
     <message>
         <source>set value</source>
-        <translation>set value</translation>
+        <translation>设置阈值</translation>
     </message>
     <message>
         <source>完成</source>

@@ -1,6 +1,7 @@
 // The main window's job road: placing pictures, sizes in millimetres, refusals
 // before export, the generated file, deletion of working files and jog commands.
 #include "draw.h"
+#include "imgbinaryedit.h"
 #include "renderform.h"
 #include "testsupport.h"
 
@@ -255,6 +256,54 @@ private slots:
         QVERIFY(!QFile::exists("out.gcode"));
     }
 
+    // A picture that does not open places nothing; a drawing that cannot be scaled writes
+    // no job. Neither may hand the user a file, old or new.
+    void unusableInputWritesNothing_data()
+    {
+        QTest::addColumn<QString>("style");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("boxText");
+        QTest::addColumn<int>("fileDialogs");
+        QTest::newRow("corrupt picture, black/white") << "radioButtonBlackWhite" << "broken.png"
+                                                     << QByteArray("\x89PNG\r\n\x1a\nrandom bytes", 20)
+                                                     << "Out of the preview area!!!" << 0;
+        QTest::newRow("corrupt picture, outline") << "radioButtonOut" << "broken.png"
+                                                 << QByteArray("\x89PNG\r\n\x1a\nrandom bytes", 20)
+                                                 << "Out of the preview area!!!" << 0;
+        QTest::newRow("drawing of no width, outline")
+            << "radioButtonOut" << "line.svg"
+            << QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
+                          "viewBox=\"0 0 20 20\"><path d=\"M5 2 L5 18\" stroke=\"black\"/></svg>")
+            << "The drawing cannot be read or has no width to scale; no file was written!!!" << 1;
+    }
+
+    void unusableInputWritesNothing()
+    {
+        QFETCH(QString, style);
+        QFETCH(QString, file);
+        QFETCH(QByteArray, content);
+        QFETCH(QString, boxText);
+        QFETCH(int, fileDialogs);
+        ScopedWorkDir dir;
+        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
+        QTemporaryDir elsewhere;
+        writeFile(elsewhere.filePath(file), content);
+        Draw w;
+        w.findChild<QRadioButton *>(style)->setChecked(true);
+        QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, elsewhere.filePath(file)));
+        if (file.endsWith(".png"))
+            w.imageEditor()->on_btnFinish_clicked();   // Done on the editor's refusal
+        paintCanvas(w);
+        writeFile("local.gcode", "G1 X1 Y1 ; stale\n");
+        const QString target = dir.file("job.gcode");
+        DialogAnswerer answerer(target);
+        w.on_btnExportGcode_clicked();
+        QCOMPARE(answerer.fileDialogs, fileDialogs);
+        QCOMPARE(answerer.boxTexts, QStringList{boxText});
+        QVERIFY(!QFile::exists(target));
+    }
+
     void cancelledSaveMovesFolderUp()
     {
         ScopedWorkDir dir;
@@ -410,6 +459,35 @@ private slots:
         for (const QList<QVariant> &call : spy)
             texts << call.at(0).toString();
         QCOMPARE(texts, sent);
+    }
+
+    // Last: the translators it installs stay for the rest of the program.
+    void languageButtonsKeepLiveTexts()
+    {
+        ScopedWorkDir dir;
+        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n");
+        QTemporaryDir elsewhere;
+        Draw w;
+        dropOutlineDrawing(w, elsewhere);
+        w.startSaveGcode(dir.file("job.gcode"), QPointF(0, 0));
+        QLabel *time = w.findChild<QLabel *>("timeLabel");
+        const QString shown = time->text();
+        QVERIFY(shown.endsWith("s") && shown != "0s");
+        QPushButton *done = w.imageEditor()->findChild<QPushButton *>("btnFinish");
+        QCOMPARE(done->text(), QString("完成"));
+        QCOMPARE(w.imageEditor()->windowTitle(), QString("设置阈值"));
+
+        w.on_btnEn_clicked();
+        QApplication::processEvents();   // a new translator reaches the widgets as posted events
+        QCOMPARE(time->text(), shown);
+        QCOMPARE(done->text(), QString("Done"));
+        QCOMPARE(w.findChild<QPushButton *>("btnExportGcode")->text(), QString("Export G-code"));
+        // The Chinese button turns the window back, and leaves the editor as it was.
+        w.on_btnZh_clicked();
+        QApplication::processEvents();
+        QCOMPARE(time->text(), shown);
+        QCOMPARE(done->text(), QString("Done"));
+        QCOMPARE(w.findChild<QPushButton *>("btnExportGcode")->text(), QString("导出G代码"));
     }
 };
 

@@ -148,6 +148,34 @@ private slots:
         QCOMPARE(readFile(QStringLiteral("dataFile_zh.json")), QByteArray(text).replace("80.0", "81.0"));
     }
 
+    // Floats go to the file as the shortest text that reads back the same, as typed.
+    void numbersAsTyped_data()
+    {
+        QTest::addColumn<float>("thickness");
+        QTest::addColumn<QByteArray>("written");
+        QTest::newRow("0.2") << 0.2f << QByteArray("0.2");
+        QTest::newRow("0.1") << 0.1f << QByteArray("0.1");
+        QTest::newRow("33.3") << 33.3f << QByteArray("33.3");
+        QTest::newRow("whole number") << 3.0f << QByteArray("3.0");
+        QTest::newRow("tiny") << 1e-7f << QByteArray("1e-07");
+        QTest::newRow("beyond float precision") << 16777217.0f << QByteArray("16777216.0");
+    }
+
+    void numbersAsTyped()
+    {
+        QFETCH(float, thickness);
+        QFETCH(QByteArray, written);
+        ScopedWorkDir dir;
+        MaterialLibrary library;
+        MaterialRecord record = material(QStringLiteral("Birch"), 10, 20);
+        record.thickness = thickness;
+        QVERIFY(library.add(record));
+        QVERIFY(readFile(QStringLiteral("dataFile_zh.json")).contains("\"thickness\": " + written + "\n"));
+        MaterialLibrary reread;
+        QVERIFY(reread.load());
+        QCOMPARE(reread.materials().at(0).thickness, thickness);
+    }
+
     void shippedLibraries_data()
     {
         QTest::addColumn<int>("language");

@@ -14,7 +14,10 @@
 #include "svgpolygons.h"
 
 #include <QGLWidget>
+#include <QGraphicsLineItem>
 #include <QGraphicsSceneHoverEvent>
+#include <QGraphicsTextItem>
+#include <QTextDocument>
 #include <QGraphicsSceneMouseEvent>
 #include <QMimeData>
 #include <QPainter>
@@ -234,6 +237,54 @@ private slots:
         QCOMPARE(item->cursor().shape(), armedExpected ? Qt::SizeFDiagCursor : Qt::SizeAllCursor);
     }
 
+    void cornerZoneThroughView_data()
+    {
+        QTest::addColumn<bool>("bitmap");
+        QTest::addColumn<QPointF>("offset");
+        QTest::addColumn<bool>("armedExpected");
+
+        // Outside the rectangle, off its bottom-right corner at (120, 70).
+        QTest::newRow("bitmap 10 right") << true << QPointF(10, 0) << true;
+        QTest::newRow("bitmap 15 out both ways") << true << QPointF(15, 15) << true;
+        QTest::newRow("bitmap 25 right") << true << QPointF(25, 0) << false;
+        QTest::newRow("svg on its handle") << false << QPointF(4, 4) << true;
+        QTest::newRow("svg 7 right") << false << QPointF(7, 0) << true;
+        QTest::newRow("svg 10 right") << false << QPointF(10, 0) << false;
+    }
+
+    // The mouse as a user moves it: events to the view's viewport, which the view turns
+    // into hovers and presses for whatever item the scene finds under them.
+    void cornerZoneThroughView()
+    {
+        QFETCH(bool, bitmap);
+        QFETCH(QPointF, offset);
+        QFETCH(bool, armedExpected);
+
+        Canvas c;
+        QGraphicsItem *item = c.add(bitmap);
+        QGraphicsView view(&c.scene);
+        QVERIFY(shown(&view));
+        QWidget *viewport = view.viewport();
+        auto send = [&](QEvent::Type type, const QPointF &scene, Qt::MouseButton button, Qt::MouseButtons buttons) {
+            const QPoint p = view.mapFromScene(scene);
+            QMouseEvent ev(type, p, viewport->mapToGlobal(p), button, buttons, Qt::NoModifier);
+            QApplication::sendEvent(viewport, &ev);
+        };
+        send(QEvent::MouseMove, QPointF(60, 40), Qt::NoButton, Qt::NoButton);   // over the body
+        QVERIFY(!armed(item));
+        const QPointF corner = QPointF(120, 70) + offset;
+        send(QEvent::MouseMove, corner, Qt::NoButton, Qt::NoButton);
+        QCOMPARE(armed(item), armedExpected);
+        if (!armedExpected)
+            return;
+        QCOMPARE(item->cursor().shape(), Qt::SizeFDiagCursor);
+        // Pressing there and dragging outward grows the design instead of moving it.
+        send(QEvent::MouseButtonPress, corner, Qt::LeftButton, Qt::LeftButton);
+        send(QEvent::MouseMove, corner + QPointF(20, 20), Qt::NoButton, Qt::LeftButton);
+        send(QEvent::MouseButtonRelease, corner + QPointF(20, 20), Qt::LeftButton, Qt::NoButton);
+        QVERIFY2(rectOf(item).width() > 110, qPrintable(QString::number(rectOf(item).width())));
+    }
+
     void drag_data()
     {
         QTest::addColumn<bool>("bitmap");
@@ -282,7 +333,11 @@ private slots:
         QCOMPARE(reports.count(), releaseReports);
         for (const QList<QVariant> &report : qAsConst(reports))
             QCOMPARE(report.at(0).toRectF(), QRectF(QPointF(0, 0), size));
-        QVERIFY(!armed(item));
+        // The release disarms; the hover the scene sends after it arms again only while the
+        // mouse still rests in the corner zone, outside the rectangle as well as inside.
+        const QPointF corner = item->mapToScene(rectOf(item).bottomRight());
+        const double zone = bitmap ? 20 : 8;
+        QCOMPARE(armed(item), qAbs(to.x() - corner.x()) < zone && qAbs(to.y() - corner.y()) < zone);
 
         // A double click selects; the bitmap shows its rectangle, the svg stays silent.
         QSignalSpy shows(objectOf(item), SIGNAL(Sig_ShowPos(QRectF)));
@@ -480,6 +535,9 @@ private slots:
         for (QGraphicsItem *item : designs(&scene))
             QVERIFY(qIsFinite(item->boundingRect().width()) && qIsFinite(item->boundingRect().height()));
         renderScene(&scene);
+        // A picture without size lies nowhere: it never gives a position to export at.
+        if (auto *pix = qgraphicsitem_cast<PixmapItem *>(designs(&scene).value(0)))
+            QCOMPARE(pix->isInArea(), !pix->rect().isEmpty());
 
         // The canvas goes on working with the next file.
         scene.LoadItemFromFile("p.png", 0);
@@ -616,23 +674,30 @@ private slots:
     void droppedFiles_data()
     {
         QTest::addColumn<QStringList>("files");
-        QTest::addColumn<bool>("onBackground");
+        QTest::addColumn<QPointF>("at");
         QTest::addColumn<QStringList>("reported");
 
-        QTest::newRow("two files report the first")
-            << QStringList{"/tmp/first.png", "/tmp/second.svg"} << true << QStringList{"/tmp/first.png"};
-        QTest::newRow("no urls") << QStringList{} << true << QStringList{};
-        QTest::newRow("outside the background picture") << QStringList{"/tmp/first.png"} << false << QStringList{};
+        QTest::newRow("two files on the work area report the first")
+            << QStringList{"/tmp/first.png", "/tmp/second.svg"} << QPointF(120, 150) << QStringList{"/tmp/first.png"};
+        QTest::newRow("no urls") << QStringList{} << QPointF(85, 100) << QStringList{};
+        QTest::newRow("left of the work area, on the bed") << QStringList{"/tmp/first.png"} << QPointF(-60, 20)
+                                                           << QStringList{"/tmp/first.png"};
+        QTest::newRow("below the bed picture") << QStringList{"/tmp/first.png"} << QPointF(85, 300) << QStringList{};
+        // A design already placed does not swallow the next file.
+        QTest::newRow("on a placed design") << QStringList{"/tmp/next.png"} << QPointF(85, 20)
+                                            << QStringList{"/tmp/next.png"};
     }
 
     void droppedFiles()
     {
         QFETCH(QStringList, files);
-        QFETCH(bool, onBackground);
+        QFETCH(QPointF, at);
         QFETCH(QStringList, reported);
 
+        Folder folder;
         RenderForm form;
         QVERIFY(shown(&form));
+        form.LoadItemFromFile("p.png", 0);   // 170 x 50 at the top of the work area
         QSignalSpy spy(&form, SIGNAL(SigPixitem(QString)));
         // Under the offscreen platform there is no OpenGL context, and every repaint says so.
         if (QGuiApplication::platformName() == "offscreen") {
@@ -641,13 +706,33 @@ private slots:
                                                "viewport on the graphics view");
             form.view()->viewport()->repaint();
         }
+        // The bed lies behind the whole work area, at its fixed place, under every mark of the area.
+        BackGrQGraphicsItem *bed = form.scene()->backgroundItem();
+        QCOMPARE(bed->pos(), QPointF(-157, -88));
+        QCOMPARE(bed->scale(), 0.48);
+        QVERIFY(bed->sceneBoundingRect().contains(QRectF(-5, -5, 180, 210)));
+        const QList<QGraphicsItem *> stack = form.scene()->items(Qt::DescendingOrder);
+        QCOMPARE(stack.last(), static_cast<QGraphicsItem *>(bed));
+        QCOMPARE(stack.size(), 1 + 4 + 4 + 4 + 2 + 1);   // design, labels, outline, margin, centre lines
+        // The corner labels stand clear of the outline and the margin.
+        for (QGraphicsItem *label : stack) {
+            auto *text = qgraphicsitem_cast<QGraphicsTextItem *>(label);
+            if (!text || text->toPlainText() == "Preview Area")
+                continue;
+            const double margin = text->document()->documentMargin();   // blank around the letters
+            const QRectF letters = text->sceneBoundingRect().adjusted(margin, margin, -margin, -margin);
+            for (QGraphicsItem *line : stack)
+                if (auto *l = qgraphicsitem_cast<QGraphicsLineItem *>(line))
+                    QVERIFY2(!letters.intersects(l->sceneBoundingRect()), qPrintable(text->toPlainText()));
+        }
+
         QMimeData mime;
         QList<QUrl> urls;
         for (const QString &file : files)
             urls << QUrl::fromLocalFile(file);
         mime.setUrls(urls);
-        const QPoint p = form.view()->mapFromScene(
-            onBackground ? form.scene()->backgroundItem()->sceneBoundingRect().center() : QPointF(120, 150));
+        const QPoint p = form.view()->mapFromScene(at);
+        QVERIFY(form.view()->viewport()->rect().contains(p));
         QDragEnterEvent enter(p, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(form.view()->viewport(), &enter);
         QDragMoveEvent move(p, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);

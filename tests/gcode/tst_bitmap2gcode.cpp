@@ -303,7 +303,7 @@ void TestBitmap2Gcode::badInput_data()
     QTest::addColumn<int>("kind");
     QTest::addColumn<QImage>("image");
     QTest::addColumn<double>("scale");
-    QTest::addColumn<int>("burns");   // "M106 S" lines after the frame
+    QTest::addColumn<int>("burns");   // "M106 S" lines after the frame; -1: refused, no file
     QTest::addColumn<int>("stops");   // "M107" lines before the footer
 
     const double nan = std::numeric_limits<double>::quiet_NaN();
@@ -314,9 +314,13 @@ void TestBitmap2Gcode::badInput_data()
     // Gray rows sample every k-th column too: the end of the row is never reached.
     QTest::newRow("scale 0, gray") << int(GrayLinear) << black3 << 0.0 << 1 << 0;
     QTest::newRow("negative scale scans every row") << int(BlackWhite) << black3 << -1.0 << 3 << 3;
-    QTest::newRow("NaN scale scans every row") << int(BlackWhite) << black3 << nan << 3 << 3;
-    // Leftward words of a 32-bit picture mix colour and alpha bytes: a power change mid-row.
-    QTest::newRow("NaN scale, corrected gray") << int(GrayCorrected) << black3 << nan << 4 << 3;
+    // A number that is not finite would reach the file as "nan" or "inf": nothing is written.
+    const double inf = std::numeric_limits<double>::infinity();
+    QTest::newRow("NaN scale refused") << int(BlackWhite) << black3 << nan << -1 << 0;
+    QTest::newRow("NaN scale, corrected gray refused") << int(GrayCorrected) << black3 << nan << -1 << 0;
+    QTest::newRow("null picture, infinite scale refused") << int(BlackWhite) << QImage() << inf << -1 << 0;
+    QTest::newRow("extent overflowing refused") << int(GrayLinear) << black(1, 20, QImage::Format_Grayscale8)
+                                                << 1e308 << -1 << 0;
     // One pixel a row: the burn opens at the row's last pixel and is never closed.
     QTest::newRow("1 x 100000, black/white") << int(BlackWhite) << black(1, 100000, QImage::Format_RGB32) << 0.1 << 100000 << 0;
     // One pixel a row: the first pixel is also the last, which closes without opening.
@@ -336,7 +340,15 @@ void TestBitmap2Gcode::badInput()
     ScopedWorkDir dir;
     Bitmap2Gcode generator;
     setUp(generator);
+    if (burns < 0)
+        QTest::ignoreMessage(QtWarningMsg, qPrintable(QStringLiteral(
+            "No G-code written: the picture's size, position or power is not a number")));
     const QByteArray text = run(generator, kind, image, scale);
+    QCOMPARE(generator.LastRefusal().isEmpty(), burns >= 0);
+    if (burns < 0) {
+        QVERIFY(!QFile::exists("out.gcode"));
+        return;
+    }
     QVERIFY(text.endsWith(Footer.toLatin1()));
     const QByteArray body = text.mid(text.indexOf("M0 \n"));
     QCOMPARE(body.count("M106 S"), burns);

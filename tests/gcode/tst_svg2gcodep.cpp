@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstdio>
 #include <fcntl.h>
+#include <limits>
 #include <numeric>
 #include <unistd.h>
 
@@ -159,6 +160,8 @@ private slots:
     void estimatedTime();
     void badInput_data();
     void badInput();
+    void positionsNotNumbers_data();
+    void positionsNotNumbers();
 };
 
 void TestSvg2GcodeP::exactGcode_data()
@@ -346,7 +349,7 @@ void TestSvg2GcodeP::badInput_data()
     QTest::addColumn<QByteArray>("svg");      // empty: no input file
     QTest::addColumn<QString>("output");
     QTest::addColumn<bool>("scalable");
-    QTest::addColumn<int>("moves");           // -1: fails with no output file
+    QTest::addColumn<int>("moves");           // -1, -2: fails with this result and no output file
     QTest::addColumn<QString>("printed");     // printed once in the debug output
 
     const QByteArray good = mmSvg("<path d='M0 0 l1 0 l1 0'/>");
@@ -355,8 +358,9 @@ void TestSvg2GcodeP::badInput_data()
     QTest::newRow("nothing to draw") << mmSvg("<text>words</text>") << "out.gcode" << true << 0 << "shapes 0\n";
     QTest::newRow("zero document width")
         << (SvgOpen + "width='0' height='10mm' viewBox='0 0 10 10'><path d='M0 0 l0 5 l5 0'/></svg>") << "out.gcode"
-        << false << 4 << "shapes 1\n";
-    QTest::newRow("vertical line") << mmSvg("<path d='M5 0 l0 5 l0 5'/>") << "out.gcode" << false << 4 << "shapes 1\n";
+        << false << -2 << "shapes 1\n";
+    // No width gives an infinite scale: the positions would be "nan", so nothing is written.
+    QTest::newRow("vertical line") << mmSvg("<path d='M5 0 l0 5 l0 5'/>") << "out.gcode" << false << -2 << "shapes 1\n";
     QTest::newRow("missing input") << QByteArray() << "out.gcode" << false << -1 << cannotOpen;
     QTest::newRow("malformed input") << QByteArray("<svg><path d='M0 0 L1") << "out.gcode" << false << -1 << cannotOpen;
     QTest::newRow("not XML") << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16) << "out.gcode" << false << -1 << cannotOpen;
@@ -389,12 +393,45 @@ void TestSvg2GcodeP::badInput()
     int result = 0;
     const QString debug = printedBy([&] { result = pathconv_convert("in.svg", QFile::encodeName(output).constData(), 1); });
     QVERIFY2(debug.count(printed) == 1, qPrintable(debug.left(500)));
-    QCOMPARE(result, moves < 0 ? -1 : 0);
+    QCOMPARE(result, moves < 0 ? moves : 0);
     const QString gcode = readFile(output);
     if (moves < 0)
         QCOMPARE(gcode, QStringLiteral("<no file>"));
     else
         QVERIFY(gcode.endsWith(QStringLiteral("M107\nG28\n")) && countMoves(gcode) == moves);
+}
+
+void TestSvg2GcodeP::positionsNotNumbers_data()
+{
+    QTest::addColumn<QPointF>("place");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<bool>("written");
+    const double inf = std::numeric_limits<double>::infinity();
+    QTest::newRow("x not a number") << QPointF(qQNaN(), 0) << QSize(8, 8) << false;
+    QTest::newRow("y infinite") << QPointF(0, inf) << QSize(8, 8) << false;
+    QTest::newRow("scale overflowing") << QPointF(0, 0) << QSize(2000000000, 8) << false;
+    QTest::newRow("usable") << QPointF(1, 2) << QSize(8, 8) << true;
+}
+
+// The converter never writes "nan" or "inf": it refuses, and the old file stays untouched.
+void TestSvg2GcodeP::positionsNotNumbers()
+{
+    QFETCH(QPointF, place);
+    QFETCH(QSize, size);
+    QFETCH(bool, written);
+    ScopedWorkDir dir;
+    QFile in(QStringLiteral("in.svg"));
+    QVERIFY(in.open(QIODevice::WriteOnly));
+    in.write(mmSvg("<path d='M0 0 L1e-36 1e-36'/>"));
+    in.close();
+    AppSettings::setOffset(place.x(), place.y());
+    Svg2GcodeP gen;
+    gen.SetgGcodeWidth(size.width(), size.height());
+    printedBy([&gen] { gen.SvgToGcode("in.svg", "out.gcode"); });
+    QCOMPARE(gen.LastRefusal().isEmpty(), written);
+    const QString gcode = readFile(QStringLiteral("out.gcode"));
+    QCOMPARE(gcode != QStringLiteral("<no file>"), written);
+    QVERIFY(!gcode.contains(QLatin1String("nan")) && !gcode.contains(QLatin1String("inf")));
 }
 
 TARNWELL_TEST_MAIN(TestSvg2GcodeP)

@@ -51,6 +51,8 @@ private slots:
     void elements();
     void units_data();
     void units();
+    void lengths_data();
+    void lengths();
     void refused_data();
     void refused();
 };
@@ -150,6 +152,75 @@ void TestSvgReader::units()
     QFETCH(QByteArray, body);
     QFETCH(QString, expected);
     QCOMPARE(parseDump("<svg xmlns='http://www.w3.org/2000/svg' " + svgTag + ">" + body + "</svg>"), expected);
+}
+
+void TestSvgReader::lengths_data()
+{
+    QTest::addColumn<QByteArray>("svgTag");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<double>("stroke");   // the first shape's pen width
+    // One user unit is one millimetre of output in both documents; the second starts its
+    // viewBox at (10, 20), which comes out at 0, 0.
+    const QByteArray mm = "width='100mm' height='100mm' viewBox='0 0 100 100'";
+    const QByteArray wide = "width='200mm' height='100mm' viewBox='10 20 200 100'";
+    const auto row = [](const char *name, const QByteArray &tag, const QByteArray &body, const char *expected,
+                        double stroke = 1) {
+        QTest::newRow(name) << tag << body << QString::fromLatin1(expected) << stroke;
+    };
+    const QByteArray thirds = "0,0 32,0 64,0 96,0";   // a line from 0 to 96 user units (1 in)
+
+    row("mm at 96 dpi", mm, "<line x1='0' y1='0' x2='25.4mm' y2='0'/>", thirds);
+    row("cm", mm, "<line x1='0' y1='0' x2='2.54cm' y2='0'/>", thirds);
+    row("in", mm, "<line x1='0' y1='0' x2='1in' y2='0'/>", thirds);
+    row("pt", mm, "<line x1='0' y1='0' x2='72pt' y2='0'/>", thirds);
+    row("pc", mm, "<line x1='0' y1='0' x2='6pc' y2='0'/>", thirds);
+    row("px is a user unit", mm, "<line x1='0px' y1='0' x2='3px' y2='0'/>", "0,0 1,0 2,0 3,0");
+    row("rect width in mm on a 200-wide viewBox", wide,
+        "<rect x='10' y='20' width='26.4583mm' height='3'/>", "Z:0,0 33.3333,0 66.6666,0 99.9999,0 99.9999,1 "
+        "99.9999,2 99.9999,3 66.6666,3 33.3333,3 0,3 0,2 0,1 0,0");
+    row("percent: positions from the viewBox corner, sizes of its width and height", wide,
+        "<rect x='0%' y='0%' width='50%' height='3%'/>", "Z:0,0 33.3333,0 66.6667,0 100,0 100,1 100,2 100,3 "
+        "66.6667,3 33.3333,3 0,3 0,2 0,1 0,0");
+    row("percent radius of the normalised diagonal", wide, "<circle cx='50' cy='50' r='10%'/>",
+        "Z:55.8114,30 55.8114,38.7324 48.7324,45.8114 40,45.8114 31.2676,45.8114 24.1886,38.7324 24.1886,30 "
+        "24.1886,21.2676 31.2676,14.1886 40,14.1886 48.7324,14.1886 55.8114,21.2676 55.8114,30");
+    row("em of the default font size", mm, "<line x1='0' y1='0' x2='2em' y2='0'/>", "0,0 8,0 16,0 24,0");
+    row("ex", mm, "<line x1='0' y1='0' x2='1ex' y2='0'/>", "0,0 2.08,0 4.16,0 6.24,0");
+    row("em of an inherited font size", mm, "<g font-size='20'><line x1='0' y1='0' x2='1.5em' y2='0'/></g>",
+        "0,0 10,0 20,0 30,0");
+    row("font size from a style, in mm", mm, "<g style='font-size:1in'><line x1='0' y1='0' x2='0.5em' y2='0'/></g>",
+        "0,0 16,0 32,0 48,0");
+    row("geometry in the style wins over attributes", mm,
+        "<rect x='50' width='1' height='1' style='x:1; y:2 ;width:3;height:6'/>",
+        "Z:1,2 2,2 3,2 4,2 4,4 4,6 4,8 3,8 2,8 1,8 1,6 1,4 1,2");
+    row("transform in the style", mm, "<line x1='0' y1='0' x2='3' y2='0' style='transform:translate(10,20)'/>",
+        "10,20 11,20 12,20 13,20");
+    row("ellipse: rx alone stands for ry", mm, "<ellipse cx='5' cy='5' rx='2'/>",
+        "Z:7,5 7,6.10457 6.10457,7 5,7 3.89543,7 3,6.10457 3,5 3,3.89543 3.89543,3 5,3 6.10457,3 7,3.89543 7,5");
+    row("ellipse: ry alone stands for rx", mm, "<ellipse cx='5' cy='5' style='ry:2'/>",
+        "Z:7,5 7,6.10457 6.10457,7 5,7 3.89543,7 3,6.10457 3,5 3,3.89543 3.89543,3 5,3 6.10457,3 7,3.89543 7,5");
+    row("stroke width in mm, inherited, scaled by the transform", mm,
+        "<g stroke-width='0.5mm'><line x1='0' y1='0' x2='3' y2='0' transform='scale(2)'/></g>",
+        "0,0 2,0 4,0 6,0", 96 / 25.4);
+    row("stroke width in the style", mm, "<line x1='0' y1='0' x2='3' y2='0' style='stroke-width:4%'/>",
+        "0,0 1,0 2,0 3,0", 4);
+}
+
+void TestSvgReader::lengths()
+{
+    QFETCH(QByteArray, svgTag);
+    QFETCH(QByteArray, body);
+    QFETCH(QString, expected);
+    QFETCH(double, stroke);
+    SvgImage *image = SvgReader::parse("<svg xmlns='http://www.w3.org/2000/svg' " + svgTag + ">" + body + "</svg>",
+                                       "mm", 0.1f);
+    QVERIFY(image && !image->shapes.empty());
+    const QString got = dump(image);
+    const double pen = image->shapes.front().strokeWidth;
+    SvgReader::release(image);
+    QCOMPARE(got, expected);
+    QVERIFY2(std::fabs(pen - stroke) < 1e-4, qPrintable(QString::number(pen)));
 }
 
 void TestSvgReader::refused_data()

@@ -5,6 +5,7 @@
 #include "appsettings.h"
 #include "imgbinaryedit.h"
 
+#include <QFrame>
 #include <QLabel>
 #include <QPushButton>
 #include <QSettings>
@@ -136,9 +137,17 @@ private slots:
         ScopedWorkDir dir;
         QSettings("Slice.ini", QSettings::IniFormat).setValue("Slice/thread_hold", 128);
 
+        // Under the program's own style sheet, as the user sees it.
+        QFile style(":/qdarkstyle/test.qss");
+        QVERIFY(style.open(QIODevice::ReadOnly));
+        qApp->setStyleSheet(QString::fromUtf8(style.readAll()));
         ImgBinaryEdit editor;
         QSignalSpy spy(&editor, SIGNAL(SigBlackWhite()));
         editor.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&editor));
+        // The previews take the room; the bar above them keeps to its own height.
+        QVERIFY(editor.findChild<QFrame *>("frameTop")->height() <= 70);
+        QVERIFY(editor.findChild<QLabel *>("labelSrc")->height() > editor.height() * 3 / 4);
         editor.SetImage(ramp(64, 4).scaled(64, 64));
         for (const QString &action : actions) {
             if (action == "gray")
@@ -174,15 +183,18 @@ private slots:
         palette.fill(0);
         palette.setPixel(0, 1, 1);
         palette.setPixel(1, 1, 1);
-        QImage huge(20000, 20000, QImage::Format_Mono);
-        huge.fill(0);
+        // Beyond 64 million pixels, which phone photos pass.
+        QImage large(8200, 8000, QImage::Format_Mono);
+        large.fill(1);
 
         QTest::newRow("missing file") << QImage() << QSize(0, 0) << 0;
         QTest::newRow("1 x 1") << marked(1, 1, Black) << QSize(1, 1) << 1;
         QTest::newRow("all black") << marked(50, 40, Black) << QSize(50, 40) << 2000;
         QTest::newRow("all white") << marked(50, 40, White) << QSize(50, 40) << 0;
         QTest::newRow("palette with transparency") << palette << QSize(4, 2) << 2;
-        QTest::newRow("20000 x 20000") << huge << QSize(0, 0) << 0;
+        QTest::newRow("65.6 MP taken") << large << QSize(8200, 8000) << 0;
+        // Terabytes at 4 bytes a pixel: refused before any decoding.
+        QTest::newRow("beyond memory") << QImage() << QSize(0, 0) << 0;
     }
 
     void badInput()
@@ -193,7 +205,16 @@ private slots:
         ScopedWorkDir dir;
         AppSettings::setThreshold(128);
         const QString path = dir.file("picture.png");
-        QVERIFY(picture.isNull() || picture.save(path));
+        if (QTest::currentDataTag() == QLatin1String("beyond memory")) {
+            // A PNG header for 500000 x 500000 gray pixels, and a first scrap of data.
+            QFile header(path);
+            QVERIFY(header.open(QIODevice::WriteOnly));
+            header.write(QByteArray::fromHex("89504e470d0a1a0a0000000d494844520007a1200007a1200800000000f96378ec"
+                                             "0000000b49444154789c63604005000010000139bd8f65"
+                                             "0000000049454e44ae426082"));
+        } else {
+            QVERIFY(picture.isNull() || picture.save(path));
+        }
         QVERIFY(marked(3, 3, White).save("black_white.jpg", "JPEG"));  // an earlier output
 
         ImgBinaryEdit editor;
@@ -204,6 +225,8 @@ private slots:
         // Failures are told in the result pane, not in a blocking message box.
         QLabel *dest = editor.findChild<QLabel *>("labelDest");
         QCOMPARE(dest->text().isEmpty(), !resultSize.isEmpty());
+        if (QTest::currentDataTag() == QLatin1String("beyond memory"))
+            QCOMPARE(dest->text(), QString("图片太大，无法处理"));
         // Finish replaces the earlier file; a refused picture leaves none.
         editor.on_btnFinish_clicked();
         QCOMPARE(QImage("black_white.jpg").size(), resultSize);

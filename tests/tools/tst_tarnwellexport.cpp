@@ -122,6 +122,17 @@ private slots:
                                                            "out.gcode", "--width", "10"} << "height";
         QTest::newRow("trace of junk") << QStringList{"trace", "--input", "junk.png", "--output", "out.gcode"}
                                        << "junk.png";
+        // The decoder's own complaint about the header must not reach standard error.
+        QTest::newRow("raster, header invalid") << QStringList{"raster", "--input", "ihdr.png", "--output",
+                                                               "out.gcode", "--width", "10"} << "ihdr.png";
+        QTest::newRow("trace, header invalid") << QStringList{"trace", "--input", "ihdr.png", "--output", "out.gcode"}
+                                               << "ihdr.png";
+        QTest::newRow("vector positions not numbers") << QStringList{"vector", "--input", "tiny.svg", "--output",
+                                                                     "out.gcode", "--width", "20", "--height", "20"}
+                                                      << "tiny.svg";
+        QTest::newRow("raster extent not a number") << QStringList{"raster", "--input", "pic.png", "--output",
+                                                                   "out.gcode", "--width", "1e308", "--x", "1e308"}
+                                                    << "pic.png";
     }
 
     void badInput()
@@ -132,7 +143,12 @@ private slots:
         QVERIFY(samplePicture().save("pic.png"));
         writeFile("junk.png", "this is not a picture at all");
         writeFile("junk.svg", "<svg><path d=");
+        // A PNG whose header gives colour type 1, which no decoder accepts.
+        writeFile("ihdr.png", QByteArray("\x89\x50\x4e\x47\x0d\x0a\x1a\x0a\x00\x00\x00\x0d\x49\x48\x44\x52\x00\x00\x00\x20\x00\x00\x00\x20\x08\x01\x00\x00\x00\xee\xad\x42\x4d\x00\x00\x00\x12\x49\x44\x41\x54\x78\x9c\x63\x60\x18\x05\xa3\x60\x14\x8c\x02\xec\x00\x00\x04\x20\x00\x01\x86\xb3\x3d\x44\x00\x00\x00\x00\x49\x45\x4e\x44\xae\x42\x60\x82", 75));
         writeFile("square.svg", SquareSvg);
+        // So narrow that scaling it to 20 mm overflows.
+        writeFile("tiny.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
+                              "viewBox=\"0 0 20 20\"><path d=\"M0 0 L1e-40 1e-40\"/></svg>");
         const Run run = runExport(args);
         QCOMPARE(run.status, 2);
         QVERIFY2(run.err.endsWith('\n') && run.err.count('\n') == 1, run.err.constData());
