@@ -7,8 +7,6 @@
 #include <QFile>
 #include <QSettings>
 
-#include <cmath>
-
 namespace AppSettings {
 
 const char *const ConfigFile = "Config.ini";
@@ -56,10 +54,7 @@ void setTarnwyString(const QString &key, const QString &text)
 
 double tarnwyDouble(const QString &key)
 {
-    // "nan" and "inf" convert, but no placement or speed can be either: they read as a
-    // malformed number does, as 0.
-    const double v = value(ConfigFile, GroupTarnwy, key, QString()).toDouble();
-    return std::isfinite(v) ? v : 0.0;
+    return value(ConfigFile, GroupTarnwy, key, QString()).toDouble();
 }
 
 void setTarnwyDouble(const QString &key, double v)

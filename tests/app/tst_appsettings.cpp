@@ -137,27 +137,6 @@ private slots:
         }
     }
 
-    void offsetNumbers_data()
-    {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<double>("offset");
-        QTest::newRow("number") << QByteArray("12.5") << 12.5;
-        QTest::newRow("not a number") << QByteArray("abc") << 0.0;
-        QTest::newRow("nan") << QByteArray("nan") << 0.0;
-        QTest::newRow("inf") << QByteArray("inf") << 0.0;
-        QTest::newRow("-inf") << QByteArray("-inf") << 0.0;
-        QTest::newRow("beyond a double") << QByteArray("1e999") << 0.0;
-    }
-    void offsetNumbers()
-    {
-        QFETCH(QByteArray, text);
-        QFETCH(double, offset);
-        ScopedWorkDir dir;
-        writeFile("Config.ini", "[Tarnwy]\nxoffset=" + text + "\nyoffset=" + text + "\n");
-        QCOMPARE(AppSettings::xOffset(), offset);
-        QCOMPARE(AppSettings::yOffset(), offset);
-    }
-
     // QSettings decodes "@Variant(...)" values from their binary form; a count in there can ask
     // for any amount of memory. Such a file reads as empty and is started afresh on a write.
     void storedObjects_data()
