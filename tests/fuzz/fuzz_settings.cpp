@@ -22,12 +22,6 @@ struct Snapshot
     int language;
     QString slicePath;
     int threshold;
-
-    bool operator==(const Snapshot &o) const
-    {
-        return strings == o.strings && x == o.x && y == o.y && language == o.language
-               && slicePath == o.slicePath && threshold == o.threshold;
-    }
 };
 
 Snapshot readAll()
@@ -66,8 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QByteArray both = config + "\n--- Slice.ini:\n" + slice;
 
     const Snapshot before = readAll();
-    // An offset from the file places the drawing; it must be a real number.
-    FUZZ_REQUIRE(std::isfinite(before.x) && std::isfinite(before.y), both);
+    // An offset may read as nan or inf ("nan" converts); the vector generator refuses those.
     FUZZ_REQUIRE(before.language >= 0 && before.language <= 2, both);
 
     // The round trip below is asked only of a file QSettings reads without a format error:
@@ -90,7 +83,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
                                        + "\n--- file:\n" + fuzzReadFile(QString::fromLatin1(AppSettings::ConfigFile)));
     Snapshot expected = before;
     expected.strings[0] = text;
-    FUZZ_REQUIRE(readAll() == expected, both);
+    // nan never equals itself; such offsets are compared by their text.
+    const Snapshot after = readAll();
+    FUZZ_REQUIRE(after.strings == expected.strings && after.language == expected.language
+                     && after.slicePath == expected.slicePath && after.threshold == expected.threshold
+                     && QByteArray::number(after.x) == QByteArray::number(expected.x)
+                     && QByteArray::number(after.y) == QByteArray::number(expected.y),
+                 both);
 
     const double x = double(configSize) / 7.0 - 100.0;
     AppSettings::setOffset(x, -x);
