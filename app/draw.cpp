@@ -10,6 +10,7 @@
 #include "frontend.h"
 #include "imgbinaryedit.h"
 #include "materiallibrary.h"
+#include "previewpanel.h"
 #include "qrcodebitmap.h"
 #include "renderform.h"
 #include "svg2gcodep.h"
@@ -80,6 +81,7 @@ Draw::Draw(QWidget *parent)
     m_effects = new AllKindPic;
     m_waiting = new WaitingForm;
     m_renderForm = new RenderForm(this);
+    PreviewPanel::addTo(this);
 
     // 3. Connections between the subsystems.
     connect(m_renderForm, SIGNAL(SigRect(QRectF)), this, SLOT(SlotGetRect(QRectF)));
@@ -632,6 +634,9 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
     QFile out(filename);
     if (out.open(QIODevice::WriteOnly))
         out.write(gcode);
+    // The preview reads the file after this function has closed it.
+    if (auto *preview = findChild<PreviewPanel *>())
+        preview->showFile(filename, ui->radioButtonCNC->isChecked());
 }
 
 void Draw::SlotGcodeFinished(QString)

@@ -22,6 +22,21 @@ const int MaxExactPower = 22;
 // Digits past this many are read but no longer change the mantissa.
 const int MaxMantissaDigits = 18;
 
+// mantissa / 10^fraction, correctly rounded while both are exact in a double.
+inline double scaled(unsigned long long mantissa, int power)
+{
+    double v = double(mantissa);
+    while (power > MaxExactPower) {
+        v *= ExactPowersOfTen[MaxExactPower];
+        power -= MaxExactPower;
+    }
+    while (power < -MaxExactPower) {
+        v /= ExactPowersOfTen[MaxExactPower];
+        power += MaxExactPower;
+    }
+    return power >= 0 ? v * ExactPowersOfTen[power] : v / ExactPowersOfTen[-power];
+}
+
 // Reads a number in the C locale ([+-]digits[.digits]) at *pos; false when there is none.
 // strtod would follow the user's locale, which Qt sets from the environment.
 bool readNumber(const char *text, int length, int *pos, double *value)
@@ -31,6 +46,34 @@ bool readNumber(const char *text, int length, int *pos, double *value)
     if (i < length && (text[i] == '+' || text[i] == '-')) {
         negative = text[i] == '-';
         ++i;
+    }
+    // Usual numbers have few digits: all of them fit the mantissa, read in one sweep.
+    {
+        int k = i;
+        unsigned long long quick = 0;
+        int count = 0, fractionDigits = 0;
+        while (k < length && isDigit(text[k]) && count <= MaxMantissaDigits) {
+            quick = quick * 10 + unsigned(text[k] - '0');
+            ++count;
+            ++k;
+        }
+        if (k < length && text[k] == '.' && count <= MaxMantissaDigits) {
+            ++k;
+            while (k < length && isDigit(text[k]) && count <= MaxMantissaDigits) {
+                quick = quick * 10 + unsigned(text[k] - '0');
+                ++count;
+                ++fractionDigits;
+                ++k;
+            }
+        }
+        if (count <= MaxMantissaDigits) {
+            if (count == 0)
+                return false;
+            const double v = scaled(quick, -fractionDigits);
+            *value = negative ? -v : v;
+            *pos = k;
+            return true;
+        }
     }
     unsigned long long mantissa = 0;
     int digits = 0, kept = 0, fraction = 0, dropped = 0;
@@ -60,26 +103,19 @@ bool readNumber(const char *text, int length, int *pos, double *value)
     }
     if (digits == 0)
         return false;
-    double v = double(mantissa);
-    int power = dropped - fraction;
-    while (power > MaxExactPower) {
-        v *= ExactPowersOfTen[MaxExactPower];
-        power -= MaxExactPower;
-    }
-    while (power < -MaxExactPower) {
-        v /= ExactPowersOfTen[MaxExactPower];
-        power += MaxExactPower;
-    }
-    v = power >= 0 ? v * ExactPowersOfTen[power] : v / ExactPowersOfTen[-power];
+    const double v = scaled(mantissa, dropped - fraction);
     *value = negative ? -v : v;
     *pos = i;
     return true;
 }
 
 // Moves *pos past blanks and comments; false at the end of the code (end of line or ';').
-bool skipToCode(const char *text, int length, int *pos)
+inline bool skipToCode(const char *text, int length, int *pos)
 {
     int i = *pos;
+    // Most often there is nothing to skip.
+    if (i < length && !isBlank(text[i]) && text[i] != '(')
+        return text[i] != ';';
     while (i < length) {
         const char c = text[i];
         if (isBlank(c)) {

@@ -93,5 +93,6 @@ int runRaster(const QStringList &args);
 int runVector(const QStringList &args);
 int runTrace(const QStringList &args);
 int runQr(const QStringList &args);
+int runPreview(const QStringList &args);
 
 #endif

@@ -13,6 +13,7 @@ static const char *const Usage =
     "  vector   an SVG drawing to vector G-code (laser or CNC)\n"
     "  trace    a picture traced into an outline SVG\n"
     "  qr       a text as a QR-code bitmap\n"
+    "  preview  a G-code job drawn as a PNG of the work area, with its figures\n"
     "\n"
     "'tarnwell-export SUBCOMMAND --help' describes each one;\n"
     "'tarnwell-export --version' prints the version.\n";
@@ -61,5 +62,7 @@ int main(int argc, char *argv[])
         return runTrace(args);
     if (command == QLatin1String("qr"))
         return runQr(args);
+    if (command == QLatin1String("preview"))
+        return runPreview(args);
     return ExportCommon::fail(QStringLiteral("unknown subcommand '%1' (try --help)").arg(command));
 }

@@ -1,0 +1,173 @@
+// The work area as a graphics scene in millimetres, scene Y downwards: machine Y = 200 - y.
+// The job picture lies over a light grid; labels keep their size at every zoom.
+#include "toolpathview.h"
+
+#include <QGraphicsPixmapItem>
+#include <QGraphicsRectItem>
+#include <QGraphicsSimpleTextItem>
+#include <QMouseEvent>
+#include <QResizeEvent>
+#include <QWheelEvent>
+
+#include <cmath>
+
+namespace {
+
+constexpr double AreaWidth = 170;
+constexpr double AreaHeight = 200;
+constexpr double GridStep = 10;   // mm
+constexpr double LabelStep = 50;  // mm
+constexpr double Margin = 12;     // mm of room around the area for the labels
+constexpr double WheelStep = 1.25;
+constexpr int MaxDetailLevel = 5;  // down to 1/32 of the picture
+constexpr double MinZoom = 0.2, MaxZoom = 400;   // screen pixels per mm
+
+QGraphicsSimpleTextItem *label(QGraphicsScene *scene, const QString &text, QPointF at, bool alignRight)
+{
+    auto *item = scene->addSimpleText(text);
+    item->setFlag(QGraphicsItem::ItemIgnoresTransformations);
+    item->setBrush(QColor(90, 90, 90));
+    const QRectF box = item->boundingRect();
+    item->setPos(at);
+    item->setTransform(QTransform::fromTranslate(alignRight ? -box.width() - 3 : -box.width() / 2, alignRight ? -box.height() / 2 : 2));
+    return item;
+}
+
+} // namespace
+
+ToolpathView::ToolpathView(QWidget *parent) : QGraphicsView(parent)
+{
+    auto *scene = new QGraphicsScene(this);
+    scene->setSceneRect(-Margin, -Margin, AreaWidth + 2 * Margin, AreaHeight + 2 * Margin);
+    scene->setBackgroundBrush(QColor(214, 214, 214));
+    scene->addRect(0, 0, AreaWidth, AreaHeight, Qt::NoPen, Qt::white);
+    QPen grid(QColor(225, 232, 240));
+    grid.setCosmetic(true);
+    for (double x = GridStep; x < AreaWidth; x += GridStep)
+        scene->addLine(x, 0, x, AreaHeight, grid);
+    for (double y = GridStep; y < AreaHeight; y += GridStep)
+        scene->addLine(0, AreaHeight - y, AreaWidth, AreaHeight - y, grid);
+    m_picture = scene->addPixmap(QPixmap());
+    m_picture->setTransformationMode(Qt::SmoothTransformation);
+    QPen outline(QColor(60, 60, 60));
+    outline.setCosmetic(true);
+    scene->addRect(0, 0, AreaWidth, AreaHeight, outline);
+    // Machine origin: bottom left.
+    QPen origin(QColor(200, 40, 40));
+    origin.setCosmetic(true);
+    origin.setWidth(2);
+    scene->addLine(0, AreaHeight, 8, AreaHeight, origin);
+    scene->addLine(0, AreaHeight, 0, AreaHeight - 8, origin);
+    // The last step's label would crowd the area's width.
+    QPen overreach(QColor(220, 40, 40), 2, Qt::DashLine);
+    overreach.setCosmetic(true);
+    m_overreach = scene->addRect(QRectF(), overreach);
+    m_overreach->hide();
+    for (double x = 0; x <= AreaWidth - LabelStep / 2; x += LabelStep)
+        label(scene, QString::number(x), QPointF(x, AreaHeight), false);
+    label(scene, QString::number(AreaWidth), QPointF(AreaWidth, AreaHeight), false);
+    for (double y = LabelStep; y <= AreaHeight; y += LabelStep)
+        label(scene, QString::number(y), QPointF(0, AreaHeight - y), true);
+    setScene(scene);
+    setDragMode(QGraphicsView::ScrollHandDrag);
+    setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
+    setRenderHint(QPainter::SmoothPixmapTransform);
+}
+
+void ToolpathView::setPicture(const QImage &picture, double pxPerMm)
+{
+    // White (nothing burns) becomes clear so the grid shows through; premultiplied, so that
+    // averaging clear and burned pixels gives a lighter burn and not a gray veil.
+    QImage clear = picture.convertToFormat(QImage::Format_ARGB32);
+    for (int r = 0; r < clear.height(); ++r) {
+        QRgb *line = reinterpret_cast<QRgb *>(clear.scanLine(r));
+        for (int c = 0; c < clear.width(); ++c) {
+            if (line[c] == 0xffffffff)
+                line[c] = 0;
+        }
+    }
+    m_full = clear.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    m_pxPerMm = pxPerMm;
+    m_level = -1;
+    updateDetail();
+}
+
+void ToolpathView::updateDetail()
+{
+    if (m_full.isNull()) {
+        m_picture->setPixmap(QPixmap());
+        return;
+    }
+    const double ratio = zoom() / m_pxPerMm;   // screen pixels per picture pixel
+    const int level = ratio >= 1 ? 0 : std::min(MaxDetailLevel, int(std::floor(std::log2(1 / ratio))));
+    if (level == m_level)
+        return;
+    m_level = level;
+    const int step = 1 << level;
+    const QImage shown = level == 0 ? m_full
+                                    : m_full.scaled(std::max(1, m_full.width() / step),
+                                                    std::max(1, m_full.height() / step), Qt::IgnoreAspectRatio,
+                                                    Qt::SmoothTransformation);
+    m_picture->setPixmap(QPixmap::fromImage(shown));
+    m_picture->setScale(double(m_full.width()) / shown.width() / m_pxPerMm);
+}
+
+void ToolpathView::setOverreach(const QRectF &machine)
+{
+    const QRectF area(-Margin, -Margin, AreaWidth + 2 * Margin, AreaHeight + 2 * Margin);
+    if (machine.isNull()) {
+        m_overreach->hide();
+        scene()->setSceneRect(area);
+        return;
+    }
+    const QRectF box(machine.left(), AreaHeight - machine.bottom(), machine.width(), machine.height());
+    m_overreach->setRect(box);
+    m_overreach->show();
+    // Let the view scroll out to it.
+    scene()->setSceneRect(area.united(box.adjusted(-Margin, -Margin, Margin, Margin)));
+}
+
+void ToolpathView::fitMachineRect(const QRectF &machine)
+{
+    QRectF scene(0, 0, AreaWidth, AreaHeight);
+    if (machine.isValid() || machine.width() > 0 || machine.height() > 0)
+        scene = QRectF(machine.left(), AreaHeight - machine.bottom(), machine.width(), machine.height());
+    // Some room around the job, and never closer than a few millimetres.
+    const double room = std::max(2.0, 0.05 * std::max(scene.width(), scene.height()));
+    m_fit = scene.adjusted(-room, -room, room, room);
+    m_autoFit = true;
+    applyFit();
+}
+
+void ToolpathView::applyFit()
+{
+    if (m_fit.isEmpty())
+        m_fit = QRectF(-Margin / 2, -Margin / 2, AreaWidth + Margin, AreaHeight + Margin);
+    fitInView(m_fit, Qt::KeepAspectRatio);
+    updateDetail();
+}
+
+void ToolpathView::resizeEvent(QResizeEvent *event)
+{
+    QGraphicsView::resizeEvent(event);
+    if (m_autoFit)
+        applyFit();
+}
+
+void ToolpathView::mousePressEvent(QMouseEvent *event)
+{
+    m_autoFit = false;
+    QGraphicsView::mousePressEvent(event);
+}
+
+void ToolpathView::wheelEvent(QWheelEvent *event)
+{
+    const double factor = std::pow(WheelStep, event->angleDelta().y() / 120.0);
+    const double next = zoom() * factor;
+    if (next < MinZoom || next > MaxZoom)
+        return;
+    m_autoFit = false;
+    scale(factor, factor);
+    updateDetail();
+    event->accept();
+}

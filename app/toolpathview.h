@@ -1,0 +1,49 @@
+// The preview's drawing: the work area in millimetres with its origin at the bottom left,
+// a light 10 mm grid and the rendered job; zoom with the wheel, pan by dragging, fit.
+#ifndef TOOLPATHVIEW_H
+#define TOOLPATHVIEW_H
+
+#include <QGraphicsView>
+#include <QImage>
+#include <QRectF>
+
+class QGraphicsPixmapItem;
+class QGraphicsRectItem;
+
+class ToolpathView : public QGraphicsView
+{
+    Q_OBJECT
+
+public:
+    explicit ToolpathView(QWidget *parent = nullptr);
+
+    // The job drawn at `pxPerMm` over the whole work area; white shows the grid through.
+    void setPicture(const QImage &picture, double pxPerMm);
+    // Fits the view to a rectangle in machine millimetres (Y up); an empty one fits the area.
+    void fitMachineRect(const QRectF &machine);
+    double zoom() const { return transform().m11(); }
+    // Outlines in red where a job goes beyond the work area (machine millimetres, Y up);
+    // an empty rectangle hides it.
+    void setOverreach(const QRectF &machine);
+
+protected:
+    void wheelEvent(QWheelEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void applyFit();
+    // Shows the picture shrunk by a power of two near the zoom, averaged, so that rows and
+    // thin lines keep their darkness on screen instead of flickering in and out.
+    void updateDetail();
+
+    QGraphicsPixmapItem *m_picture = nullptr;
+    QGraphicsRectItem *m_overreach = nullptr;
+    QImage m_full;
+    double m_pxPerMm = 1;
+    int m_level = -1;
+    QRectF m_fit;          // scene rectangle to fit
+    bool m_autoFit = true; // until the user zooms or pans, the fit follows the view's size
+};
+
+#endif
