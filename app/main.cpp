@@ -10,6 +10,7 @@
 #include <QThread>
 #include <QTextStream>
 #include <cstdio>
+#include <cstring>
 
 namespace {
 constexpr qint64 SplashMilliseconds = 2000;
@@ -17,6 +18,11 @@ constexpr qint64 SplashMilliseconds = 2000;
 
 int main(int argc, char *argv[])
 {
+    // Answered before Qt starts, so it needs no display.
+    if (argc > 1 && std::strcmp(argv[1], "--version") == 0) {
+        std::printf("TarnwellLaser %s\n", TARNWELL_VERSION);
+        return 0;
+    }
     QApplication app(argc, argv);
     Draw window;
 

@@ -291,6 +291,9 @@ bool GcodeInterpreter::interpretLine(const char *text, int length)
         return false;
     if (hasP && !dwell)
         return false;
+    // Firmware refuses a negative feed rate and runs nothing of the line.
+    if (hasF && f < 0)
+        return false;
 
     if (units == 20)
         m_unit = MmPerInch;

@@ -841,9 +841,14 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
 
     // User units -> px -> the requested units, in single precision at the end.
     const double toUnits = 1.0 / unitPx;
+    const double width = vp.widthPx * toUnits;
+    const double height = vp.heightPx * toUnits;
+    // A document size no float holds is as broken as such a coordinate.
+    if (!(std::fabs(width) <= FloatMax && std::fabs(height) <= FloatMax))
+        return nullptr;
     SvgImage *image = new SvgImage;
-    image->width = float(vp.widthPx * toUnits);
-    image->height = float(vp.heightPx * toUnits);
+    image->width = float(width);
+    image->height = float(height);
     image->shapes.resize(shapeEnds.size());
     float minX = std::numeric_limits<float>::max(), minY = minX;
     size_t begin = 0;
@@ -884,9 +889,18 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
         for (SvgShape &shape : image->shapes)
             for (SvgPath &path : shape.paths)
                 for (size_t i = 0; i + 1 < path.pts.size(); i += 2) {
-                    path.pts[i] -= minX;
-                    path.pts[i + 1] -= minY;
+                    // Points far apart on both sides of 0 can end further from the origin
+                    // than a float reaches.
+                    const double x = double(path.pts[i]) - minX;
+                    const double y = double(path.pts[i + 1]) - minY;
+                    finite = finite && x <= FloatMax && y <= FloatMax;
+                    path.pts[i] = float(x);
+                    path.pts[i + 1] = float(y);
                 }
+        if (!finite) {
+            delete image;
+            return nullptr;
+        }
     }
     return image;
 }

@@ -19,7 +19,7 @@ class SvgReader
 public:
     // The file is opened by the bytes of `path` as they stand, like fopen.
     // Returns nullptr when the file cannot be read, is not well-formed XML, has no
-    // svg root, or holds a coordinate too large for a float. Free with release().
+    // svg root, or has a size or coordinate too large for a float. Free with release().
     static SvgImage *parseFromFile(const char *path, const char *units, float dpi);
     static SvgImage *parse(const QByteArray &document, const char *units, float dpi);
     static void release(SvgImage *image);

@@ -30,6 +30,15 @@ const char *const kTrailingCommentPattern = "(.*) *;";
 const char *const kEndMarker = "end";
 const char *const kHeaterWait = "M109";
 
+// A capture that is not a number, or too large for a float, counts as 0 like any
+// other malformed number; an infinite extent would spoil every later comparison.
+float coordinate(const QStringRef &text)
+{
+    bool ok = false;
+    const float v = text.toFloat(&ok);
+    return ok && qIsFinite(v) ? v : 0.0f;
+}
+
 // Bytes read at once by the scan.
 const qint64 kScanBlockSize = 4 * 1024 * 1024;
 
@@ -90,14 +99,14 @@ float toCoordinate(const QString &line, const char *text, int from, int length)
     for (int i = 0; i < length; ++i) {
         if (s[i] == '.') {
             if (point >= 0)
-                return line.midRef(from, length).toFloat();
+                return coordinate(line.midRef(from, length));
             point = i;
         } else if (++count <= MaxFastDigits) {
             digits = digits * 10 + (s[i] - '0');
         }
     }
     if (count == 0 || count > MaxFastDigits || point == 0 || point == length - 1)
-        return line.midRef(from, length).toFloat();
+        return coordinate(line.midRef(from, length));
     const int decimals = point < 0 ? 0 : length - 1 - point;
     return float(double(digits) / powersOfTen[decimals]);
 }
@@ -238,8 +247,10 @@ void GSendModel::OpenFile(QString path)
                 move = &g1;
             else if (line.contains(g0Tag) && g0.indexIn(line) != -1)
                 move = &g0;
-            if (move)
-                extend(move->cap(1).toFloat(), move->cap(2).toFloat());
+            if (move) {
+                const QString x = move->cap(1), y = move->cap(2);
+                extend(coordinate(QStringRef(&x)), coordinate(QStringRef(&y)));
+            }
         }
     }
 

@@ -13,6 +13,10 @@ PACKAGES=(
   # tests and looking at the program
   xvfb xauth xdotool socat imagemagick fonts-wqy-zenhei
   libgl1-mesa-dri
+  # fuzzing (clang's libFuzzer)
+  clang libclang-rt-14-dev
+  # the Debian package and its checks
+  dpkg-dev file desktop-file-utils appstream lintian
 )
 
 SUDO=""

@@ -66,6 +66,20 @@ others() {
   # Small arrows for combo and spin boxes of the dark stylesheet.
   convert -size 10x6 xc:none -fill '#dfe6ee' -draw 'polygon 0,0 9,0 4.5,5' "$img/arrow-down.png"
   convert -size 10x6 xc:none -fill '#dfe6ee' -draw 'polygon 0,5 9,5 4.5,0' "$img/arrow-up.png"
+
+  # Desktop icons: the same design drawn at 256 px and reduced to the usual hicolor sizes.
+  local icons="$root/packaging/icons/hicolor" size
+  tmp="$(mktemp -d)"
+  convert -size 256x256 xc:none \
+    -fill '#1d3b66' -stroke '#6fb1ff' -strokewidth 12 -draw 'roundrectangle 16,16 239,239 40,40' \
+    -stroke '#ff4040' -strokewidth 16 -draw 'line 128,32 128,120' \
+    -fill '#ff4040' -stroke none -draw 'circle 128,152 128,184' \
+    -fill '#ffffff' -draw 'circle 128,152 128,164' "$tmp/icon.png"
+  for size in 16 24 32 48 64 128 256; do
+    mkdir -p "$icons/${size}x${size}/apps"
+    convert "$tmp/icon.png" -resize "${size}x${size}" -strip "$icons/${size}x${size}/apps/tarnwell-laser.png"
+  done
+  rm -rf "$tmp"
 }
 
 background

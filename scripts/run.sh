@@ -14,14 +14,12 @@ if [ "${SKIP_INSTALL:-0}" != "1" ]; then
 fi
 "$root/scripts/build.sh" "$root/build"
 
-program="$root/build/app/TarnwellLaser"
-mkdir -p "$work"
-# Starting material libraries; the user's own are never replaced.
-for library in "$root"/resources/materials/dataFile_*.json; do
-  [ -e "$library" ] || continue
-  [ -e "$work/$(basename "$library")" ] || cp "$library" "$work/"
-done
-cd "$work"
+# The installed launcher, pointed at this build: it makes the working folder, copies the
+# starting material libraries in when absent and starts the program there.
+export TARNWELL_WORKDIR="$work"
+export TARNWELL_PROGRAM="$root/build/app/TarnwellLaser"
+export TARNWELL_MATERIALS="$root/resources/materials"
+program="$root/packaging/tarnwell-laser"
 echo "Working folder: $work"
 
 if [ -n "${DISPLAY:-}" ]; then

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the project needs, builds it and runs the whole test suite twice:
-# once as released, once under AddressSanitizer and UndefinedBehaviorSanitizer.
+# once as released, once under AddressSanitizer and UndefinedBehaviorSanitizer;
+# then fuzzes every reader for 20 seconds and checks the Debian package.
 # Usage: scripts/test.sh            (set SKIP_INSTALL=1 to skip the package step)
 set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
@@ -22,3 +23,10 @@ echo "== Sanitizer build and tests (ASan + UBSan) =="
 export ASAN_OPTIONS="detect_leaks=0:halt_on_error=1:abort_on_error=1"
 export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1"
 (cd "$root/build-asan" && ctest --output-on-failure --parallel "$jobs")
+
+echo "== Fuzzing, 20 s per target =="
+# The fuzz targets keep their own sanitizer settings (leaks counted per input).
+env -u ASAN_OPTIONS -u UBSAN_OPTIONS "$root/scripts/fuzz.sh" 20
+
+echo "== Debian package: build, lintian, install, start, remove =="
+"$root/scripts/package-test.sh"

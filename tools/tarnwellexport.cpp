@@ -15,7 +15,8 @@ static const char *const Usage =
     "  qr       a text as a QR-code bitmap\n"
     "  preview  a G-code job drawn as a PNG of the work area, with its figures\n"
     "\n"
-    "'tarnwell-export SUBCOMMAND --help' describes each one.\n";
+    "'tarnwell-export SUBCOMMAND --help' describes each one;\n"
+    "'tarnwell-export --version' prints the version.\n";
 
 // Standard error carries only the tool's own one-line messages, so the generators'
 // debug notes and Qt's start-up remarks are dropped.
@@ -47,6 +48,10 @@ int main(int argc, char *argv[])
     const QString command = args.takeFirst();
     if (command == QLatin1String("--help") || command == QLatin1String("help")) {
         QTextStream(stdout) << Usage;
+        return 0;
+    }
+    if (command == QLatin1String("--version")) {
+        QTextStream(stdout) << "tarnwell-export " << TARNWELL_VERSION << '\n';
         return 0;
     }
     if (command == QLatin1String("raster"))

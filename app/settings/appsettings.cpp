@@ -1,5 +1,10 @@
+// Reads and writes the program's INI files, Config.ini and Slice.ini, in the current directory.
+// Every call opens the file afresh and closes it again, so each change is on disk when it returns.
 #include "appsettings.h"
 
+#include "settingsfileguard.h"
+
+#include <QFile>
 #include <QSettings>
 
 namespace AppSettings {
@@ -13,7 +18,10 @@ const char *const GroupSlice = "Slice";
 QVariant value(const QString &file, const QString &group, const QString &key,
                const QVariant &defaultValue)
 {
-    // A missing, unreadable or garbled file reads as a file with no keys.
+    // A missing, unreadable or garbled file reads as a file with no keys; so does one with
+    // a stored object in it, which QSettings would decode at any cost.
+    if (SettingsFileGuard::fileHoldsStoredObject(file))
+        return defaultValue;
     QSettings settings(file, QSettings::IniFormat);
     settings.beginGroup(group);
     const QVariant v = settings.value(key, defaultValue);
@@ -24,7 +32,10 @@ QVariant value(const QString &file, const QString &group, const QString &key,
 void setValue(const QString &file, const QString &group, const QString &key,
               const QVariant &v)
 {
-    // Write failures (read-only file, a folder in its place) are not reported.
+    // Write failures (read-only file, a folder in its place) are not reported. Writing
+    // parses the whole file first, so one with a stored object in it is started afresh.
+    if (SettingsFileGuard::fileHoldsStoredObject(file))
+        QFile::remove(file);
     QSettings settings(file, QSettings::IniFormat);
     settings.beginGroup(group);
     settings.setValue(key, v);

@@ -136,6 +136,38 @@ private slots:
             QCOMPARE(AppSettings::mode(), QString());
         }
     }
+
+    // QSettings decodes "@Variant(...)" values from their binary form; a count in there can ask
+    // for any amount of memory. Such a file reads as empty and is started afresh on a write.
+    void storedObjects_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<QString>("mode");   // what mode() reads; "<none>": the file is refused
+        const QByteArray polygon = "@Variant(\\0\\0\\0G\\0\\xff\\xff\\xff\\xff)";
+        QTest::newRow("polygon of 4 billion points") << "mode=" + polygon << "<none>";
+        QTest::newRow("quoted") << "mode=\"" + polygon + "\"" << "<none>";
+        QTest::newRow("second element of a list") << "mode=laser, " + polygon << "<none>";
+        QTest::newRow("at sign as an escape") << "mode=\\x40" + polygon.mid(1) << "<none>";
+        QTest::newRow("value continued on the next line") << "mode=laser,\\\n" + polygon << "<none>";
+        QTest::newRow("stored date") << QByteArray("mode=@DateTime(\\0\\0\\0\\xff)") << "<none>";
+        QTest::newRow("escaped at sign is text") << QByteArray("mode=@@Variant(x)") << "@Variant(x)";
+        QTest::newRow("text form") << QByteArray("mode=@String(laser)") << "laser";
+        QTest::newRow("at sign inside a value is text") << QByteArray("mode=me@host") << "me@host";
+        QTest::newRow("in a comment line") << "; mode=" + polygon << "";
+    }
+    void storedObjects()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(QString, mode);
+        ScopedWorkDir dir;
+        writeFile("Config.ini", "[Language]\nlanguage=English\n[Tarnwy]\n" + line + "\nxoffset=7\n");
+        const bool refused = mode == "<none>";
+        QCOMPARE(AppSettings::mode(), refused ? QString() : mode);
+        QCOMPARE(AppSettings::languageIndex(), refused ? 0 : 1);
+        AppSettings::setOffset(3, 4);
+        QCOMPARE(AppSettings::xOffset(), 3.0);
+        QCOMPARE(AppSettings::languageIndex(), refused ? 0 : 1);
+    }
 };
 
 TARNWELL_TEST_MAIN(TestAppSettings)

@@ -163,6 +163,8 @@ void TestGcodeInterpreter::figures_data()
         << QByteArray("M106 S255\nG1 X1" + QByteArray(400, '9') + "\nG1 X20000000 F100\nG1 X5 F" + QByteArray(30, '9')
                       + "\nG2 X5 Y0 I0 J0\nG3 X0 Y0 I9999999 J0\nG1 X0 Y0 F0\n")
         << "7 3(2) 2 2 0..5 x 0..0 mm 0/0";
+    QTest::newRow("negative feed is not understood")
+        << QByteArray("M106 S255\nG1 X1 F100\nG1 F-5\nG1 X3\n") << "4 1(3) 2 2 0..3 x 0..0 mm 0/0";
     QTest::newRow("nothing burns: extent of the travel")
         << QByteArray("G0 X10 Y20\nG1 X30 F100\n") << "2 0(0) 2 0 0..30 x 0..20 mm 0/0";
     QTest::newRow("zero-length burns are no moves")

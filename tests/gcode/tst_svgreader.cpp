@@ -236,6 +236,8 @@ void TestSvgReader::refused_data()
     QTest::newRow("binary garbage") << garbage;
     QTest::newRow("not an svg root") << QByteArray("<html><line x1='0' y1='0' x2='3' y2='0'/></html>");
     QTest::newRow("coordinate beyond a float") << QByteArray("<svg><line x1='0' y1='0' x2='1e37' y2='0'/></svg>");
+    QTest::newRow("document size beyond a float") << QByteArray("<svg width='1e37' height='1'><line x1='0' y1='0' x2='1' y2='0'/></svg>");
+    QTest::newRow("shift to the origin beyond a float") << QByteArray("<svg><line x1='-1e36' y1='0' x2='1e36' y2='0'/></svg>");
 }
 
 void TestSvgReader::refused()

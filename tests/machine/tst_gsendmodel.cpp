@@ -40,6 +40,9 @@ private slots:
             << QStringList{"G0 X1 Y1\n", "G91\n", "end"};
         QTest::newRow("crlf; skipping into the end repeats the previous command")
             << QByteArray("M3 S100\r\n\r\n;c\r\nG90") << 1 << none << QStringList() << QStringList{"M3 S100\n", "M3 S100\n", "end"};
+        QTest::newRow("a number too large for a float reads as 0")
+            << QByteArray("G1 X3" + QByteArray(60, '0') + " Y5\nG1 X2 Y1" + QByteArray(60, '0') + "\n") << 2
+            << QRectF(0, 0, 2, 5) << QStringList() << QStringList{"G1 X3" + QString(60, '0') + " Y5\n", "end"};
         QTest::newRow("blank-only line handed out") << QByteArray("   \nG90\n") << 1 << none << QStringList() << QStringList{"   \n", "end"};
         QTest::newRow("layer count anywhere, time not at line start")
             << QByteArray(";Layer count: 12\n;TIME: 300\nM1 ;TIME:42\n;LAYER: 3\n") << 0 << none

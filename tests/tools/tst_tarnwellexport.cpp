@@ -76,19 +76,22 @@ private slots:
     void helpExitsZero_data()
     {
         QTest::addColumn<QStringList>("args");
-        QTest::newRow("command") << QStringList{"--help"};
-        QTest::newRow("raster") << QStringList{"raster", "--help"};
-        QTest::newRow("vector") << QStringList{"vector", "--help"};
-        QTest::newRow("trace") << QStringList{"trace", "--help"};
-        QTest::newRow("qr") << QStringList{"qr", "--help"};
+        QTest::addColumn<QString>("expected");  // contained in standard output
+        QTest::newRow("command") << QStringList{"--help"} << "Usage";
+        QTest::newRow("raster") << QStringList{"raster", "--help"} << "Usage";
+        QTest::newRow("vector") << QStringList{"vector", "--help"} << "Usage";
+        QTest::newRow("trace") << QStringList{"trace", "--help"} << "Usage";
+        QTest::newRow("qr") << QStringList{"qr", "--help"} << "Usage";
+        QTest::newRow("version") << QStringList{"--version"} << "tarnwell-export " TARNWELL_VERSION "\n";
     }
 
     void helpExitsZero()
     {
         QFETCH(QStringList, args);
+        QFETCH(QString, expected);
         const Run run = runExport(args);
         QCOMPARE(run.status, 0);
-        QVERIFY(run.out.contains("Usage"));
+        QVERIFY2(run.out.contains(expected.toUtf8()), run.out.constData());
     }
 
     void badInput_data()
