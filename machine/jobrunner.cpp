@@ -162,8 +162,18 @@ bool JobRunner::start()
 
 void JobRunner::feed()
 {
-    if (m_state != Running)
+    // Sending a line makes the link ask for more at once; that call finds this loop running.
+    if (m_state != Running || m_feeding)
         return;
+    m_feeding = true;
+    feedLines();
+    m_feeding = false;
+    if (m_state == Running && m_next == m_lines.size() && m_acked == m_lines.size())
+        end(Done, NoFailure, tr("Job done: %1 lines").arg(m_lines.size()), false);
+}
+
+void JobRunner::feedLines()
+{
     const bool grbl = m_link->firmware() == Firmware::Grbl;
     const int ahead = grbl ? FeedAhead : 1;   // Marlin: a pause leaves at most one line behind
     while (m_next < m_lines.size() && m_link->queuedLines() < ahead) {
@@ -190,11 +200,11 @@ void JobRunner::feed()
         const QByteArray text = grbl ? GrblRewrite::line(line.text, m_link->grblMaxPower()) : line.text;
         if (isPowerLine(text))
             m_lastPower = text;
-        m_link->sendLine(text, m_next);
         ++m_next;
+        m_link->sendLine(text, m_next - 1);
+        if (m_state != Running)
+            return;
     }
-    if (m_next == m_lines.size() && m_acked == m_lines.size())
-        end(Done, NoFailure, tr("Job done: %1 lines").arg(m_lines.size()), false);
 }
 
 void JobRunner::onAnswered(int tag, const MachineReply &reply)
@@ -261,6 +271,10 @@ void JobRunner::pause()
         return;
     setState(Paused);
     m_elapsedBefore += m_clock.restart();
+    // Lines not yet written go out again on resume.
+    const int unsent = m_link->clearQueue();
+    if (unsent >= 0)
+        m_next = unsent;
     if (m_link->firmware() == Firmware::Grbl)
         m_link->sendRealtime('!');   // GRBL's laser mode turns the beam off in a hold
     else

@@ -70,6 +70,7 @@ private slots:
 
 private:
     void feed();
+    void feedLines();
     void afterAnswer();
     void setState(State state);
     void end(State state, Failure failure, const QString &message, bool beamOff);
@@ -89,6 +90,7 @@ private:
     bool m_continueOnError = false;
     bool m_pauseAtFrame = true;
     bool m_frameDue = false;
+    bool m_feeding = false;
     bool m_beamOffSent = false;
     QByteArray m_laserOff;
     QByteArray m_lastPower;   // Marlin: the power in force, restored on resume

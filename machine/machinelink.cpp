@@ -130,9 +130,14 @@ void MachineLink::sendRealtime(char byte)
         emit bytesSent(QByteArray(1, byte));
 }
 
-void MachineLink::clearQueue()
+int MachineLink::clearQueue()
 {
+    int first = -1;
+    for (const auto &queued : m_queue)
+        if (queued.second >= 0 && (first < 0 || queued.second < first))
+            first = queued.second;
     m_queue.clear();
+    return first;
 }
 
 void MachineLink::forgetUnanswered(bool waitForBanner)

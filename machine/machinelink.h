@@ -49,8 +49,9 @@ public:
     void sendRealtime(char byte);
     // Writes BYTES at once, outside the flow control (a stop must not wait behind the job).
     void writeNow(const QByteArray &bytes);
-    // Drops every queued line that has not gone out yet.
-    void clearQueue();
+    // Drops every queued line that has not gone out yet; returns the lowest tag among
+    // them that is not Manual, or -1.
+    int clearQueue();
     // Forgets the lines the board has not answered (after a reset or stop): their answers
     // will not come, or mean nothing now. After a GRBL reset the queue waits for the banner.
     void forgetUnanswered(bool waitForBanner);

@@ -44,6 +44,17 @@ public:
     }
     void banner() { say(kind == Grbl ? "\r\nGrbl 1.1h ['$' for help]\r\n" : "start\necho: External Reset\n"); }
     void say(const QByteArray &bytes) { pty.write(bytes); }
+    // A long reply, written as fast as the other end takes it.
+    void sayAll(QByteArray bytes)
+    {
+        while (!bytes.isEmpty() && pty.fd >= 0) {
+            const ssize_t n = ::write(pty.fd, bytes.constData(), size_t(bytes.size()));
+            if (n > 0)
+                bytes.remove(0, int(n));
+            else
+                QTest::qWait(1);
+        }
+    }
     void unplug()
     {
         delete m_notifier;
