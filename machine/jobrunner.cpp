@@ -244,7 +244,11 @@ void JobRunner::onFault(const MachineReply &reply)
 {
     if (!isActive())
         return;
-    const int index = qMin(m_lastAckIndex + 1, m_lines.size() - 1);
+    // The board was working on the oldest line it had not answered.
+    int index = m_lastAckIndex + 1;
+    while (index < m_lines.size() - 1 && m_answered[index])
+        ++index;
+    index = qMin(index, m_lines.size() - 1);
     const QString text = QString::fromUtf8(reply.text);
     if (reply.kind == MachineReply::Alarm)
         end(Failed, Alarm, tr("Line %1: %2 - %3 Unlock the machine before going on.")
@@ -371,4 +375,13 @@ QByteArray JobRunner::laserOffText() const
     if (!m_laserOff.isEmpty())
         return m_laserOff;
     return m_link->firmware() == Firmware::Grbl ? QByteArrayLiteral("M5") : QByteArrayLiteral("M107");
+}
+
+QString JobRunner::clockText(double seconds)
+{
+    const qint64 t = seconds > 0 ? qint64(seconds + 0.5) : 0;
+    const QString minSec = QStringLiteral("%1:%2").arg(t / 60 % 60).arg(t % 60, 2, 10, QLatin1Char('0'));
+    if (t < 3600)
+        return QStringLiteral("%1:%2").arg(t / 60).arg(t % 60, 2, 10, QLatin1Char('0'));
+    return QStringLiteral("%1:%2").arg(t / 3600).arg(minSec.rightJustified(5, QLatin1Char('0')));
 }

@@ -53,6 +53,8 @@ public:
     double estimatedSeconds() const { return m_secondsBefore.isEmpty() ? 0 : m_secondsBefore.last(); }
     double remainingSeconds() const;
     QByteArray laserOffText() const;
+    // "0:41", "12:05", "1:02:03".
+    static QString clockText(double seconds);
     const QVector<Line> &lines() const { return m_lines; }
 
 signals:

@@ -76,5 +76,6 @@ int runRaster(const QStringList &args);
 int runVector(const QStringList &args);
 int runTrace(const QStringList &args);
 int runQr(const QStringList &args);
+int runSend(const QStringList &args);
 
 #endif

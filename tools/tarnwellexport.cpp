@@ -13,6 +13,7 @@ static const char *const Usage =
     "  vector   an SVG drawing to vector G-code (laser or CNC)\n"
     "  trace    a picture traced into an outline SVG\n"
     "  qr       a text as a QR-code bitmap\n"
+    "  send     a G-code file streamed to a connected machine\n"
     "\n"
     "'tarnwell-export SUBCOMMAND --help' describes each one.\n";
 
@@ -56,5 +57,7 @@ int main(int argc, char *argv[])
         return runTrace(args);
     if (command == QLatin1String("qr"))
         return runQr(args);
+    if (command == QLatin1String("send"))
+        return runSend(args);
     return ExportCommon::fail(QStringLiteral("unknown subcommand '%1' (try --help)").arg(command));
 }
