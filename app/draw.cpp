@@ -9,6 +9,7 @@
 #include "estimatedtime.h"
 #include "frontend.h"
 #include "imgbinaryedit.h"
+#include "machinepanel.h"
 #include "materiallibrary.h"
 #include "qrcodebitmap.h"
 #include "renderform.h"
@@ -52,6 +53,9 @@ constexpr int Percent = 100;
 
 // Pictures are handed to the canvas at most this many pixels on a side.
 constexpr int LargestPictureSide = 1000;
+
+// The generators flip Y against this height; the machine panel frames in the same coordinates.
+constexpr double WorkAreaHeight = 200.0;
 
 // Jog moves always use this feed rate.
 constexpr int JogFeed = 2000;
@@ -117,6 +121,18 @@ Draw::Draw(QWidget *parent)
 
     // 10. Sliders, font size and the form's own signals.
     setUpSliders();
+
+    // The machine panel: a tab of its own, framing where the export would put the job.
+    m_machinePanel = new MachinePanel;
+    m_machinePanel->setPortHolder(m_serialPanel);
+    m_machinePanel->setFrameSource([this] {
+        const QPointF pos = m_renderForm->CurrentItemPos();
+        const double width = ui->w_line->text().toDouble(), height = ui->h_line->text().toDouble();
+        if (!m_pictureLoaded || pos.x() == -10000.0)
+            return QRectF();
+        return QRectF(pos.x(), WorkAreaHeight - pos.y() - height, width, height);
+    });
+    ui->carTabWidget->addTab(m_machinePanel, m_machinePanel->windowTitle());
 
     // 11. Material library, slider values in their labels, the text tool's font.
     startMaterials();
@@ -597,8 +613,8 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
     if (QFile::exists(filename))
         QFile::remove(filename);
     QFile out(filename);
-    if (out.open(QIODevice::WriteOnly))
-        out.write(gcode);
+    if (out.open(QIODevice::WriteOnly) && out.write(gcode) == gcode.size())
+        m_machinePanel->setJobFile(filename);
 }
 
 void Draw::SlotGcodeFinished(QString)
