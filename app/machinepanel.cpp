@@ -35,6 +35,11 @@ MachinePanel::MachinePanel(QWidget *parent)
     ui->firmwareCombo->addItems({QString(), QStringLiteral("GRBL"), QStringLiteral("Marlin")});
     ui->releaseButton->hide();
     ui->progressBar->setFormat(QStringLiteral("%p%"));
+    // Messages run to two lines or three; the console gives up the room for them.
+    const int line = fontMetrics().lineSpacing();
+    ui->linkLabel->setMinimumHeight(2 * line);
+    ui->jobMessageLabel->setMinimumHeight(3 * line);
+    ui->consoleView->setMinimumHeight(4 * line);
     connect(m_link, &MachineLink::stateChanged, this, &MachinePanel::onLinkStateChanged);
     connect(m_link, &MachineLink::statusChanged, this, &MachinePanel::onStatus);
     connect(m_link, &MachineLink::bytesSent, this, &MachinePanel::onBytesSent);
@@ -281,10 +286,10 @@ void MachinePanel::onLinkStateChanged()
         break;
     case MachineLink::Detecting:
     case MachineLink::Configuring:
-        ui->linkLabel->setText(tr("Connecting to %1...").arg(m_link->portName()));
+        ui->linkLabel->setText(tr("Connecting to %1...").arg(QFileInfo(m_link->portName()).fileName()));
         break;
     case MachineLink::Ready:
-        ui->linkLabel->setText(tr("Connected to %1 (%2)").arg(m_link->portName(), QLatin1String(Names[int(m_link->firmware())])));
+        ui->linkLabel->setText(tr("Connected to %1 (%2)").arg(QFileInfo(m_link->portName()).fileName(), QLatin1String(Names[int(m_link->firmware())])));
         if (m_link->firmware() == Firmware::Marlin)
             m_link->requestPosition();
         break;

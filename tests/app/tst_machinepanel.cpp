@@ -84,11 +84,11 @@ private slots:
         file.close();
         FirmwareStandIn fw(FirmwareStandIn::Kind(kind), dir.path());
         auto panel = std::make_unique<MachinePanel>();
-        panel->resize(380, 820);
+        panel->resize(360, 760);
         panel->setFrameSource([] { return QRectF(10, 20, 30, 40); });
         panel->setJobFile(dir.file("job.gcode"));
         QVERIFY(connectPanel(panel.get(), fw));
-        QVERIFY(child<QLabel>(panel.get(), "linkLabel")->text().startsWith("Connected to " + fw.pty.endA()));
+        QCOMPARE(child<QLabel>(panel.get(), "linkLabel")->text(), kind == FirmwareStandIn::Grbl ? "Connected to fwA (GRBL)" : "Connected to fwA (Marlin)");
         QVERIFY(!child(panel.get(), "connectButton")->isEnabled() && !child<QLineEdit>(panel.get(), "pathEdit")->isEnabled());
         shot(panel.get(), "connected");
 
@@ -161,7 +161,7 @@ private slots:
         fw.ackDelayMs = 40;
         fw.errorAtLine = 31;
         MachinePanel panel;
-        panel.resize(380, 820);
+        panel.resize(360, 760);
         panel.setFrameSource([] { return QRectF(10, 20, 30, 40); });
         QVERIFY(connectPanel(&panel, fw));
         shot(&panel, "connected_" + language);
