@@ -122,8 +122,8 @@ Draw::Draw(QWidget *parent)
     // 10. Sliders, font size and the form's own signals.
     setUpSliders();
 
-    // The machine panel: a tab of its own, framing where the export would put the job.
-    m_machinePanel = new MachinePanel;
+    // The machine panel: a window of its own, framing where the export would put the job.
+    m_machinePanel = new MachinePanel(this);
     m_machinePanel->setPortHolder(m_serialPanel);
     m_machinePanel->setFrameSource([this] {
         const QPointF pos = m_renderForm->CurrentItemPos();
@@ -132,7 +132,7 @@ Draw::Draw(QWidget *parent)
             return QRectF();
         return QRectF(pos.x(), WorkAreaHeight - pos.y() - height, width, height);
     });
-    ui->carTabWidget->addTab(m_machinePanel, m_machinePanel->windowTitle());
+    ui->layoutLanguage->insertWidget(0, m_machinePanel->createOpenButton(this));
 
     // 11. Material library, slider values in their labels, the text tool's font.
     startMaterials();

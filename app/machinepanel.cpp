@@ -12,7 +12,6 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSerialPortInfo>
-#include <QTabWidget>
 
 namespace {
 
@@ -27,7 +26,7 @@ QByteArray mm(double v)
 } // namespace
 
 MachinePanel::MachinePanel(QWidget *parent)
-    : QWidget(parent), ui(new Ui::MachinePanel), m_link(new MachineLink(this)), m_runner(new JobRunner(m_link, this))
+    : QWidget(parent, Qt::Window), ui(new Ui::MachinePanel), m_link(new MachineLink(this)), m_runner(new JobRunner(m_link, this))
 {
     ui->setupUi(this);
     for (const int baud : BaudRates)
@@ -73,18 +72,22 @@ void MachinePanel::retranslateUi()
 
 void MachinePanel::changeEvent(QEvent *event)
 {
-    if (event->type() == QEvent::LanguageChange) {
+    if (event->type() == QEvent::LanguageChange)
         retranslateUi();
-        // The tab that holds the panel carries its title.
-        for (QWidget *w = parentWidget(); w; w = w->parentWidget())
-            if (QTabWidget *tabs = qobject_cast<QTabWidget *>(w)) {
-                const int index = tabs->indexOf(this);
-                if (index >= 0)
-                    tabs->setTabText(index, windowTitle());
-                break;
-            }
-    }
     QWidget::changeEvent(event);
+}
+
+QPushButton *MachinePanel::createOpenButton(QWidget *parent)
+{
+    QPushButton *button = new QPushButton(windowTitle(), parent);
+    button->setObjectName(QStringLiteral("btnMachinePanel"));
+    connect(this, &QWidget::windowTitleChanged, button, &QPushButton::setText);
+    connect(button, &QPushButton::clicked, this, [this] {
+        show();
+        raise();
+        activateWindow();
+    });
+    return button;
 }
 
 void MachinePanel::setJobFile(const QString &path)

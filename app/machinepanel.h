@@ -1,5 +1,5 @@
 // The machine panel: connection, console, jog, frame and running a job on a GRBL or Marlin board.
-// A tab of the main window beside the port panel above, through the machine link and job runner.
+// A window of its own, opened from the main window, working through the machine link and job runner.
 #ifndef MACHINEPANEL_H
 #define MACHINEPANEL_H
 
@@ -15,6 +15,7 @@ namespace Ui {
 class MachinePanel;
 }
 class CPSerialPort;
+class QPushButton;
 
 class MachinePanel : public QWidget
 {
@@ -29,6 +30,9 @@ public:
     void setPortHolder(CPSerialPort *holder) { m_holder = holder; }
     // The file just exported; Run job takes it unless another is chosen.
     void setJobFile(const QString &path);
+
+    // A button for the main window that opens (or raises) this window.
+    QPushButton *createOpenButton(QWidget *parent);
 
     MachineLink *link() const { return m_link; }
     JobRunner *runner() const { return m_runner; }
