@@ -614,7 +614,7 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
         QFile::remove(filename);
     QFile out(filename);
     if (out.open(QIODevice::WriteOnly) && out.write(gcode) == gcode.size())
-        m_machinePanel->setJobFile(filename);
+        m_machinePanel->setJobFile(filename, seconds);
 }
 
 void Draw::SlotGcodeFinished(QString)

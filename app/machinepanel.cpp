@@ -45,6 +45,7 @@ MachinePanel::MachinePanel(QWidget *parent)
     connect(m_link, &MachineLink::lineReceived, this, &MachinePanel::onLineReceived);
     connect(m_link, &MachineLink::failed, this, &MachinePanel::onLinkFailed);
     connect(m_link, &MachineLink::connectionLost, this, &MachinePanel::onLinkFailed);
+    connect(m_link, &MachineLink::fault, this, &MachinePanel::onFault);
     connect(m_runner, &JobRunner::progressChanged, this, &MachinePanel::onProgress);
     connect(m_runner, &JobRunner::stateChanged, this, &MachinePanel::onJobStateChanged);
     connect(m_runner, &JobRunner::lineFailed, this, [this](int line, const QString &text) {
@@ -90,9 +91,10 @@ QPushButton *MachinePanel::createOpenButton(QWidget *parent)
     return button;
 }
 
-void MachinePanel::setJobFile(const QString &path)
+void MachinePanel::setJobFile(const QString &path, double estimatedSeconds)
 {
     m_exportedFile = path;
+    m_exportedEstimate = estimatedSeconds;
     ui->jobEdit->setPlaceholderText(QFileInfo(path).fileName());
 }
 
@@ -166,6 +168,9 @@ void MachinePanel::send(const QList<QByteArray> &lines)
 {
     for (const QByteArray &line : lines)
         m_link->sendLine(line);
+    // GRBL reports where it is by itself; Marlin is asked after each move.
+    if (m_link->firmware() == Firmware::Marlin)
+        m_link->requestPosition();
 }
 
 void MachinePanel::jog(char axis, int direction)
@@ -242,6 +247,8 @@ void MachinePanel::on_runButton_clicked()
         showMessage(error, true);
         return;
     }
+    if (file == m_exportedFile)
+        m_runner->setProgramEstimate(m_exportedEstimate);
     m_runner->setContinueOnError(ui->continueCheck->isChecked());
     if (!m_runner->start()) {
         showMessage(tr("Connect to the machine first"), true);
@@ -337,6 +344,17 @@ void MachinePanel::onLinkFailed(const QString &message)
     if (!m_runner->isActive())
         showMessage(message, true);
     updateControls();
+}
+
+void MachinePanel::onFault(const MachineReply &reply)
+{
+    // During a job the runner explains it; outside one (a jog past the limits) it is said here.
+    if (m_runner->isActive())
+        return;
+    QString text = QString::fromUtf8(reply.text);
+    if (reply.kind == MachineReply::Alarm)
+        text += QStringLiteral(" - ") + MachineReplies::grblAlarmText(reply.code) + tr(" Unlock the machine before going on.");
+    showMessage(text, true);
 }
 
 void MachinePanel::onProgress()

@@ -28,8 +28,9 @@ public:
     void setFrameSource(std::function<QRectF()> source) { m_frameSource = std::move(source); }
     // The port panel above: if it holds the port, this panel offers to release it.
     void setPortHolder(CPSerialPort *holder) { m_holder = holder; }
-    // The file just exported; Run job takes it unless another is chosen.
-    void setJobFile(const QString &path);
+    // The file just exported and the generator's time estimate for it; Run job takes it
+    // unless another is chosen.
+    void setJobFile(const QString &path, double estimatedSeconds = 0);
 
     // A button for the main window that opens (or raises) this window.
     QPushButton *createOpenButton(QWidget *parent);
@@ -70,6 +71,7 @@ private slots:
     void onBytesSent(const QByteArray &bytes);
     void onLineReceived(const QByteArray &line);
     void onLinkFailed(const QString &message);
+    void onFault(const MachineReply &reply);
     void onProgress();
     void onJobStateChanged();
 
@@ -88,6 +90,7 @@ private:
     CPSerialPort *m_holder = nullptr;
     std::function<QRectF()> m_frameSource;
     QString m_exportedFile;
+    double m_exportedEstimate = 0;
     QByteArray m_state;
 };
 

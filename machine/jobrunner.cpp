@@ -133,6 +133,7 @@ bool JobRunner::loadText(const QByteArray &text, const QString &name, QString *e
     }
     m_lines = lines;
     m_secondsBefore = before;
+    m_programEstimate = 0;
     m_state = Idle;
     m_next = m_acked = 0;
     m_lastAckIndex = -1;
@@ -367,7 +368,11 @@ double JobRunner::remainingSeconds() const
 {
     if (m_secondsBefore.isEmpty())
         return 0;
-    return m_secondsBefore.last() - m_secondsBefore[m_lastAckIndex + 1];
+    const double all = m_secondsBefore.last();
+    const double left = all - m_secondsBefore[m_lastAckIndex + 1];
+    if (m_programEstimate > 0)
+        return all > 0 ? m_programEstimate * left / all : m_programEstimate * (1.0 - double(m_acked) / m_lines.size());
+    return left;
 }
 
 QByteArray JobRunner::laserOffText() const

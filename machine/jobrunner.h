@@ -35,6 +35,9 @@ public:
     void setPauseAtFrame(bool on) { m_pauseAtFrame = on; }
     // What turns the beam off; empty means the firmware's own (GRBL "M5", Marlin "M107").
     void setLaserOffText(const QByteArray &text) { m_laserOff = text; }
+    // The generator's estimate for this job, when known: the remaining time is then its share
+    // of it, spread over the lines by their moves. Without it the moves give the time.
+    void setProgramEstimate(double seconds) { m_programEstimate = seconds; }
 
     bool start();
     void pause();
@@ -95,6 +98,7 @@ private:
     bool m_feeding = false;
     bool m_beamOffSent = false;
     QByteArray m_laserOff;
+    double m_programEstimate = 0;
     QByteArray m_lastPower;   // Marlin: the power in force, restored on resume
     QElapsedTimer m_clock;
     qint64 m_elapsedBefore = 0;

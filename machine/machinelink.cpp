@@ -367,6 +367,11 @@ void MachineLink::onAnswerTimeout()
     if (m_inFlight.empty() || !m_port)
         return;
     emit failed(tr("The machine did not answer within %1 s").arg(m_answerTimeoutMs / 1000.0));
+    // Lines that will never be answered must not block the ones the user sends next.
+    if (m_port) {
+        forgetUnanswered(false);
+        pump();
+    }
 }
 
 void MachineLink::onPoll()

@@ -294,6 +294,10 @@
         <translation>State: %1   X %2  Y %3</translation>
     </message>
     <message>
+        <source> Unlock the machine before going on.</source>
+        <translation> Unlock the machine before going on.</translation>
+    </message>
+    <message>
         <source>%1 / %2 lines   elapsed %3   left %4</source>
         <translation>%1 / %2 lines   elapsed %3   left %4</translation>
     </message>

@@ -294,6 +294,10 @@
         <translation>상태: %1   X %2  Y %3</translation>
     </message>
     <message>
+        <source> Unlock the machine before going on.</source>
+        <translation> 계속하기 전에 기계 잠금을 해제하세요.</translation>
+    </message>
+    <message>
         <source>%1 / %2 lines   elapsed %3   left %4</source>
         <translation>%1 / %2줄   경과 %3   남음 %4</translation>
     </message>

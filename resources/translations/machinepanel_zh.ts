@@ -294,6 +294,10 @@
         <translation>状态：%1   X %2  Y %3</translation>
     </message>
     <message>
+        <source> Unlock the machine before going on.</source>
+        <translation> 请先解锁机器再继续。</translation>
+    </message>
+    <message>
         <source>%1 / %2 lines   elapsed %3   left %4</source>
         <translation>%1 / %2 行   已用 %3   剩余 %4</translation>
     </message>

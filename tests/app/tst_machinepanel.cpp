@@ -70,9 +70,9 @@ private slots:
                               << QList<QByteArray>{"G90", "M5", "G0 X10.00 Y20.00", "G1 X40.00 Y20.00 F2000", "G1 X40.00 Y60.00",
                                                    "G1 X10.00 Y60.00", "G1 X10.00 Y20.00", "M5"}
                               << QList<QByteArray>{"G90", "G1 F1800", "G0 X0 Y0", "M4 S20", "G1 X40 Y0", "M5"};
-        QTest::newRow("marlin") << int(FirmwareStandIn::Marlin) << QList<QByteArray>{"G91", "G1 X-10.00 F2000", "G90"}
+        QTest::newRow("marlin") << int(FirmwareStandIn::Marlin) << QList<QByteArray>{"G91", "G1 X-10.00 F2000", "G90", "M114"}
                                 << QList<QByteArray>{"G90", "M107", "G0 X10.00 Y20.00", "G1 X40.00 Y20.00 F2000", "G1 X40.00 Y60.00",
-                                                     "G1 X10.00 Y60.00", "G1 X10.00 Y20.00", "M107"}
+                                                     "G1 X10.00 Y60.00", "G1 X10.00 Y20.00", "M107", "M114"}
                                 << QList<QByteArray>{"G90", "G1 F1800", "G28 X0 Y0", "M106 S5", "G1 X40 Y0", "M107"};
     }
     void workflow()

@@ -106,6 +106,10 @@ private slots:
         QVERIFY(runner.loadText("G1 F600\nG1 X60\nM106 S3\nM107\n", "job", &message));
         QVERIFY(qAbs(runner.estimatedSeconds() - 6.05) < 1e-6);
         QCOMPARE(runner.remainingSeconds(), runner.estimatedSeconds());
+        runner.setProgramEstimate(46);   // the generator's figure wins, spread over the moves
+        QCOMPARE(runner.remainingSeconds(), 46.0);
+        QVERIFY(runner.loadText("G1 X1\n", "job", &message));   // a new job forgets it
+        QVERIFY(runner.remainingSeconds() < 1);
     }
 
     // The whole job reaches GRBL rewritten, in order, without overfilling its 128-byte buffer.
