@@ -324,8 +324,12 @@ void MachinePanel::onBytesSent(const QByteArray &bytes)
     // Lines are shown while the user works; during a job only the job's state is shown.
     if (m_runner->isActive() && bytes.size() > 1)
         return;
-    if (bytes.size() == 1)
-        log(QStringLiteral("> 0x%1").arg(uchar(bytes[0]), 2, 16, QLatin1Char('0')));
+    if (bytes == "!")
+        log(tr("> ! (feed hold)"));
+    else if (bytes == "~")
+        log(tr("> ~ (cycle start)"));
+    else if (bytes.size() == 1)
+        log(tr("> 0x%1 (reset)").arg(uchar(bytes[0]), 2, 16, QLatin1Char('0')));
     else
         log(QStringLiteral("> ") + QString::fromUtf8(bytes).trimmed());
 }

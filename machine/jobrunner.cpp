@@ -274,8 +274,8 @@ void JobRunner::pause()
 {
     if (m_state != Running)
         return;
-    setState(Paused);
     m_elapsedBefore += m_clock.restart();
+    setState(Paused);
     // Lines not yet written go out again on resume.
     const int unsent = m_link->clearQueue();
     if (unsent >= 0)

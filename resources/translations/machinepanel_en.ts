@@ -294,6 +294,18 @@
         <translation>State: %1   X %2  Y %3</translation>
     </message>
     <message>
+        <source>&gt; ! (feed hold)</source>
+        <translation>&gt; ! (feed hold)</translation>
+    </message>
+    <message>
+        <source>&gt; ~ (cycle start)</source>
+        <translation>&gt; ~ (cycle start)</translation>
+    </message>
+    <message>
+        <source>&gt; 0x%1 (reset)</source>
+        <translation>&gt; 0x%1 (reset)</translation>
+    </message>
+    <message>
         <source> Unlock the machine before going on.</source>
         <translation> Unlock the machine before going on.</translation>
     </message>

@@ -294,6 +294,18 @@
         <translation>상태: %1   X %2  Y %3</translation>
     </message>
     <message>
+        <source>&gt; ! (feed hold)</source>
+        <translation>&gt; ! (이송 정지)</translation>
+    </message>
+    <message>
+        <source>&gt; ~ (cycle start)</source>
+        <translation>&gt; ~ (사이클 시작)</translation>
+    </message>
+    <message>
+        <source>&gt; 0x%1 (reset)</source>
+        <translation>&gt; 0x%1 (리셋)</translation>
+    </message>
+    <message>
         <source> Unlock the machine before going on.</source>
         <translation> 계속하기 전에 기계 잠금을 해제하세요.</translation>
     </message>

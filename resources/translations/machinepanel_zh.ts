@@ -294,6 +294,18 @@
         <translation>状态：%1   X %2  Y %3</translation>
     </message>
     <message>
+        <source>&gt; ! (feed hold)</source>
+        <translation>&gt; !（暂停进给）</translation>
+    </message>
+    <message>
+        <source>&gt; ~ (cycle start)</source>
+        <translation>&gt; ~（继续进给）</translation>
+    </message>
+    <message>
+        <source>&gt; 0x%1 (reset)</source>
+        <translation>&gt; 0x%1（复位）</translation>
+    </message>
+    <message>
         <source> Unlock the machine before going on.</source>
         <translation> 请先解锁机器再继续。</translation>
     </message>
