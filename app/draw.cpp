@@ -127,9 +127,12 @@ Draw::Draw(QWidget *parent)
     m_machinePanel->setPortHolder(m_serialPanel);
     m_machinePanel->setFrameSource([this] {
         const QPointF pos = m_renderForm->CurrentItemPos();
-        const double width = ui->w_line->text().toDouble(), height = ui->h_line->text().toDouble();
+        double width = ui->w_line->text().toDouble(), height = ui->h_line->text().toDouble();
         if (!m_pictureLoaded || pos.x() == -10000.0)
             return QRectF();
+        // The vector export works in whole millimetres.
+        if (!ui->radioButtonBlackWhite->isChecked() && !ui->radioButtonGray->isChecked())
+            width = int(width), height = int(height);
         return QRectF(pos.x(), WorkAreaHeight - pos.y() - height, width, height);
     });
     ui->layoutLanguage->insertWidget(0, m_machinePanel->createOpenButton(this));

@@ -157,8 +157,11 @@ void MachinePanel::on_disconnectButton_clicked()
 
 void MachinePanel::on_releaseButton_clicked()
 {
+    // The port panel's Disconnect leaves its worker holding the port until the next Connect
+    // toggles it shut; so: disconnect, connect (which closes the port), disconnect again.
     if (m_holder)
-        m_holder->on_btnConnect_clicked();
+        for (int click = 0; click < 3; ++click)
+            m_holder->on_btnConnect_clicked();
     ui->releaseButton->hide();
     // The port panel closes the port in its own thread; try again when it has.
     QTimer::singleShot(500, this, &MachinePanel::on_connectButton_clicked);

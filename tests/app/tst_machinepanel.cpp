@@ -3,6 +3,14 @@
 #include "testsupport.h"
 #include "firmwarestandin.h"
 #include "machinepanel.h"
+#include "draw.h"
+#include "cpserialport.h"
+#include "pgraphicsscene.h"
+#include "renderform.h"
+
+#include <QComboBox>
+#include <QGraphicsScene>
+#include <QPainter>
 
 #include <QLabel>
 #include <QLineEdit>
@@ -181,6 +189,69 @@ private slots:
         QCOMPARE(child<QLabel>(&panel, "jobMessageLabel")->text(), error);
         shot(&panel, "error_" + language);
         qApp->removeTranslator(&translator);
+    }
+
+    // In the main window: the frame goes where the export put the job's own frame, the
+    // exported file is the one to run, and a port held by the port panel above is offered back.
+    void inTheMainWindow()
+    {
+        ScopedWorkDir dir;
+        QFile config(dir.file("Config.ini"));
+        QVERIFY(config.open(QIODevice::WriteOnly) && config.write("[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n") > 0);
+        config.close();
+        QTemporaryDir elsewhere;   // removing a picture clears every *.svg of the working folder
+        QFile svg(elsewhere.filePath("drawing.svg"));
+        QVERIFY(svg.open(QIODevice::WriteOnly));
+        svg.write("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"23mm\" height=\"17mm\" viewBox=\"0 0 23 17\">"
+                  "<path d=\"M2 2 L21 2 L21 15 L2 15 Z\" fill=\"none\" stroke=\"black\"/></svg>\n");
+        svg.close();
+        Draw w;
+        w.findChild<QRadioButton *>("radioButtonOut")->setChecked(true);
+        QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, svg.fileName()));
+        QImage canvas(400, 400, QImage::Format_ARGB32);   // the canvas learns where items stand when painted
+        QPainter painter(&canvas);
+        w.renderForm()->scene()->render(&painter);
+        const QString target = dir.file("job.gcode");
+        w.startSaveGcode(target, w.renderForm()->CurrentItemPos());
+        QFile job(target);
+        QVERIFY(job.open(QIODevice::ReadOnly));
+        QSet<QByteArray> exportedCorners;   // the job's own frame, before its pause
+        for (QByteArray line; !(line = job.readLine()).startsWith("M0");)
+            if (line.startsWith("G0 X"))
+                exportedCorners << line.trimmed().split(' ').mid(1, 2).join(' ');   // "X.. Y.."
+        QCOMPARE(exportedCorners.size(), 4);
+
+        MachinePanel *panel = w.machinePanel();
+        QVERIFY(child<QLineEdit>(panel, "jobEdit")->placeholderText() == "job.gcode");
+        w.findChild<QPushButton *>("btnMachinePanel")->click();
+        QVERIFY(panel->isVisible() && panel->isWindow());
+
+        FirmwareStandIn fw(FirmwareStandIn::Grbl, dir.path());
+        QVERIFY(fw.start());
+        // The port panel above takes the port first.
+        QComboBox *held = w.serialPanel()->findChild<QComboBox *>("portCombo");
+        held->addItem(fw.pty.endA());
+        held->setCurrentText(fw.pty.endA());
+        w.serialPanel()->findChild<QPushButton *>("btnConnect")->click();
+        QTest::qWait(300);
+        panel->link()->setDetectTimes(300, 300);
+        child<QLineEdit>(panel, "pathEdit")->setText(fw.pty.endA());
+        click(panel, "connectButton");
+        QCOMPARE(child<QLabel>(panel, "jobMessageLabel")->text(), "The port panel above holds " + fw.pty.endA() + ".");
+        QVERIFY(!child(panel, "releaseButton")->isHidden());
+        click(panel, "releaseButton");
+        QTRY_VERIFY2_WITH_TIMEOUT(panel->link()->isOpen(), qPrintable(child<QLabel>(panel, "jobMessageLabel")->text()), 5000);
+        fw.banner();
+        QTRY_COMPARE(panel->link()->state(), MachineLink::Ready);
+
+        const int mark = fw.lines.size();
+        click(panel, "frameButton");
+        QTRY_VERIFY(fw.lines.size() >= mark + 8);
+        QSet<QByteArray> framed;
+        for (const QByteArray &line : fw.lines.mid(mark))
+            if (line.startsWith("G0 X") || line.startsWith("G1 X"))
+                framed << line.split(' ').mid(1, 2).join(' ');
+        QCOMPARE(framed, exportedCorners);
     }
 };
 
