@@ -3,7 +3,9 @@
 #include "machinepanel.h"
 #include "ui_machinepanel.h"
 
+#include "appsettings.h"
 #include "cpserialport.h"
+#include "gcodetokenizer.h"
 
 #include <QComboBox>
 #include <QCoreApplication>
@@ -17,6 +19,12 @@ namespace {
 
 const int BaudRates[] = {115200, 250000, 230400, 57600, 38400, 19200, 9600};
 constexpr double JogSteps[] = {0.1, 1.0, 10.0};
+
+// A settings text as one line of G-code: its first line, comments dropped.
+QByteArray gcodeLine(const QString &text)
+{
+    return GcodeTokenizer::stripComments(text.section(QLatin1Char('\n'), 0, 0).toUtf8());
+}
 
 QByteArray mm(double v)
 {
@@ -59,6 +67,9 @@ MachinePanel::MachinePanel(QWidget *parent)
 MachinePanel::~MachinePanel()
 {
     // The runner's own farewell turns the beam off; the link then writes it out before closing.
+    // The panel hears nothing more from either on the way.
+    m_link->disconnect(this);
+    m_runner->disconnect(this);
     delete m_runner;
     m_link->close();
     delete ui;
@@ -253,6 +264,8 @@ void MachinePanel::on_runButton_clicked()
     if (file == m_exportedFile)
         m_runner->setProgramEstimate(m_exportedEstimate);
     m_runner->setContinueOnError(ui->continueCheck->isChecked());
+    // The laser-off text of the machine settings, when there is one.
+    m_runner->setLaserOffText(gcodeLine(AppSettings::tarnwyString(QStringLiteral("laser_off"))));
     if (!m_runner->start()) {
         showMessage(tr("Connect to the machine first"), true);
         return;

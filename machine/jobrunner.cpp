@@ -377,9 +377,10 @@ double JobRunner::remainingSeconds() const
 
 QByteArray JobRunner::laserOffText() const
 {
+    const bool grbl = m_link->firmware() == Firmware::Grbl;
     if (!m_laserOff.isEmpty())
-        return m_laserOff;
-    return m_link->firmware() == Firmware::Grbl ? QByteArrayLiteral("M5") : QByteArrayLiteral("M107");
+        return grbl ? GrblRewrite::line(m_laserOff, m_link->grblMaxPower()) : m_laserOff;
+    return grbl ? QByteArrayLiteral("M5") : QByteArrayLiteral("M107");
 }
 
 QString JobRunner::clockText(double seconds)

@@ -33,8 +33,9 @@ public:
 
     void setContinueOnError(bool on) { m_continueOnError = on; }
     void setPauseAtFrame(bool on) { m_pauseAtFrame = on; }
-    // What turns the beam off; empty means the firmware's own (GRBL "M5", Marlin "M107").
-    void setLaserOffText(const QByteArray &text) { m_laserOff = text; }
+    // What turns the beam off (GRBL gets it rewritten); empty means the firmware's own,
+    // GRBL "M5", Marlin "M107".
+    void setLaserOffText(const QByteArray &text) { m_laserOff = text.trimmed(); }
     // The generator's estimate for this job, when known: the remaining time is then its share
     // of it, spread over the lines by their moves. Without it the moves give the time.
     void setProgramEstimate(double seconds) { m_programEstimate = seconds; }

@@ -275,6 +275,7 @@ private slots:
         MachineLink link;
         QVERIFY(connectTo(fw, link));
         JobRunner runner(&link);
+        runner.setLaserOffText("M107 ");   // the machine settings' text, in GRBL's words
         const Job job = makeJob(30, true);
         QString error;
         QVERIFY(runner.loadText(job.file, "job", &error));
