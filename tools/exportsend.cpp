@@ -10,6 +10,7 @@
 #include <QSocketNotifier>
 #include <QTextStream>
 #include <QTimer>
+#include <csignal>
 #include <unistd.h>
 
 namespace {
@@ -27,8 +28,20 @@ const char *const SendUsage =
     "Streams the file to the machine on DEV (any serial device path) with flow control:\n"
     "comments and blank lines dropped, GRBL rewrites applied. After tracing the frame the\n"
     "job waits for Enter on standard input (the end of input stops it); --no-pause goes on\n"
-    "at once. Exit status: 0 done, 2 bad input, 3 firmware error or alarm, 4 connection lost\n"
-    "or no answer within the time-out (default 30 s).\n";
+    "at once. Ctrl-C stops the job and turns the beam off. Exit status: 0 done, 2 bad input,\n"
+    "3 firmware error, alarm or stop, 4 connection lost or no answer within the time-out\n"
+    "(default 30 s).\n";
+
+// Ctrl-C and kill reach the event loop through this pipe, so that a stop still turns the beam off.
+int g_stopPipe[2] = {-1, -1};
+
+void onStopSignal(int)
+{
+    const char byte = 1;
+    if (::write(g_stopPipe[1], &byte, 1) < 0) {
+        // Nothing more can be done inside a signal handler.
+    }
+}
 
 void say(const QString &line)
 {
@@ -136,6 +149,24 @@ int runSend(const QStringList &given)
         }
     });
 
+    QSocketNotifier *stopNotifier = nullptr;
+    if (::pipe(g_stopPipe) == 0) {
+        stopNotifier = new QSocketNotifier(g_stopPipe[0], QSocketNotifier::Read, &link);
+        QObject::connect(stopNotifier, &QSocketNotifier::activated, [&] {
+            char byte;
+            if (::read(g_stopPipe[0], &byte, 1) <= 0)
+                return;
+            if (runner.isActive()) {
+                runner.stop();
+            } else if (status < 0) {
+                say(QStringLiteral("stopped before the job began"));
+                status = FirmwareError;
+            }
+        });
+        std::signal(SIGINT, onStopSignal);
+        std::signal(SIGTERM, onStopSignal);
+    }
+
     QTimer progress;
     QObject::connect(&progress, &QTimer::timeout, [&] {
         if (runner.state() != JobRunner::Running)
@@ -155,5 +186,7 @@ int runSend(const QStringList &given)
     while (link.isOpen() && link.queuedLines() > 0 && wait.elapsed() < BeamOffWaitMs)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
     link.close();
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
     return status;
 }

@@ -94,6 +94,33 @@ private slots:
         QVERIFY2(QRegularExpression("\\nsent \\d+/300 lines, \\d+%, \\d+:\\d\\d left\\n").match(err).hasMatch(), qPrintable(err));
     }
 
+    // Ctrl-C in the middle of a job: exit 3, and the machine is reset with the beam off.
+    void interrupted()
+    {
+        ScopedWorkDir dir;
+        QFile job(dir.file("job.gcode"));
+        QVERIFY(job.open(QIODevice::WriteOnly));
+        for (int i = 0; i < 300; ++i)
+            job.write("M106 S255\nG1 X" + QByteArray::number(i) + " F600\n");
+        job.close();
+        FirmwareStandIn fw(FirmwareStandIn::Grbl, dir.path());
+        fw.ackDelayMs = 20;
+        QVERIFY(fw.start());
+        QProcess tool;
+        tool.start(TARNWELL_EXPORT, {"send", "--port", fw.pty.endA(), "--input", "job.gcode", "--firmware", "grbl"});
+        QVERIFY(tool.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(fw.lines.size() > 20, 15000);
+        ::kill(pid_t(tool.processId()), SIGINT);
+        QTest::qWait(200);
+        fw.banner();   // after its reset
+        QTRY_COMPARE_WITH_TIMEOUT(tool.state(), QProcess::NotRunning, 10000);
+        QCOMPARE(tool.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(tool.exitCode(), 3);
+        QVERIFY(QString::fromUtf8(tool.readAllStandardError()).contains("Stopped by the user at line"));
+        const QByteArray wire = fw.wire.replace("?", "");
+        QCOMPARE(wire.mid(wire.lastIndexOf('\x18')), QByteArray("\x18M5\n"));
+    }
+
     void badInput_data()
     {
         QTest::addColumn<QString>("port");      // "pty": the stand-in's; "held": the same, already open
