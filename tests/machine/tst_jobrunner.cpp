@@ -191,7 +191,8 @@ private slots:
         QVERIFY(runner.start());
         QTRY_VERIFY(runner.acknowledged() > 30);
         runner.pause();
-        QTRY_COMPARE(fw.lines.last(), QByteArray("M107"));
+        // The job has M107 lines of its own: wait until the pause's one is also answered.
+        QTRY_VERIFY(link.unansweredLines() == 0 && link.queuedLines() == 0 && fw.lines.last() == "M107");
         const int held = fw.lines.size();
         QTest::qWait(200);
         QCOMPARE(fw.lines.size(), held);   // nothing more while paused
