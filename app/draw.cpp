@@ -9,6 +9,7 @@
 #include "estimatedtime.h"
 #include "frontend.h"
 #include "imgbinaryedit.h"
+#include "machinepanel.h"
 #include "materiallibrary.h"
 #include "previewpanel.h"
 #include "qrcodebitmap.h"
@@ -53,6 +54,9 @@ constexpr int Percent = 100;
 
 // Pictures are handed to the canvas at most this many pixels on a side.
 constexpr int LargestPictureSide = 1000;
+
+// The generators flip Y against this height; the machine panel frames in the same coordinates.
+constexpr double WorkAreaHeight = 200.0;
 
 // Jog moves always use this feed rate.
 constexpr int JogFeed = 2000;
@@ -119,6 +123,21 @@ Draw::Draw(QWidget *parent)
 
     // 10. Sliders, font size and the form's own signals.
     setUpSliders();
+
+    // The machine panel: a window of its own, framing where the export would put the job.
+    m_machinePanel = new MachinePanel(this);
+    m_machinePanel->setPortHolder(m_serialPanel);
+    m_machinePanel->setFrameSource([this] {
+        const QPointF pos = m_renderForm->CurrentItemPos();
+        double width = ui->w_line->text().toDouble(), height = ui->h_line->text().toDouble();
+        if (!m_pictureLoaded || pos.x() == -10000.0)
+            return QRectF();
+        // The vector export works in whole millimetres.
+        if (!ui->radioButtonBlackWhite->isChecked() && !ui->radioButtonGray->isChecked())
+            width = int(width), height = int(height);
+        return QRectF(pos.x(), WorkAreaHeight - pos.y() - height, width, height);
+    });
+    ui->layoutLanguage->insertWidget(0, m_machinePanel->createOpenButton(this));
 
     // 11. Material library, slider values in their labels, the text tool's font.
     startMaterials();
@@ -632,8 +651,8 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
     if (QFile::exists(filename))
         QFile::remove(filename);
     QFile out(filename);
-    if (out.open(QIODevice::WriteOnly))
-        out.write(gcode);
+    if (out.open(QIODevice::WriteOnly) && out.write(gcode) == gcode.size())
+        m_machinePanel->setJobFile(filename, seconds);
     // The preview reads the file after this function has closed it.
     if (auto *preview = findChild<PreviewPanel *>())
         preview->showFile(filename, ui->radioButtonCNC->isChecked());

@@ -18,6 +18,7 @@ class Bitmap2Svg;
 class CPSerialPort;
 class FrontEnd;
 class ImgBinaryEdit;
+class MachinePanel;
 class QHBoxLayout;
 class QLineEdit;
 class QTranslator;
@@ -42,6 +43,7 @@ public:
     ImgBinaryEdit *imageEditor() const { return m_imgEdit; }
     CPSerialPort *serialPanel() const { return m_serialPanel; }
     FrontEnd *streamer() const { return m_frontEnd; }
+    MachinePanel *machinePanel() const { return m_machinePanel; }
     QSize pictureSize() const { return QSize(m_pictureWidth, m_pictureHeight); }
 
 signals:
@@ -198,6 +200,7 @@ private:
     AllKindPic *m_effects = nullptr;
     WaitingForm *m_waiting = nullptr;
     RenderForm *m_renderForm = nullptr;
+    MachinePanel *m_machinePanel = nullptr;
 
     QTranslator *m_translator = nullptr;
     struct MaterialRecord *m_material = nullptr;   // the record selected in the combo box

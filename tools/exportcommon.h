@@ -94,5 +94,6 @@ int runVector(const QStringList &args);
 int runTrace(const QStringList &args);
 int runQr(const QStringList &args);
 int runPreview(const QStringList &args);
+int runSend(const QStringList &args);
 
 #endif

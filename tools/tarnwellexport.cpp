@@ -14,6 +14,7 @@ static const char *const Usage =
     "  trace    a picture traced into an outline SVG\n"
     "  qr       a text as a QR-code bitmap\n"
     "  preview  a G-code job drawn as a PNG of the work area, with its figures\n"
+    "  send     a G-code file streamed to a connected machine\n"
     "\n"
     "'tarnwell-export SUBCOMMAND --help' describes each one;\n"
     "'tarnwell-export --version' prints the version.\n";
@@ -64,5 +65,7 @@ int main(int argc, char *argv[])
         return runQr(args);
     if (command == QLatin1String("preview"))
         return runPreview(args);
+    if (command == QLatin1String("send"))
+        return runSend(args);
     return ExportCommon::fail(QStringLiteral("unknown subcommand '%1' (try --help)").arg(command));
 }

@@ -1,0 +1,71 @@
+// The few commands of the program's own output that GRBL does not know, and what GRBL gets instead.
+// Recognised through the project's G-code tokenizer, so spacing and comments do not matter.
+#include "grblrewrite.h"
+
+#include "gcodetokenizer.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace GrblRewrite {
+
+namespace {
+
+struct Parsed
+{
+    GcodeTokenizer::Word words[GcodeTokenizer::MaxWords];
+    int count = 0;
+    bool ok = false;
+};
+
+Parsed parse(const QByteArray &line)
+{
+    Parsed p;
+    p.ok = GcodeTokenizer::split(line.constData(), line.size(), p.words, &p.count);
+    return p;
+}
+
+bool is(const GcodeTokenizer::Word &w, char letter, int number)
+{
+    return w.letter == letter && w.value == number;
+}
+
+} // namespace
+
+QByteArray line(const QByteArray &text, int grblMaxPower)
+{
+    // The old panel's home text has axis letters without numbers, which the tokenizer refuses.
+    if (text.simplified().toUpper() == "G28 X Y")
+        return QByteArrayLiteral("G0 X0 Y0");
+    const Parsed p = parse(text);
+    if (!p.ok || p.count == 0)
+        return text;
+    const GcodeTokenizer::Word &first = p.words[0];
+    if (is(first, 'M', 107) && p.count == 1)
+        return QByteArrayLiteral("M5");
+    if (is(first, 'M', 106) && p.count <= 2) {
+        if (p.count == 1)
+            return "M4 S" + QByteArray::number(grblMaxPower);
+        if (p.words[1].letter != 'S')
+            return text;
+        const double scaled = p.words[1].value * grblMaxPower / ProgramMaxPower;
+        const long power = std::lround(std::min(std::max(scaled, 0.0), double(grblMaxPower)));
+        return "M4 S" + QByteArray::number(qlonglong(power));
+    }
+    if (is(first, 'G', 28)) {
+        // Only the forms the program writes: no axis, or X and Y at zero.
+        for (int i = 1; i < p.count; ++i)
+            if ((p.words[i].letter != 'X' && p.words[i].letter != 'Y') || p.words[i].value != 0)
+                return text;
+        return QByteArrayLiteral("G0 X0 Y0");
+    }
+    return text;
+}
+
+bool isProgramPause(const QByteArray &text)
+{
+    const Parsed p = parse(text);
+    return p.ok && p.count == 1 && p.words[0].letter == 'M' && (p.words[0].value == 0 || p.words[0].value == 1);
+}
+
+} // namespace GrblRewrite

@@ -1,0 +1,393 @@
+// Streams a G-code file to the machine link: flow control, progress, pause, resume and stop,
+// firmware errors and alarms, and the beam turned off on every way a job can end early.
+#include "jobrunner.h"
+
+#include "gcodetokenizer.h"
+#include "grblrewrite.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <cmath>
+
+namespace {
+
+// Lines kept waiting in the link's queue: enough to refill GRBL's window at once,
+// few enough that a pause or stop leaves nothing much behind.
+constexpr int FeedAhead = 24;
+constexpr qint64 ReportEveryMs = 100;
+// The generators' time model: straight moves with this acceleration (mm/s^2).
+constexpr double Acceleration = 300.0;
+
+// Follows the moves of the file to give each line its share of the job's time.
+class MoveClock
+{
+public:
+    double seconds(const QByteArray &line)
+    {
+        GcodeTokenizer::Word words[GcodeTokenizer::MaxWords];
+        int count = 0;
+        GcodeTokenizer::split(line.constData(), line.size(), words, &count);
+        double x = m_x, y = m_y;
+        bool move = false;
+        for (int i = 0; i < count; ++i) {
+            const GcodeTokenizer::Word &w = words[i];
+            if (w.letter == 'G' && (w.value == 0 || w.value == 1))
+                m_motion = true;
+            else if (w.letter == 'G' && w.value == 90)
+                m_relative = false;
+            else if (w.letter == 'G' && w.value == 91)
+                m_relative = true;
+            else if (w.letter == 'G' && w.value == 28)
+                x = 0, y = 0, move = true;
+            else if (w.letter == 'F' && w.value > 0)
+                m_feed = w.value;
+            else if (w.letter == 'X')
+                x = m_relative ? m_x + w.value : w.value, move = true;
+            else if (w.letter == 'Y')
+                y = m_relative ? m_y + w.value : w.value, move = true;
+        }
+        if (!move || !m_motion)
+            return 0;
+        const double d = std::hypot(x - m_x, y - m_y);
+        m_x = x, m_y = y;
+        const double v = m_feed / 60.0;
+        const double p = std::sqrt(Acceleration * d);
+        if (v > p)
+            return 2.0 * p / Acceleration;
+        return v * 1.5 / Acceleration + d / v;
+    }
+
+private:
+    double m_x = 0, m_y = 0, m_feed = 1000;
+    bool m_relative = false, m_motion = true;
+};
+
+bool isPowerLine(const QByteArray &text)
+{
+    return text.startsWith("M106") || text.startsWith("M107") || text.startsWith("M3") || text.startsWith("M4")
+        || text.startsWith("M5");
+}
+
+} // namespace
+
+JobRunner::JobRunner(MachineLink *link, QObject *parent) : QObject(parent), m_link(link)
+{
+    connect(m_link, &MachineLink::answered, this, &JobRunner::onAnswered);
+    connect(m_link, &MachineLink::fault, this, &JobRunner::onFault);
+    connect(m_link, &MachineLink::failed, this, &JobRunner::onLinkFailed);
+    connect(m_link, &MachineLink::connectionLost, this, &JobRunner::onConnectionLost);
+    connect(m_link, &MachineLink::spaceFreed, this, &JobRunner::feed);
+}
+
+JobRunner::~JobRunner()
+{
+    // Closing the program in the middle of a job: the beam goes off before the port closes.
+    if (isActive() && m_link->isOpen()) {
+        m_link->disconnect(this);
+        haltMachine();
+    }
+}
+
+bool JobRunner::load(const QString &path, QString *error)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
+        *error = tr("Cannot read %1").arg(path);
+        return false;
+    }
+    return loadText(file.readAll(), path, error);
+}
+
+bool JobRunner::loadText(const QByteArray &text, const QString &name, QString *error)
+{
+    if (isActive()) {
+        *error = tr("A job is running");
+        return false;
+    }
+    QVector<Line> lines;
+    QVector<double> before{0};
+    MoveClock clock;
+    GcodeTokenizer::Word words[GcodeTokenizer::MaxWords];
+    int fileLine = 0;
+    for (int start = 0; start < text.size();) {
+        int end = text.indexOf('\n', start);
+        if (end < 0)
+            end = text.size();
+        ++fileLine;
+        const QByteArray code = GcodeTokenizer::stripComments(text.constData() + start, end - start);
+        start = end + 1;
+        if (code.isEmpty())
+            continue;
+        int count = 0;
+        const bool words_ok = GcodeTokenizer::split(code.constData(), code.size(), words, &count);
+        if (code.contains('\0') || (!words_ok && !code.startsWith('$') && code.simplified().toUpper() != "G28 X Y")) {
+            *error = tr("%1 is not G-code (line %2)").arg(name).arg(fileLine);
+            return false;
+        }
+        lines.push_back({code, fileLine, GrblRewrite::isProgramPause(code)});
+        before.push_back(before.last() + clock.seconds(code));
+    }
+    if (lines.isEmpty()) {
+        *error = tr("%1 holds no G-code").arg(name);
+        return false;
+    }
+    m_lines = lines;
+    m_secondsBefore = before;
+    m_programEstimate = 0;
+    m_state = Idle;
+    m_next = m_acked = 0;
+    m_lastAckIndex = -1;
+    return true;
+}
+
+bool JobRunner::start()
+{
+    if (m_lines.isEmpty() || isActive() || m_link->state() != MachineLink::Ready)
+        return false;
+    m_next = m_acked = 0;
+    m_lastAckIndex = -1;
+    m_answered = QVector<bool>(m_lines.size(), false);
+    m_failure = NoFailure;
+    m_message.clear();
+    m_frameDue = false;
+    m_beamOffSent = false;
+    m_lastPower.clear();
+    m_clock.start();
+    m_elapsedBefore = 0;
+    setState(Running);
+    // Jogging leaves the machine in relative moves; the program's jobs are absolute.
+    m_link->sendLine("G90");
+    feed();
+    return true;
+}
+
+void JobRunner::feed()
+{
+    // Sending a line makes the link ask for more at once; that call finds this loop running.
+    if (m_state != Running || m_feeding)
+        return;
+    m_feeding = true;
+    feedLines();
+    m_feeding = false;
+    if (m_state == Running && m_next == m_lines.size() && m_acked == m_lines.size())
+        end(Done, NoFailure, tr("Job done: %1 lines").arg(m_lines.size()), false);
+}
+
+void JobRunner::feedLines()
+{
+    const bool grbl = m_link->firmware() == Firmware::Grbl;
+    const int ahead = grbl ? FeedAhead : 1;   // Marlin: a pause leaves at most one line behind
+    while (m_next < m_lines.size() && m_link->queuedLines() < ahead) {
+        const Line &line = m_lines[m_next];
+        if (line.pause) {
+            if (m_pauseAtFrame) {
+                // Wait until the frame has been traced, then hold with the beam off.
+                if (m_link->queuedLines() > 0 || m_link->unansweredLines() > 0) {
+                    m_frameDue = true;
+                    return;
+                }
+                m_frameDue = false;
+                m_answered[m_next] = true;
+                ++m_acked, m_lastAckIndex = m_next, ++m_next;
+                m_link->sendLine(laserOffText());
+                setState(FramePause);
+                reportProgress(true);
+                return;
+            }
+            m_answered[m_next] = true;
+            ++m_acked, ++m_next;
+            continue;
+        }
+        const QByteArray text = grbl ? GrblRewrite::line(line.text, m_link->grblMaxPower()) : line.text;
+        if (isPowerLine(text))
+            m_lastPower = text;
+        ++m_next;
+        m_link->sendLine(text, m_next - 1);
+        if (m_state != Running)
+            return;
+    }
+}
+
+void JobRunner::onAnswered(int tag, const MachineReply &reply)
+{
+    if (tag >= 0 && tag < m_lines.size() && isActive() && !m_answered[tag]) {
+        m_answered[tag] = true;
+        ++m_acked;
+        m_lastAckIndex = qMax(m_lastAckIndex, tag);
+        if (reply.kind == MachineReply::Error) {
+            const QString text = QString::fromUtf8(reply.text);
+            const QString explained = reply.code > 0 ? QStringLiteral("%1 (%2)").arg(text, MachineReplies::grblErrorText(reply.code)) : text;
+            if (!m_continueOnError) {
+                end(Failed, FirmwareError, tr("Line %1: %2").arg(m_lines[tag].fileLine).arg(explained), true);
+                return;
+            }
+            emit lineFailed(m_lines[tag].fileLine, explained);
+        }
+        reportProgress(false);
+    }
+    afterAnswer();
+}
+
+void JobRunner::afterAnswer()
+{
+    const bool drained = m_link->unansweredLines() == 0 && m_link->queuedLines() == 0;
+    if (m_state == Running && m_frameDue && drained)
+        feed();
+    else if (m_state == Running && m_acked == m_lines.size())
+        end(Done, NoFailure, tr("Job done: %1 lines").arg(m_lines.size()), false);
+    else if (m_state == Paused && !m_beamOffSent && m_link->firmware() != Firmware::Grbl && drained) {
+        m_beamOffSent = true;
+        m_link->sendLine(laserOffText());
+    }
+}
+
+void JobRunner::onFault(const MachineReply &reply)
+{
+    if (!isActive())
+        return;
+    // The board was working on the oldest line it had not answered.
+    int index = m_lastAckIndex + 1;
+    while (index < m_lines.size() - 1 && m_answered[index])
+        ++index;
+    index = qMin(index, m_lines.size() - 1);
+    const QString text = QString::fromUtf8(reply.text);
+    if (reply.kind == MachineReply::Alarm)
+        end(Failed, Alarm, tr("Line %1: %2 - %3 Unlock the machine before going on.")
+                               .arg(m_lines[index].fileLine).arg(text, MachineReplies::grblAlarmText(reply.code)), true);
+    else
+        end(Failed, FirmwareError, tr("Line %1: %2").arg(m_lines[index].fileLine).arg(text), true);
+}
+
+void JobRunner::onLinkFailed(const QString &message)
+{
+    if (isActive())
+        end(Failed, Timeout, tr("%1; last acknowledged line %2").arg(message).arg(lastAcknowledgedFileLine()), true);
+}
+
+void JobRunner::onConnectionLost(const QString &message)
+{
+    if (isActive())
+        end(Failed, ConnectionLost, tr("%1; last acknowledged line %2").arg(message).arg(lastAcknowledgedFileLine()), false);
+}
+
+void JobRunner::pause()
+{
+    if (m_state != Running)
+        return;
+    m_elapsedBefore += m_clock.restart();
+    setState(Paused);
+    // Lines not yet written go out again on resume.
+    const int unsent = m_link->clearQueue();
+    if (unsent >= 0)
+        m_next = unsent;
+    if (m_link->firmware() == Firmware::Grbl)
+        m_link->sendRealtime('!');   // GRBL's laser mode turns the beam off in a hold
+    else
+        afterAnswer();   // Marlin: the beam goes off once the lines already sent are done
+}
+
+void JobRunner::resume()
+{
+    if (m_state == Paused) {
+        if (m_link->firmware() == Firmware::Grbl)
+            m_link->sendRealtime('~');
+        else if (!m_lastPower.isEmpty())
+            m_link->sendLine(m_lastPower);
+    } else if (m_state != FramePause) {
+        return;
+    }
+    m_beamOffSent = false;
+    m_clock.restart();
+    setState(Running);
+    feed();
+}
+
+void JobRunner::stop()
+{
+    if (isActive())
+        end(Stopped, NoFailure, tr("Stopped by the user at line %1").arg(lastAcknowledgedFileLine()), true);
+}
+
+void JobRunner::haltMachine()
+{
+    m_link->clearQueue();
+    if (m_link->firmware() == Firmware::Grbl) {
+        // A soft reset empties GRBL's buffer and stops the beam; the beam-off follows once it is back.
+        m_link->sendRealtime('\x18');
+        m_link->forgetUnanswered(true);
+        m_link->sendLine(laserOffText());
+    } else {
+        // Quick stop, then the beam off, ahead of anything still buffered.
+        m_link->forgetUnanswered(false);
+        m_link->writeNow("M410\n" + laserOffText() + '\n');
+    }
+}
+
+void JobRunner::end(State state, Failure failure, const QString &message, bool beamOff)
+{
+    if (beamOff && m_link->isOpen())
+        haltMachine();
+    if (m_clock.isValid() && m_state != Paused && m_state != FramePause)
+        m_elapsedBefore += m_clock.elapsed();
+    m_clock.invalidate();
+    m_failure = failure;
+    m_message = message;
+    setState(state);
+    reportProgress(true);
+    emit finished();
+}
+
+void JobRunner::setState(State state)
+{
+    if (m_state == state)
+        return;
+    m_state = state;
+    emit stateChanged(state);
+}
+
+void JobRunner::reportProgress(bool force)
+{
+    const qint64 now = elapsedMs();
+    if (!force && now - m_lastReport < ReportEveryMs)
+        return;
+    m_lastReport = now;
+    emit progressChanged();
+}
+
+int JobRunner::lastAcknowledgedFileLine() const
+{
+    return m_lastAckIndex >= 0 ? m_lines[m_lastAckIndex].fileLine : 0;
+}
+
+qint64 JobRunner::elapsedMs() const
+{
+    return m_elapsedBefore + (m_clock.isValid() && m_state == Running ? m_clock.elapsed() : 0);
+}
+
+double JobRunner::remainingSeconds() const
+{
+    if (m_secondsBefore.isEmpty())
+        return 0;
+    const double all = m_secondsBefore.last();
+    const double left = all - m_secondsBefore[m_lastAckIndex + 1];
+    if (m_programEstimate > 0)
+        return all > 0 ? m_programEstimate * left / all : m_programEstimate * (1.0 - double(m_acked) / m_lines.size());
+    return left;
+}
+
+QByteArray JobRunner::laserOffText() const
+{
+    const bool grbl = m_link->firmware() == Firmware::Grbl;
+    if (!m_laserOff.isEmpty())
+        return grbl ? GrblRewrite::line(m_laserOff, m_link->grblMaxPower()) : m_laserOff;
+    return grbl ? QByteArrayLiteral("M5") : QByteArrayLiteral("M107");
+}
+
+QString JobRunner::clockText(double seconds)
+{
+    const qint64 t = seconds > 0 ? qint64(seconds + 0.5) : 0;
+    const QString minSec = QStringLiteral("%1:%2").arg(t / 60 % 60).arg(t % 60, 2, 10, QLatin1Char('0'));
+    if (t < 3600)
+        return QStringLiteral("%1:%2").arg(t / 60).arg(t % 60, 2, 10, QLatin1Char('0'));
+    return QStringLiteral("%1:%2").arg(t / 3600).arg(minSec.rightJustified(5, QLatin1Char('0')));
+}
