@@ -462,7 +462,7 @@ uint32_t pathOrderSeed(double now)
     if (seed <= 0)
         seed += 2147483646LL;  // only a fixed seed below 1 gets here; zero would stall the generator
     int32_t state = int32_t(seed);
-    randNext(state);  // the first number is thrown away
+    randNext(state);  // the draws start two steps past the seed
     return uint32_t(randNext(state));
 }
 
