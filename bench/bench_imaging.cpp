@@ -3,6 +3,7 @@
 #include "appsettings.h"
 #include "bitmap2svg.h"
 #include "imgbinaryedit.h"
+#include "pixelops.h"
 #include "qxpotrace.h"
 
 #include <QApplication>
@@ -91,7 +92,7 @@ QImage plainAdaptiveThreshold(const QImage &in)
         const QRgb *row = reinterpret_cast<const QRgb *>(in.constScanLine(y));
         qint64 *line = integral.data() + size_t(y) * size_t(w);
         for (int x = 0; x < w; ++x) {
-            column[size_t(x)] += ImgBinaryEdit::Gray(row[x]);
+            column[size_t(x)] += PixelOps::Gray(row[x]);
             line[x] = (x > 0 ? line[x - 1] : 0) + column[size_t(x)];
         }
     }
@@ -105,7 +106,7 @@ QImage plainAdaptiveThreshold(const QImage &in)
             const int x1 = std::max(x - half, 0), x2 = std::min(x + half, w - 1);
             const qint64 count = qint64(x2 - x1) * (y2 - y1);
             const qint64 sum = at(x2, y2) - at(x2, y1) - at(x1, y2) + at(x1, y1);
-            dst[x] = ImgBinaryEdit::Gray(row[x]) * count < qint64(double(sum) * 0.85) ? 0xFF000000u : 0xFFFFFFFFu;
+            dst[x] = PixelOps::Gray(row[x]) * count < qint64(double(sum) * 0.85) ? 0xFF000000u : 0xFFFFFFFFu;
         }
     }
     return out;
@@ -140,12 +141,12 @@ int main(int argc, char *argv[])
     out << "picture " << PhotoWidth << " x " << PhotoHeight << ", median of " << Runs << " runs\n";
 
     int t = 100;
-    out << "global threshold, new image: " << medianMs([&] { ImgBinaryEdit::GlobalThreshold(photo, t++); }) << " ms\n";
+    out << "global threshold, new image: " << medianMs([&] { PixelOps::GlobalThreshold(photo, t++); }) << " ms\n";
     out << "  the same in one thread:    " << medianMs([&] { plainGlobalThreshold(photo, t++); }) << " ms (before)\n";
     // As the editor runs it on a dragged slider: into the buffer of the previous result.
     QImage previous;
     out << "global threshold:            " << medianMs([&] {
-        previous = ImgBinaryEdit::GlobalThreshold(photo, t++, std::move(previous));
+        previous = PixelOps::GlobalThreshold(photo, t++, std::move(previous));
     }) << " ms\n";
 
     ImgBinaryEdit editor;
@@ -163,12 +164,12 @@ int main(int argc, char *argv[])
     }) << " ms\n";
     out << "  of which Slice.ini write:  " << medianMs([&] { AppSettings::setThreshold(t++); }) << " ms\n";
 
-    const QImage inverted = ImgBinaryEdit::InvertedThreshold(photo, 128);
-    out << "inverted threshold:          " << medianMs([&] { ImgBinaryEdit::InvertedThreshold(photo, 128); }) << " ms\n";
-    out << "outline:                     " << medianMs([&] { ImgBinaryEdit::Outline(inverted); }) << " ms\n";
-    out << "adaptive threshold:          " << medianMs([&] { ImgBinaryEdit::AdaptiveThreshold(photo); }) << " ms\n";
+    const QImage inverted = PixelOps::InvertedThreshold(photo, 128);
+    out << "inverted threshold:          " << medianMs([&] { PixelOps::InvertedThreshold(photo, 128); }) << " ms\n";
+    out << "outline:                     " << medianMs([&] { PixelOps::Outline(inverted); }) << " ms\n";
+    out << "adaptive threshold:          " << medianMs([&] { PixelOps::AdaptiveThreshold(photo); }) << " ms\n";
     out << "  by a full integral image:  " << medianMs([&] { plainAdaptiveThreshold(photo); }) << " ms (before)"
-        << (plainAdaptiveThreshold(photo) == ImgBinaryEdit::AdaptiveThreshold(photo) ? ", same pixels" : ", PIXELS DIFFER")
+        << (plainAdaptiveThreshold(photo) == PixelOps::AdaptiveThreshold(photo) ? ", same pixels" : ", PIXELS DIFFER")
         << "\n";
 
     const QImage text = pageOfText();

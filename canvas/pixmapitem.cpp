@@ -2,8 +2,6 @@
 // moved by its body, resized about its centre from the bottom-right corner.
 #include "pixmapitem.h"
 
-#include "cornerhover.h"
-
 #include <QBuffer>
 #include <QDebug>
 #include <QFile>
@@ -43,14 +41,10 @@ PixmapItem::PixmapItem(QGraphicsItem *parent)
     setZValue(0);
     setAcceptDrops(true);
     setAcceptHoverEvents(true);
-    m_cursor = new QCursor;
     setFlags(QGraphicsItem::ItemIsMovable | QGraphicsItem::ItemIsSelectable);
 }
 
-PixmapItem::~PixmapItem()
-{
-    delete m_cursor;
-}
+PixmapItem::~PixmapItem() = default;
 
 QRectF PixmapItem::boundingRect() const
 {
@@ -73,7 +67,7 @@ bool PixmapItem::contains(const QPointF &point) const
 
 bool PixmapItem::collidesWithPath(const QPainterPath &path, Qt::ItemSelectionMode mode) const
 {
-    return QGraphicsPixmapItem::collidesWithPath(path, mode) || hitsCornerZone(path, mode, cornerZoneRect(m_rect, CornerZone));
+    return QGraphicsPixmapItem::collidesWithPath(path, mode) || m_corner.zoneCollides(m_rect, path, mode);
 }
 
 void PixmapItem::dragEnterEvent(QGraphicsSceneDragDropEvent *event)
@@ -140,34 +134,26 @@ void PixmapItem::ResetRect(QRectF r)
 
 bool PixmapItem::inCornerZone(const QPointF &p) const
 {
-    const QPointF pos = scenePos();
-    const double right = m_rect.x() + m_rect.width() + pos.x();
-    const double bottom = m_rect.y() + m_rect.height() + pos.y();
-    return right - CornerZone < p.x() && p.x() < right + CornerZone
-        && bottom - CornerZone < p.y() && p.y() < bottom + CornerZone;
+    return m_corner.zoneContains(m_rect, scenePos(), p);
 }
 
 void PixmapItem::hoverEnterEvent(QGraphicsSceneHoverEvent *event)
 {
     setPixmap(pixmap().scaled(truncated(m_rect.width()), truncated(m_rect.height()),
                               Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-    showCornerHover(this, m_cursor, inCornerZone(event->scenePos()), false, ResizeBottomRight,
-                    m_dragMode, m_resizeArmed);
+    m_corner.enter(this, inCornerZone(event->scenePos()));
     QGraphicsPixmapItem::hoverEnterEvent(event);
 }
 
 void PixmapItem::hoverMoveEvent(QGraphicsSceneHoverEvent *event)
 {
-    showCornerHover(this, m_cursor, inCornerZone(event->scenePos()), true, ResizeBottomRight,
-                    m_dragMode, m_resizeArmed);
+    m_corner.move(this, inCornerZone(event->scenePos()));
     QGraphicsPixmapItem::hoverMoveEvent(event);
 }
 
 void PixmapItem::hoverLeaveEvent(QGraphicsSceneHoverEvent *event)
 {
-    m_cursor->setShape(Qt::ArrowCursor);
-    m_resizeArmed = false;
-    setCursor(*m_cursor);
+    m_corner.leave(this);
     emit Sig_HidePosTag();
     QGraphicsPixmapItem::hoverLeaveEvent(event);
 }
@@ -186,23 +172,17 @@ void PixmapItem::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
     // exactly at the rectangle's corner is dropped.
     if (m_end.x() == m_rect.x() && m_end.y() == m_rect.y())
         return;
-    if (!m_resizeArmed) {
+    if (!m_corner.isArmed()) {
         update();
         QGraphicsPixmapItem::mouseMoveEvent(event);
         return;
     }
-    if (m_dragMode != ResizeBottomRight)
+    if (m_corner.dragMode() != CornerHover::ResizeBottomRight)
         return;
 
-    const double dx = m_end.x() - m_start.x();
-    const double dy = m_end.y() - m_start.y();
-    const double sx = (m_rect.width() + dx) / m_rect.width();
-    const double sy = (m_rect.height() + dy) / m_rect.height();
-    // Grow only when the mouse goes outward in both directions; shrink otherwise.
-    const double s = (sx >= 1.0 && sy >= 1.0) ? qMax(sx, sy) : qMin(sx, sy);
-    const double hx = m_rect.width() * (s - 1) * 0.5;
-    const double hy = m_rect.height() * (s - 1) * 0.5;
-    const QRectF n(m_rect.x() + hx, m_rect.y() + hy, m_rect.width() * s, m_rect.height() * s);
+    const CornerHover::Step step = CornerHover::resizeStep(m_rect, m_end.x() - m_start.x(), m_end.y() - m_start.y());
+    const QRectF n = step.rect;
+    const double hx = step.hx, hy = step.hy;
     qDebug().noquote() << QString("x:%1 y:%2 w:%3 h:%4")
                               .arg(n.x()).arg(n.y()).arg(n.width()).arg(n.height());
 
@@ -221,8 +201,8 @@ void PixmapItem::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 
 void PixmapItem::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
 {
-    if (m_resizeArmed) {
-        m_resizeArmed = false;
+    if (m_corner.isArmed()) {
+        m_corner.disarm();
         qDebug() << "mouse release checked!";
         reloadPicture();
         emit SigPosTag(m_rect);

@@ -4,12 +4,13 @@
 #define PIXMAPITEM_H
 
 #include <QByteArray>
-#include <QCursor>
 #include <QImage>
 #include <QGraphicsPixmapItem>
 #include <QObject>
 #include <QPixmap>
 #include <QRectF>
+
+#include "cornerhover.h"
 
 class PixmapItem : public QObject, public QGraphicsPixmapItem
 {
@@ -38,8 +39,8 @@ public:
     QRectF rect() const { return m_rect; }
     void setRect(const QRectF &r) { prepareGeometryChange(); m_rect = r; }
     bool isInArea() const { return m_inArea; }
-    bool isResizeArmed() const { return m_resizeArmed; }
-    int dragMode() const { return m_dragMode; }
+    bool isResizeArmed() const { return m_corner.isArmed(); }
+    int dragMode() const { return m_corner.dragMode(); }
 
     // Reads the picture file afresh and gives it at the given size in pixels;
     // an empty size or an unreadable file gives a null picture.
@@ -72,17 +73,14 @@ private:
     static constexpr double BoundingMargin = 20.0;
     static constexpr int InAreaTolerance = 20;
     static constexpr double FramePenWidth = 2.0;
-    static constexpr int ResizeBottomRight = 4;
 
     QRectF m_rect;
     bool m_inArea = false;
     QString m_path;
-    bool m_resizeArmed = false;
-    QCursor *m_cursor = nullptr;
+    CornerHover m_corner{CornerZone};
     QPointF m_start;
     QPointF m_end;
     double m_scale = 1.0;
-    int m_dragMode = 0;
     int m_areaHeight = 200;
     int m_areaWidth = 170;
 

@@ -2,8 +2,6 @@
 // moved by its body, resized about its centre from the bottom-right corner.
 #include "svgitem.h"
 
-#include "cornerhover.h"
-
 #include <QGraphicsSceneDragDropEvent>
 #include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
@@ -42,14 +40,10 @@ SvgItem::SvgItem(QGraphicsItem *parent)
     setAcceptDrops(true);
     setFlags(QGraphicsItem::ItemIsSelectable);
     setAcceptHoverEvents(true);
-    m_cursor = new QCursor;
     setFlag(QGraphicsItem::ItemIsMovable, true);
 }
 
-SvgItem::~SvgItem()
-{
-    delete m_cursor;
-}
+SvgItem::~SvgItem() = default;
 
 QRectF SvgItem::frameRect() const
 {
@@ -60,7 +54,7 @@ QRectF SvgItem::boundingRect() const
 {
     // Out to the corner zone's far edge, which also holds the resize handle: the scene
     // only offers points within this rectangle to the item.
-    const double reach = qMax(FrameMargin, double(m_cornerZone));
+    const double reach = qMax(FrameMargin, double(CornerZone));
     return m_rect.adjusted(-FrameMargin, -FrameMargin, reach, reach);
 }
 
@@ -71,7 +65,7 @@ bool SvgItem::contains(const QPointF &point) const
 
 bool SvgItem::collidesWithPath(const QPainterPath &path, Qt::ItemSelectionMode mode) const
 {
-    return QGraphicsSvgItem::collidesWithPath(path, mode) || hitsCornerZone(path, mode, cornerZoneRect(m_rect, m_cornerZone));
+    return QGraphicsSvgItem::collidesWithPath(path, mode) || m_corner.zoneCollides(m_rect, path, mode);
 }
 
 void SvgItem::dragEnterEvent(QGraphicsSceneDragDropEvent *event)
@@ -95,32 +89,24 @@ void SvgItem::ResetRect(QRectF rect)
 
 bool SvgItem::inCornerZone(const QPointF &p) const
 {
-    const QPointF pos = scenePos();
-    const double right = m_rect.x() + m_rect.width() + pos.x();
-    const double bottom = m_rect.y() + m_rect.height() + pos.y();
-    return right - m_cornerZone < p.x() && p.x() < right + m_cornerZone
-        && bottom - m_cornerZone < p.y() && p.y() < bottom + m_cornerZone;
+    return m_corner.zoneContains(m_rect, scenePos(), p);
 }
 
 void SvgItem::hoverEnterEvent(QGraphicsSceneHoverEvent *event)
 {
-    showCornerHover(this, m_cursor, inCornerZone(event->scenePos()), false, ResizeBottomRight,
-                    m_dragMode, m_resizeArmed);
+    m_corner.enter(this, inCornerZone(event->scenePos()));
     QGraphicsSvgItem::hoverEnterEvent(event);
 }
 
 void SvgItem::hoverMoveEvent(QGraphicsSceneHoverEvent *event)
 {
-    showCornerHover(this, m_cursor, inCornerZone(event->scenePos()), true, ResizeBottomRight,
-                    m_dragMode, m_resizeArmed);
+    m_corner.move(this, inCornerZone(event->scenePos()));
     QGraphicsSvgItem::hoverMoveEvent(event);
 }
 
 void SvgItem::hoverLeaveEvent(QGraphicsSceneHoverEvent *event)
 {
-    m_cursor->setShape(Qt::ArrowCursor);
-    m_resizeArmed = false;
-    setCursor(*m_cursor);
+    m_corner.leave(this);
     update();
     emit Sig_HidePosTag();
     QGraphicsSvgItem::hoverLeaveEvent(event);
@@ -137,7 +123,7 @@ void SvgItem::mousePressEvent(QGraphicsSceneMouseEvent *event)
 void SvgItem::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 {
     m_end = event->scenePos();
-    if (!m_resizeArmed) {
+    if (!m_corner.isArmed()) {
         update();
         QGraphicsSvgItem::mouseMoveEvent(event);
         return;
@@ -145,16 +131,12 @@ void SvgItem::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
     const double dx = m_end.x() - m_start.x();
     const double dy = m_end.y() - m_start.y();
     m_start = m_end;
-    if (m_dragMode != ResizeBottomRight)
+    if (m_corner.dragMode() != CornerHover::ResizeBottomRight)
         return;
 
-    const double sx = (m_rect.width() + dx) / m_rect.width();
-    const double sy = (m_rect.height() + dy) / m_rect.height();
-    // Grow only when the mouse goes outward in both directions; shrink otherwise.
-    const double s = (sx >= 1.0 && sy >= 1.0) ? qMax(sx, sy) : qMin(sx, sy);
-    const double hx = m_rect.width() * (s - 1) * 0.5;
-    const double hy = m_rect.height() * (s - 1) * 0.5;
-    const QRectF n(m_rect.x() + hx, m_rect.y() + hy, m_rect.width() * s, m_rect.height() * s);
+    const CornerHover::Step step = CornerHover::resizeStep(m_rect, dx, dy);
+    const QRectF n = step.rect;
+    const double hx = step.hx, hy = step.hy;
 
     prepareGeometryChange();
     m_rect = QRectF(0, 0, n.width(), n.height());
@@ -168,8 +150,7 @@ void SvgItem::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
 
 void SvgItem::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
 {
-    if (m_resizeArmed)
-        m_resizeArmed = false;
+    m_corner.disarm();
     if (m_resizing) {
         // The stretched picture of the drag gives way to sharp outlines at the new size.
         m_resizing = false;

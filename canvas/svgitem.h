@@ -3,11 +3,11 @@
 #ifndef SVGITEM_H
 #define SVGITEM_H
 
-#include <QCursor>
 #include <QGraphicsSvgItem>
 #include <QRectF>
 #include <QSizeF>
 
+#include "cornerhover.h"
 #include "svgrendercache.h"
 
 class SvgItem : public QGraphicsSvgItem
@@ -42,7 +42,7 @@ public:
     int kindTag() const { return m_kindTag; }
     void setKindTag(int tag) { m_kindTag = tag; }
     bool isInArea() const { return m_inArea; }
-    bool isResizeArmed() const { return m_resizeArmed; }
+    bool isResizeArmed() const { return m_corner.isArmed(); }
 
 signals:
     void SigPosTag(QRectF rect);
@@ -72,20 +72,17 @@ private:
     static constexpr int InAreaTolerance = 4;
     static constexpr double FramePenWidth = 2.0;
     static constexpr int HandleSize = 5;
-    static constexpr int ResizeBottomRight = 4;
+    static constexpr int CornerZone = 8;
 
     QString m_path;
     QRectF m_rememberedRect;
     QRectF m_rect;
-    bool m_resizeArmed = false;
-    QCursor *m_cursor = nullptr;
     QPointF m_start;
     QPointF m_end;
-    int m_dragMode = 0;
     double m_aspect = 0.0;
     QSizeF m_defaultSize;
     int m_kindTag = 0;
-    int m_cornerZone = 8;
+    CornerHover m_corner{CornerZone};
     int m_areaHeight = 200;
     int m_areaWidth = 170;
     bool m_inArea = false;

@@ -43,18 +43,6 @@ public:
     // What Finish and Save write.
     QImage Result() const { return result; }
 
-    // The pixel operations, free of the dialog so they can be measured and checked alone.
-    // All read and write 32-bit ARGB words; Prepare() gives a picture in such a format.
-    static QImage Prepare(const QImage &picture);
-    static int Gray(QRgb p) { return (11 * qRed(p) + 16 * qGreen(p) + 5 * qBlue(p)) >> 5; }
-    // `reuse` lends its pixel buffer when it is unshared and of the right size: on a
-    // dragged slider that saves the cost of fresh memory for every step.
-    static QImage GlobalThreshold(const QImage &picture, int threshold, QImage reuse = QImage());
-    static QImage AdaptiveThreshold(const QImage &picture);
-    static QImage InvertedThreshold(const QImage &picture, int threshold);
-    static QImage Outline(const QImage &inverted);
-    static QImage GrayLevels(const QImage &picture);
-
 signals:
     void SigBlackWhite();
 

@@ -4,6 +4,7 @@
 
 #include "appsettings.h"
 #include "imgbinaryedit.h"
+#include "pixelops.h"
 
 #include <QFrame>
 #include <QLabel>
@@ -56,7 +57,7 @@ QImage adaptiveByIntegral(const QImage &in)
     std::vector<qint64> integral(size_t(w) * h);
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x)
-            integral[size_t(y) * w + x] = ImgBinaryEdit::Gray(in.pixel(x, y)) + (x ? integral[size_t(y) * w + x - 1] : 0)
+            integral[size_t(y) * w + x] = PixelOps::Gray(in.pixel(x, y)) + (x ? integral[size_t(y) * w + x - 1] : 0)
                 + (y ? integral[size_t(y - 1) * w + x] : 0) - (x && y ? integral[size_t(y - 1) * w + x - 1] : 0);
     auto at = [&](int x, int y) { return integral[size_t(y) * w + x]; };
     QImage out(w, h, QImage::Format_ARGB32);
@@ -65,7 +66,7 @@ QImage adaptiveByIntegral(const QImage &in)
             const int x1 = std::max(x - half, 0), x2 = std::min(x + half, w - 1);
             const int y1 = std::max(y - half, 0), y2 = std::min(y + half, h - 1);
             const qint64 sum = at(x2, y2) - at(x2, y1) - at(x1, y2) + at(x1, y1);
-            const bool dark = ImgBinaryEdit::Gray(in.pixel(x, y)) * qint64(x2 - x1) * (y2 - y1) < qint64(double(sum) * 0.85);
+            const bool dark = PixelOps::Gray(in.pixel(x, y)) * qint64(x2 - x1) * (y2 - y1) < qint64(double(sum) * 0.85);
             out.setPixel(x, y, dark ? Black : White);
         }
     }
@@ -128,10 +129,10 @@ private slots:
         QFETCH(QPoint, at);
         QFETCH(uint, expected);
 
-        const QImage out = op == "global" ? ImgBinaryEdit::GlobalThreshold(picture, threshold)
-                : op == "inverted" ? ImgBinaryEdit::InvertedThreshold(picture, threshold)
-                : op == "outline" ? ImgBinaryEdit::Outline(ImgBinaryEdit::InvertedThreshold(picture, threshold))
-                : ImgBinaryEdit::AdaptiveThreshold(picture);
+        const QImage out = op == "global" ? PixelOps::GlobalThreshold(picture, threshold)
+                : op == "inverted" ? PixelOps::InvertedThreshold(picture, threshold)
+                : op == "outline" ? PixelOps::Outline(PixelOps::InvertedThreshold(picture, threshold))
+                : PixelOps::AdaptiveThreshold(picture);
         QCOMPARE(out.size(), picture.size());
         QCOMPARE(out.pixel(at), expected);
         if (op == "adaptive")  // every other pixel is white, and unlike the global threshold, opaque
@@ -160,7 +161,7 @@ private slots:
                 const int level = ((x / 7 + y / 5) % 3) * 60 + random.bounded(4) * 20;
                 picture.setPixel(x, y, qRgba(level, level + random.bounded(2), level, random.bounded(256)));
             }
-        QCOMPARE(ImgBinaryEdit::AdaptiveThreshold(picture), adaptiveByIntegral(picture));
+        QCOMPARE(PixelOps::AdaptiveThreshold(picture), adaptiveByIntegral(picture));
     }
 
     void finish_data()
