@@ -3,6 +3,7 @@
 #include "pathconverter.h"
 
 #include "svgreader.h"
+#include "workarea.h"
 
 #include <algorithm>
 #include <cfloat>
@@ -32,7 +33,7 @@ const int LaserLineSize = 32;
 const int MaxBezPoints = 4096;
 const float BezTolerance = 0.5f;
 const int BezMaxDepth = 12;
-const float WorkAreaHeight = 200.0f;   // the machine's Y is flipped against this, whatever maxy says
+const float WorkAreaHeight = float(WorkArea::Height);   // machine Y is flipped against it, whatever maxy says
 const float ZStep = 0.001f;
 const float ZScale = 0.0625f;
 const float ZReturnScale = 0.5f;

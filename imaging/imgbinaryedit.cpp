@@ -4,6 +4,7 @@
 #include "ui_imgbinaryedit.h"
 
 #include "appsettings.h"
+#include "languagepick.h"
 
 #include <QEvent>
 #include <QFile>
@@ -339,7 +340,7 @@ void ImgBinaryEdit::refuse(const QString &chinese, const QString &english)
     m_showsAdaptive = false;
     ui->labelSrc->clear();
     ui->labelDest->clear();
-    ui->labelDest->setText(AppSettings::languageIndex() == 0 ? chinese : english);
+    ui->labelDest->setText(LanguagePick::pick(AppSettings::languageIndex(), chinese, english, english));
 }
 
 void ImgBinaryEdit::adopt(const QImage &picture, bool opaque)

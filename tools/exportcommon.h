@@ -1,7 +1,9 @@
-// Common rules of tarnwell-export: long options, number checks, machine values from
-// slider percentages, the private working directory and the all-or-nothing output.
+// Common rules of tarnwell-export: long options, number checks, the slider defaults,
+// the private working directory and the all-or-nothing output.
 #ifndef EXPORTCOMMON_H
 #define EXPORTCOMMON_H
+
+#include "machinevalues.h"
 
 #include <QMap>
 #include <QString>
@@ -15,13 +17,8 @@ namespace ExportCommon {
 constexpr int BadInput = 2;
 
 // Slider defaults of the main window.
-constexpr int DefaultSpeedPercent = 33;
-constexpr int DefaultPowerPercent = 91;
-
-// The main window's conversions (integer arithmetic, speed scale 30, power scale 255).
-inline int feedSpeed(int speedPercent) { return speedPercent * 30 * 60 / 100; }
-inline int travelSpeed(int speedPercent) { return speedPercent * 30 * 12; }
-inline int machinePower(int powerPercent) { return powerPercent * 255 / 100; }
+constexpr int DefaultSpeedPercent = MachineValues::StartSpeed;
+constexpr int DefaultPowerPercent = MachineValues::StartPower;
 
 // One line on standard error; returns BadInput so callers can `return fail(...)`.
 int fail(const QString &message);

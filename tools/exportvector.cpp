@@ -148,10 +148,10 @@ int runVector(const QStringList &args)
     Svg2GcodeP generator;
     generator.TakeEstimatedTime();  // start from nothing
     generator.SetgGcodeWidth(int(width), int(height));
-    generator.SetFeedSpeed(feedSpeed(speed));
+    generator.SetFeedSpeed(MachineValues::feed(speed));
     generator.SetPrintMode(mode == QLatin1String("cnc"));
-    generator.SetTravelSpeed(travelSpeed(speed));
-    generator.SetLaser(machinePower(power));
+    generator.SetTravelSpeed(MachineValues::travel(speed));
+    generator.SetLaser(MachineValues::power(power));
     generator.SetPrintZValue(float(feedZ));
     generator.SetTravelZValue(float(travelZ));
     if (opts.has("header"))
