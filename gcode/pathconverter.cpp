@@ -686,14 +686,20 @@ float pathconv_take_estimate()
 
 int pathconv_convert(const char *input, const char *output, int bezier)
 {
-    CNumericLocale cLocale;
-    g_bezier = bezier;  // every caller asks for curves; kept as a setting all the same
-
     SvgImage *image = SvgReader::parseFromFile(input, "mm", 0.1f);
     if (!image) {
         printf("error: Can't open input %s\n", input);
         return -1;
     }
+    const int status = pathconv_convert_image(image, input, output, bezier);
+    SvgReader::release(image);
+    return status;
+}
+
+int pathconv_convert_image(const SvgImage *image, const char *name, const char *output, int bezier)
+{
+    CNumericLocale cLocale;
+    g_bezier = bezier;  // every caller asks for curves; kept as a setting all the same
 
     g_bounds[0] = g_bounds[1] = FLT_MAX;
     g_bounds[2] = g_bounds[3] = -FLT_MAX;
@@ -719,18 +725,15 @@ int pathconv_convert(const char *input, const char *output, int bezier)
 
     g_scale = g_width / std::fabs(g_bounds[2] - g_bounds[0]);
     if (!numbersUsable()) {
-        printf("error: %s gives positions that are not numbers; no G-code written\n", input);
-        SvgReader::release(image);
+        printf("error: %s gives positions that are not numbers; no G-code written\n", name);
         return -2;
     }
     seedRandom();
 
     remove(output);
     FILE *fp = fopen(output, "w");
-    if (!fp) {
-        SvgReader::release(image);
+    if (!fp)
         return -1;
-    }
 
     fprintf(fp, "G1 F2000 \n");
     fprintf(fp, "G28 X0 Y0  ;move X/Y to min endstops \n");
@@ -903,6 +906,5 @@ int pathconv_convert(const char *input, const char *output, int bezier)
     free(orderAt);
     free(g_bezPoints);
     g_bezPoints = nullptr;
-    SvgReader::release(image);
     return 0;
 }
