@@ -5,7 +5,7 @@
 
 #include "machinevalues.h"
 
-#include <QMap>
+#include <QCommandLineParser>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -23,14 +23,15 @@ constexpr int DefaultPowerPercent = MachineValues::StartPower;
 // One line on standard error; returns BadInput so callers can `return fail(...)`.
 int fail(const QString &message);
 
-// Parses "--name value" pairs (and a lone "--help"). Every name must be in `known`;
-// a repeated option keeps the last value.
+// Parses "--name value" pairs, the switches named in `switches` and "--help". Every
+// name must be in `known` or `switches`; a repeated option keeps the last value.
 class Options
 {
 public:
-    bool parse(const QStringList &args, const QStringList &known, QString *error);
-    bool help() const { return m_help; }
-    bool has(const QString &name) const { return m_values.contains(name); }
+    bool parse(const QStringList &args, const QStringList &known, QString *error,
+               const QStringList &switches = QStringList());
+    bool help() const { return m_parser.isSet(HelpName); }
+    bool has(const QString &name) const { return m_parser.isSet(name); }
     QString text(const QString &name, const QString &fallback = QString()) const;
     // Number readers: false (with a message naming the option) when the text is not a number.
     bool number(const QString &name, double fallback, double *out, QString *error) const;
@@ -39,8 +40,8 @@ public:
     bool percent(const QString &name, int fallback, int *out, QString *error) const;
 
 private:
-    QMap<QString, QString> m_values;
-    bool m_help = false;
+    static const QString HelpName;
+    QCommandLineParser m_parser;
 };
 
 // Makes a temporary directory the current one for the generators' fixed-name files,
