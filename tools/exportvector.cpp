@@ -11,9 +11,9 @@
 #include <QTextStream>
 
 #include <cmath>
-#include <memory>
 #include <cstdio>
 #include <fcntl.h>
+#include <memory>
 #include <unistd.h>
 
 namespace {
