@@ -10,7 +10,11 @@
 #include "frontend.h"
 #include "imgbinaryedit.h"
 #include "machinepanel.h"
+#include "languagepick.h"
+#include "machinevalues.h"
+#include "workarea.h"
 #include "materiallibrary.h"
+#include "pgraphicsscene.h"
 #include "previewpanel.h"
 #include "qrcodebitmap.h"
 #include "renderform.h"
@@ -39,27 +43,14 @@ namespace {
 constexpr int SliderMinimum = 0;
 constexpr int SliderMaximum = 100;
 constexpr int SliderTickInterval = 10;
-constexpr int StartSpeed = 33;
-constexpr int StartPower = 91;
 constexpr int FontSizeMinimum = 99;
 constexpr int FontSizeMaximum = 500;
 constexpr int StartFontSize = 99;
 
 const char *const Catalogues[] = {":/bin_zh.qm", ":/bin_en.qm", ":/bin_ko.qm"};
 
-// Machine values from slider percentages.
-constexpr int FeedPerMinute = 60;
-constexpr int TravelFactor = 12;
-constexpr int Percent = 100;
-
 // Pictures are handed to the canvas at most this many pixels on a side.
 constexpr int LargestPictureSide = 1000;
-
-// The generators flip Y against this height; the machine panel frames in the same coordinates.
-constexpr double WorkAreaHeight = 200.0;
-
-// Jog moves always use this feed rate.
-constexpr int JogFeed = 2000;
 
 const char *const BlackWhiteJpg = "black_white.jpg";
 const char *const BlackWhiteSvg = "black_white.svg";
@@ -135,7 +126,7 @@ Draw::Draw(QWidget *parent)
         // The vector export works in whole millimetres.
         if (!ui->radioButtonBlackWhite->isChecked() && !ui->radioButtonGray->isChecked())
             width = int(width), height = int(height);
-        return QRectF(pos.x(), WorkAreaHeight - pos.y() - height, width, height);
+        return QRectF(pos.x(), WorkArea::Height - pos.y() - height, width, height);
     });
     ui->layoutLanguage->insertWidget(0, m_machinePanel->createOpenButton(this));
 
@@ -234,8 +225,8 @@ void Draw::setUpSliders()
     connect(ui->TextToImgButton, SIGNAL(clicked()), this, SLOT(SlotTextToImgButton()));
     connect(m_frontEnd, SIGNAL(Sig_uishow(QString)), this, SLOT(SlotLogMsg(QString)));
 
-    ui->speedHorizontalSlider->setValue(StartSpeed);
-    ui->powerHorizontalSlider->setValue(StartPower);
+    ui->speedHorizontalSlider->setValue(MachineValues::StartSpeed);
+    ui->powerHorizontalSlider->setValue(MachineValues::StartPower);
     ui->FontSizeSpinBox->setValue(StartFontSize);
     ui->fontComboBox->setEditable(false);
 }
@@ -298,11 +289,8 @@ void Draw::SlotConnected(bool connected)
 
 QString Draw::message(const char *chinese, const char *english) const
 {
-    if (m_language == 0)
-        return tr(chinese);
-    if (m_language == 1)
-        return tr(english);
-    return QString();
+    const char *text = LanguagePick::pick(m_language, chinese, english);
+    return text ? tr(text) : QString();
 }
 
 void Draw::logMessage(const QString &text)
@@ -539,7 +527,7 @@ void Draw::on_btnExportGcode_clicked()
         return;
     }
     const QPointF position = m_renderForm->CurrentItemPos();
-    if (position.x() == -10000.0) {
+    if (position.x() == PGraphicsScene::NoPosition.x()) {
         logMessage(message("警告，已超出预览区域!!!", "Warning,out of the preview area!!!"));
         warn(message("警告，已超出预览区域!!!", "Out of the preview area!!!"));
         return;
@@ -569,9 +557,9 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
     const int power = ui->powerHorizontalSlider->value();
     const double width = ui->w_line->text().toDouble();
     const double height = ui->h_line->text().toDouble();
-    const int feed = speed * m_speedScale * FeedPerMinute / Percent;
-    const int travel = speed * m_speedScale * TravelFactor;
-    const int laser = power * m_powerScale / Percent;
+    const int feed = MachineValues::feed(speed);
+    const int travel = MachineValues::travel(speed);
+    const int laser = MachineValues::power(power);
 
     bool generated = false;
     // When a generator refuses, nothing is copied: an old "local.gcode" must not stand in.
@@ -939,7 +927,7 @@ void Draw::on_deleteMaterialButton_clicked()
 
 void Draw::on_TextToQRcodeButton_clicked()
 {
-    const QString file = QStringLiteral("qrcode.bmp");
+    const QString file = QString::fromLatin1(QrCodeBitmap::FileName);
     if (!QrCodeBitmap::write(ui->textEdit->toPlainText(), file))
         return;   // encoding or file errors end quietly
     m_picturePath = file;

@@ -181,8 +181,6 @@ private:
 
     int m_textPixelSize = -1;   // not yet chosen
     int m_language = 0;         // 0 Chinese, 1 English, 2 Korean
-    int m_speedScale = 30;      // slider percent to mm/min
-    int m_powerScale = 255;     // slider percent to laser power
 
     // Worker objects, in the order they are made.
     CPSerialPort *m_serialPanel = nullptr;

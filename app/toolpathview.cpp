@@ -2,6 +2,8 @@
 // The job picture lies over a light grid; labels keep their size at every zoom.
 #include "toolpathview.h"
 
+#include "workarea.h"
+
 #include <QGraphicsPixmapItem>
 #include <QGraphicsRectItem>
 #include <QGraphicsSimpleTextItem>
@@ -13,8 +15,8 @@
 
 namespace {
 
-constexpr double AreaWidth = 170;
-constexpr double AreaHeight = 200;
+constexpr double AreaWidth = WorkArea::Width;
+constexpr double AreaHeight = WorkArea::Height;
 constexpr double GridStep = 10;   // mm
 constexpr double LabelStep = 50;  // mm
 constexpr double Margin = 12;     // mm of room around the area for the labels

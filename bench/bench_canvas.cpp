@@ -5,6 +5,7 @@
 #include "pgraphicsscene.h"
 #include "pixmapitem.h"
 #include "svgitem.h"
+#include "workarea.h"
 
 #include <QApplication>
 #include <QDir>
@@ -122,7 +123,7 @@ int tracedPageSteps(const QString &shots)
     view.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     view.resize(900, 1000);
     view.show();
-    view.fitInView(QRectF(0, 0, 170, 200), Qt::KeepAspectRatio);
+    view.fitInView(QRectF(0, 0, WorkArea::Width, WorkArea::Height), Qt::KeepAspectRatio);
     QApplication::processEvents();
     view.viewport()->repaint();
 

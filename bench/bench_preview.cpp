@@ -2,6 +2,7 @@
 // against the export of the same job in the same run; peak memory at two file sizes.
 #include "bitmap2gcode.h"
 #include "gcodeinterpreter.h"
+#include "machinevalues.h"
 #include "toolpathrenderer.h"
 
 #include <QApplication>
@@ -19,10 +20,10 @@ namespace {
 
 constexpr int Repeats = 3;
 constexpr double PxPerMm = 10;
-// The sliders' starting values, speed 33 and power 91, as machine values.
-constexpr int MachineFeed = 594;
-constexpr int MachineTravel = 11880;
-constexpr float MachinePower = 232;
+// The sliders' starting values as machine values.
+constexpr int MachineFeed = MachineValues::feed(MachineValues::StartSpeed);
+constexpr int MachineTravel = MachineValues::travel(MachineValues::StartSpeed);
+constexpr float MachinePower = MachineValues::power(MachineValues::StartPower);
 
 // The photograph-like gradient of the raster benchmark, dithered with Floyd-Steinberg.
 QImage ditheredGradient(int width, int height)

@@ -1,6 +1,8 @@
 // Speed of the raster G-code export on full work-area jobs, with pictures made here:
 // a dithered photograph-like gradient and black text on white, at 0.1 mm and 0.05 mm.
 #include "bitmap2gcode.h"
+#include "machinevalues.h"
+#include "workarea.h"
 
 #include <QApplication>
 #include <QCryptographicHash>
@@ -17,14 +19,13 @@
 
 namespace {
 
-// The work area is 170 mm by 200 mm.
-constexpr double AreaWidth = 170.0;
-constexpr double AreaHeight = 200.0;
+constexpr double AreaWidth = WorkArea::Width;
+constexpr double AreaHeight = WorkArea::Height;
 constexpr int Repeats = 5;
-// The sliders' starting values, speed 33 and power 91, as machine values.
-constexpr int MachineFeed = 594;
-constexpr int MachineTravel = 11880;
-constexpr float MachinePower = 232;
+// The sliders' starting values as machine values.
+constexpr int MachineFeed = MachineValues::feed(MachineValues::StartSpeed);
+constexpr int MachineTravel = MachineValues::travel(MachineValues::StartSpeed);
+constexpr float MachinePower = MachineValues::power(MachineValues::StartPower);
 
 // A smooth picture with highlights, shadows and fine detail, like a photograph, dithered to
 // black and white with Floyd-Steinberg error diffusion (or left in gray for the gray job).

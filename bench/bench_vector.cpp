@@ -1,6 +1,7 @@
 // Times the vector G-code export on a drawing like a traced photograph: thousands of
 // short closed outlines of curves and lines, the 2-opt path ordering included.
 #include "appsettings.h"
+#include "machinevalues.h"
 #include "svg2gcodep.h"
 
 #include <QApplication>
@@ -77,9 +78,9 @@ int main(int argc, char *argv[])
     AppSettings::setOffset(0, 0);
     Svg2GcodeP gen;
     gen.SetgGcodeWidth(160, 160);
-    gen.SetFeedSpeed(594);
-    gen.SetTravelSpeed(11880);
-    gen.SetLaser(232);
+    gen.SetFeedSpeed(MachineValues::feed(MachineValues::StartSpeed));
+    gen.SetTravelSpeed(MachineValues::travel(MachineValues::StartSpeed));
+    gen.SetLaser(MachineValues::power(MachineValues::StartPower));
     gen.SetPrintMode(0);
     Svg2GcodeP::UseFixedSeed(Seed);
 

@@ -5,6 +5,7 @@
 #include "backgrqgraphicsitem.h"
 #include "pixmapitem.h"
 #include "svgitem.h"
+#include "workarea.h"
 
 #include <QDebug>
 #include <QFile>
@@ -22,8 +23,6 @@
 
 namespace {
 
-constexpr int AreaWidth = 170;
-constexpr int AreaHeight = 200;
 constexpr int Margin = 5;
 constexpr double LabelGap = 1.0;   // mm between a label and the outline it names
 constexpr double BackgroundScale = 0.48;
@@ -54,7 +53,7 @@ double ratioOf(double w, double h)
 const QPointF PGraphicsScene::NoPosition(-10000, -10000);
 
 PGraphicsScene::PGraphicsScene(QObject *parent)
-    : QGraphicsScene(parent), m_areaWidth(AreaWidth), m_areaHeight(AreaHeight)
+    : QGraphicsScene(parent), m_areaWidth(WorkArea::Width), m_areaHeight(WorkArea::Height)
 {
     buildWorkArea();
 }

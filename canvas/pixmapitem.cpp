@@ -1,6 +1,7 @@
 // Bitmap design on the canvas: a picture file shown at its size in millimetres,
 // moved by its body, resized about its centre from the bottom-right corner.
 #include "pixmapitem.h"
+#include "workarea.h"
 
 #include <QBuffer>
 #include <QDebug>
@@ -240,8 +241,8 @@ void PixmapItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option
     // The bounding margin is part of W and H, hence the same tolerance here.
     // A picture that did not decode has no size: it is nowhere, so nothing gets exported.
     const bool empty = !(m_rect.width() > 0 && m_rect.height() > 0);
-    const bool outside = empty || x < 0 || y < 0 || w + x > m_areaWidth + InAreaTolerance
-                         || h + y > m_areaHeight + InAreaTolerance;
+    const bool outside = empty || x < 0 || y < 0 || w + x > WorkArea::Width + InAreaTolerance
+                         || h + y > WorkArea::Height + InAreaTolerance;
 
     if (option->state & QStyle::State_Selected) {
         QPen pen(QBrush(outside ? FrameOutside : FrameInside), FramePenWidth,

@@ -81,8 +81,6 @@ private:
     QPointF m_start;
     QPointF m_end;
     double m_scale = 1.0;
-    int m_areaHeight = 200;
-    int m_areaWidth = 170;
 
     // The bytes of the last decode and the picture decoded from them, at least
     // twice the shown size; a step whose file still holds the same bytes skips the decode.

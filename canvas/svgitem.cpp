@@ -1,6 +1,7 @@
 // Vector design on the canvas: an SVG drawing shown at its size in millimetres,
 // moved by its body, resized about its centre from the bottom-right corner.
 #include "svgitem.h"
+#include "workarea.h"
 
 #include <QGraphicsSceneDragDropEvent>
 #include <QGraphicsSceneHoverEvent>
@@ -178,8 +179,8 @@ void SvgItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, Q
     const int w = truncated(bounds.width());
     const int h = truncated(bounds.height());
     // W and H include the frame margin on both sides, hence the tolerance of 4.
-    const bool outside = x < 0 || y < 0 || w + x > m_areaWidth + InAreaTolerance
-                         || h + y > m_areaHeight + InAreaTolerance;
+    const bool outside = x < 0 || y < 0 || w + x > WorkArea::Width + InAreaTolerance
+                         || h + y > WorkArea::Height + InAreaTolerance;
 
     if (option->state & QStyle::State_Selected) {
         QPen pen(QBrush(outside ? FrameOutside : FrameInside), FramePenWidth,

@@ -83,8 +83,6 @@ private:
     QSizeF m_defaultSize;
     int m_kindTag = 0;
     CornerHover m_corner{CornerZone};
-    int m_areaHeight = 200;
-    int m_areaWidth = 170;
     bool m_inArea = false;
     bool m_resizing = false;  // a corner drag is under way
     SvgRenderCache m_renderCache;

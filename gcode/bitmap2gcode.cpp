@@ -3,6 +3,8 @@
 #include "bitmap2gcode.h"
 
 #include "appsettings.h"
+#include "languagepick.h"
+#include "workarea.h"
 #include "rastergcodewriter.h"
 
 #include <QDebug>
@@ -270,8 +272,8 @@ void Bitmap2Gcode::SetPower(float power)
 // finite power mean a file without "nan" or "inf" in it.
 bool Bitmap2Gcode::refuseUnusable(int width, int height, double scale)
 {
-    const double corners[] = {offset.x(), offset.x() + width * scale, m_workHeight - offset.y(),
-                              m_workHeight - offset.y() - height * scale, scale, double(power)};
+    const double corners[] = {offset.x(), offset.x() + width * scale, WorkArea::machineY(offset.y()),
+                              WorkArea::machineY(offset.y()) - height * scale, scale, double(power)};
     m_refusal.clear();
     for (double value : corners) {
         if (!std::isfinite(value)) {
@@ -289,10 +291,10 @@ bool Bitmap2Gcode::openOutput(QFile &file)
         return true;
     // Messages in code follow the language chosen at start-up; Korean has none.
     const int language = AppSettings::languageIndex();
-    if (language == 0)
-        QMessageBox::critical(nullptr, tr("提示"), tr("无法创建文件"), QMessageBox::Ok);
-    else if (language == 1)
-        QMessageBox::critical(nullptr, tr("Notice"), tr("Can't creat file"), QMessageBox::Ok);
+    const QString title = LanguagePick::pick(language, tr("提示"), tr("Notice"));
+    if (!title.isNull())
+        QMessageBox::critical(nullptr, title, LanguagePick::pick(language, tr("无法创建文件"), tr("Can't creat file")),
+                              QMessageBox::Ok);
     return false;
 }
 
@@ -310,8 +312,8 @@ void Bitmap2Gcode::writeFrame(RasterGcodeWriter &out, int width, int height, dou
     // then the machine waits for a go. The beam stays weakly on until the first scan group.
     const double left = offset.x();
     const double right = offset.x() + width * scale;
-    const double top = m_workHeight - offset.y();
-    const double bottom = m_workHeight - offset.y() - height * scale;
+    const double top = WorkArea::machineY(offset.y());
+    const double bottom = WorkArea::machineY(offset.y()) - height * scale;
     const QString move = tr("G0 X%1 Y%2 \n");
     const QString burn = tr("G1 X%1 Y%2 \n");
     const QStringList frame = {
@@ -369,11 +371,11 @@ void Bitmap2Gcode::ExportBlackPix(QImage image, QString savefile, double scale)
     std::vector<float> columnX(size_t(std::max(width, 0)));
     for (int c = 0; c < width; ++c)
         columnX[size_t(c)] = float(offset.x() + c * scale);
-    TravelClock clock(float(offset.x()), float(m_workHeight - offset.y()), &m_estimatedTime);
+    TravelClock clock(float(offset.x()), float(WorkArea::machineY(offset.y())), &m_estimatedTime);
 
     const qint64 stride = rowStride(scale);
     for (qint64 r = 0; r < height; r += stride) {
-        const double y = m_workHeight - r * scale - offset.y();
+        const double y = WorkArea::Height - r * scale - offset.y();
         const float rowY = float(y);
         out.setRow(y);
         const QRgb *line = reinterpret_cast<const QRgb *>(picture.constScanLine(int(r)));
@@ -464,10 +466,10 @@ void Bitmap2Gcode::exportGray(const QImage &image, const QString &savefile, doub
     const int closeAtEnd = out.addGroup({burnTo, laserOff, travelSpeed, {tr("G0 X%1 Y%2 Z%3\n "), xyz}});
     const int closeAtWhite = out.addGroup({burnTo, laserOff, travelSpeed, moveTo});
 
-    TravelClock clock(float(offset.x()), float(m_workHeight - offset.y()), &m_estimatedTime);
+    TravelClock clock(float(offset.x()), float(WorkArea::machineY(offset.y())), &m_estimatedTime);
     const qint64 stride = rowStride(scale);
     for (qint64 r = 0; r < height; r += stride) {
-        const double y = m_workHeight - r * scale - offset.y();
+        const double y = WorkArea::Height - r * scale - offset.y();
         const float rowY = float(y);
         out.setRow(y);
         const uchar *row = picture.row(r);

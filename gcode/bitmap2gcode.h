@@ -61,8 +61,6 @@ private:
     int travel_speed = 0;        // mm/min
     int feed_speed = 0;          // mm/min
     float power = 0;             // 0..255, what a full-black pixel gets
-    int m_workHeight = 200;      // mm; machine Y is flipped against it
-    int m_workWidth = 170;       // mm; no export reads it
     float m_estimatedTime = 0;   // seconds
     bool m_plainFormatting = false;
     QString m_refusal;

@@ -3,6 +3,8 @@
 #ifndef GCODEINTERPRETER_H
 #define GCODEINTERPRETER_H
 
+#include "workarea.h"
+
 #include <QByteArray>
 #include <QtGlobal>
 
@@ -52,8 +54,8 @@ public:
     // Bytes read so far and the size of the file; returning false stops the reading.
     using ProgressHandler = std::function<bool(qint64 done, qint64 total)>;
 
-    static constexpr double WorkAreaWidth = 170.0;
-    static constexpr double WorkAreaHeight = 200.0;
+    static constexpr double WorkAreaWidth = WorkArea::Width;
+    static constexpr double WorkAreaHeight = WorkArea::Height;
 
     GcodeInterpreter() = default;
 

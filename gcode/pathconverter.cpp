@@ -197,29 +197,33 @@ float pathconv_take_estimate()
 
 int pathconv_convert(const char *input, const char *output, int bezier)
 {
-    CNumericLocale cLocale;
-    g_settings.bezier = bezier;  // every caller asks for curves; kept as a setting all the same
-
     SvgImage *image = SvgReader::parseFromFile(input, "mm", 0.1f);
     if (!image) {
         printf("error: Can't open input %s\n", input);
         return -1;
     }
+    const int status = pathconv_convert_image(image, input, output, bezier);
+    SvgReader::release(image);
+    return status;
+}
+
+int pathconv_convert_image(const SvgImage *image, const char *name, const char *output, int bezier)
+{
+    CNumericLocale cLocale;
+    g_settings.bezier = bezier;  // every caller asks for curves; kept as a setting all the same
+
     PathConvRun run;
     readBounds(*image, run);
     if (!numbersUsable(run)) {
-        printf("error: %s gives positions that are not numbers; no G-code written\n", input);
-        SvgReader::release(image);
+        printf("error: %s gives positions that are not numbers; no G-code written\n", name);
         return -2;
     }
     const uint32_t seed = pathOrderSeed(seedSeconds());
 
     remove(output);
     FILE *fp = fopen(output, "w");
-    if (!fp) {
-        SvgReader::release(image);
+    if (!fp)
         return -1;
-    }
     writePreamble(fp, g_settings);
 
     printf("paths %d points %d\n", run.npaths, run.npoints);
@@ -230,6 +234,5 @@ int pathconv_convert(const char *input, const char *output, int bezier)
 
     fclose(fp);
     releaseRun(run);
-    SvgReader::release(image);
     return 0;
 }

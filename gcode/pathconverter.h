@@ -35,6 +35,11 @@ void pathconv_use_portable_draws(int on);
 // not be a finite number (no file is written then).
 int pathconv_convert(const char *input, const char *output, int bezier);
 
+// The same for a drawing already read (in millimetres at 0.1 dpi, as pathconv_convert
+// reads it); `name` stands for it in the messages. The drawing is left as it is.
+struct SvgImage;
+int pathconv_convert_image(const SvgImage *image, const char *name, const char *output, int bezier);
+
 // Seconds of feed moves added up over the conversions since the last call; resets to 0.
 float pathconv_take_estimate();
 

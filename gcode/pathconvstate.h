@@ -4,6 +4,7 @@
 #define PATHCONVSTATE_H
 
 #include "bezierflattener.h"
+#include "workarea.h"
 #include "pathorder.h"
 
 #include <cfloat>
@@ -11,7 +12,7 @@
 
 const int PathConvHeaderSize = 64;
 const int PathConvLaserLineSize = 32;
-const float PathConvWorkAreaHeight = 200.0f;  // the machine's Y is flipped against this, whatever maxy says
+const float PathConvWorkAreaHeight = float(WorkArea::Height);  // the machine's Y is flipped against this, whatever maxy says
 
 // Settings kept from one conversion to the next, and the time estimate they add up.
 struct PathConvSettings

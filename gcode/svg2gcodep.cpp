@@ -1,5 +1,5 @@
 // Qt face of the vector G-code converter: slots that set the converter's settings
-// and run a conversion of an SVG file with the offset stored in Config.ini.
+// and run a conversion of an SVG drawing at a placement offset (by default the one in Config.ini).
 #include "svg2gcodep.h"
 
 #include "appsettings.h"
@@ -31,19 +31,30 @@ float Svg2GcodeP::TakeEstimatedTime()
     return pathconv_take_estimate();
 }
 
+SvgImage *Svg2GcodeP::ReadDrawing(const QString &inputfile)
+{
+    return SvgReader::parseFromFile(QFile::encodeName(inputfile).constData(), ConverterUnits, ConverterDpi);
+}
+
 bool Svg2GcodeP::CanScale(const QString &inputfile)
 {
-    SvgImage *image = SvgReader::parseFromFile(QFile::encodeName(inputfile).constData(), ConverterUnits, ConverterDpi);
+    SvgImage *image = ReadDrawing(inputfile);
     if (!image)
         return false;
+    const bool usable = CanScale(*image);
+    SvgReader::release(image);
+    return usable;
+}
+
+bool Svg2GcodeP::CanScale(const SvgImage &drawing)
+{
     float minX = HUGE_VALF, maxX = -HUGE_VALF;
-    for (const SvgShape &shape : image->shapes)
+    for (const SvgShape &shape : drawing.shapes)
         for (const SvgPath &path : shape.paths)
             for (int i = 0; i < path.npts(); ++i) {
                 minX = std::min(minX, path.pts[2 * i]);
                 maxX = std::max(maxX, path.pts[2 * i]);
             }
-    SvgReader::release(image);
     const bool empty = minX > maxX;
     return empty || (maxX - minX > 0 && std::isfinite(maxX - minX));
 }
@@ -60,11 +71,27 @@ void Svg2GcodeP::UseClockSeed()
 
 void Svg2GcodeP::SvgToGcode(QString inputfile, QString outfile)
 {
-    pathconv_set_offset(float(AppSettings::xOffset()), float(AppSettings::yOffset()));
+    SvgToGcodeAt(inputfile, outfile, AppSettings::xOffset(), AppSettings::yOffset());
+}
+
+void Svg2GcodeP::SvgToGcodeAt(const QString &inputfile, const QString &outfile, double x, double y)
+{
+    pathconv_set_offset(float(x), float(y));
     // The converter takes 8-bit names: callers hand it plain names in the working directory.
     const QByteArray in = inputfile.toLatin1();
     const QByteArray out = outfile.toLatin1();
-    const int status = pathconv_convert(in.constData(), out.constData(), BezierOn);
+    noteStatus(pathconv_convert(in.constData(), out.constData(), BezierOn));
+}
+
+void Svg2GcodeP::SvgToGcodeAt(const SvgImage &drawing, const QString &outfile, double x, double y)
+{
+    pathconv_set_offset(float(x), float(y));
+    const QByteArray out = outfile.toLatin1();
+    noteStatus(pathconv_convert_image(&drawing, "drawing", out.constData(), BezierOn));
+}
+
+void Svg2GcodeP::noteStatus(int status)
+{
     m_refusal = status == NotFinite
         ? QStringLiteral("No G-code written: the drawing gives positions that are not numbers")
         : QString();

@@ -1,10 +1,12 @@
 // Qt face of the vector G-code converter: slots that set the converter's settings
-// and run a conversion of an SVG file with the offset stored in Config.ini.
+// and run a conversion of an SVG drawing at a placement offset (by default the one in Config.ini).
 #ifndef SVG2GCODEP_H
 #define SVG2GCODEP_H
 
 #include <QString>
 #include <QWidget>
+
+struct SvgImage;
 
 // Every setter writes the converter's module-wide settings, which stay as they are
 // for the next conversion (and the next object); the object keeps only the outcome.
@@ -22,6 +24,16 @@ public:
     // (or nothing to draw). A drawing of zero width would give an infinite scale
     // and "nan" coordinates, so callers check before exporting.
     static bool CanScale(const QString &inputfile);
+    static bool CanScale(const SvgImage &drawing);
+
+    // Reads a drawing as the converter reads it (millimetres); null when it does not parse.
+    // The caller gives it back with SvgReader::release.
+    static SvgImage *ReadDrawing(const QString &inputfile);
+
+    // Converts with the drawing's corner placed at (x, y) mm; SvgToGcode does the same
+    // with the offset stored in Config.ini.
+    void SvgToGcodeAt(const QString &inputfile, const QString &outfile, double x, double y);
+    void SvgToGcodeAt(const SvgImage &drawing, const QString &outfile, double x, double y);
 
     // Why the last SvgToGcode wrote no file because a position would not be a finite
     // number, or empty.
@@ -44,6 +56,8 @@ public slots:
     void SetgGcodeWidth(int width, int height);
 
 private:
+    void noteStatus(int status);
+
     QString m_refusal;
 };
 

@@ -5,6 +5,7 @@
 
 #include "appsettings.h"
 #include "pixelops.h"
+#include "languagepick.h"
 
 #include <QEvent>
 #include <QFile>
@@ -117,7 +118,7 @@ void ImgBinaryEdit::refuse(const QString &chinese, const QString &english)
     m_showsAdaptive = false;
     ui->labelSrc->clear();
     ui->labelDest->clear();
-    ui->labelDest->setText(AppSettings::languageIndex() == 0 ? chinese : english);
+    ui->labelDest->setText(LanguagePick::pick(AppSettings::languageIndex(), chinese, english, english));
 }
 
 void ImgBinaryEdit::adopt(const QImage &picture, bool opaque)

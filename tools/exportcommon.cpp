@@ -21,35 +21,38 @@ int fail(const QString &message)
     return BadInput;
 }
 
-bool Options::parse(const QStringList &args, const QStringList &known, QString *error)
+const QString Options::HelpName = QStringLiteral("help");
+
+bool Options::parse(const QStringList &args, const QStringList &known, QString *error,
+                    const QStringList &switches)
 {
-    for (int i = 0; i < args.size(); ++i) {
-        const QString &arg = args.at(i);
-        if (arg == QLatin1String("--help")) {
-            m_help = true;
-            continue;
-        }
-        if (!arg.startsWith(QLatin1String("--"))) {
-            *error = QStringLiteral("unexpected argument '%1'").arg(arg);
-            return false;
-        }
-        const QString name = arg.mid(2);
-        if (!known.contains(name)) {
-            *error = QStringLiteral("unknown option '%1'").arg(arg);
-            return false;
-        }
-        if (i + 1 >= args.size()) {
-            *error = QStringLiteral("option '%1' needs a value").arg(arg);
-            return false;
-        }
-        m_values.insert(name, args.at(++i));
+    m_parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    m_parser.addOption(QCommandLineOption(HelpName));
+    for (const QString &name : switches)
+        m_parser.addOption(QCommandLineOption(name));
+    for (const QString &name : known)
+        m_parser.addOption(QCommandLineOption(name, QString(), name));
+    // The parser takes the first argument for the program's name.
+    if (!m_parser.parse(QStringList(QString()) + args)) {
+        const QStringList unknown = m_parser.unknownOptionNames();
+        if (!unknown.isEmpty())
+            *error = QStringLiteral("unknown option '--%1'").arg(unknown.first());
+        else if (!args.isEmpty() && known.contains(args.last().mid(2)))
+            *error = QStringLiteral("option '%1' needs a value").arg(args.last());
+        else
+            *error = m_parser.errorText();
+        return false;
+    }
+    if (!m_parser.positionalArguments().isEmpty()) {
+        *error = QStringLiteral("unexpected argument '%1'").arg(m_parser.positionalArguments().first());
+        return false;
     }
     return true;
 }
 
 QString Options::text(const QString &name, const QString &fallback) const
 {
-    return m_values.value(name, fallback);
+    return has(name) ? m_parser.value(name) : fallback;
 }
 
 bool Options::number(const QString &name, double fallback, double *out, QString *error) const
@@ -59,9 +62,9 @@ bool Options::number(const QString &name, double fallback, double *out, QString 
         return true;
     }
     bool ok = false;
-    const double v = m_values.value(name).toDouble(&ok);
+    const double v = m_parser.value(name).toDouble(&ok);
     if (!ok || !std::isfinite(v)) {
-        *error = QStringLiteral("--%1: '%2' is not a number").arg(name, m_values.value(name));
+        *error = QStringLiteral("--%1: '%2' is not a number").arg(name, m_parser.value(name));
         return false;
     }
     *out = v;
@@ -75,9 +78,9 @@ bool Options::integer(const QString &name, int fallback, int *out, QString *erro
         return true;
     }
     bool ok = false;
-    const int v = m_values.value(name).toInt(&ok);
+    const int v = m_parser.value(name).toInt(&ok);
     if (!ok) {
-        *error = QStringLiteral("--%1: '%2' is not a whole number").arg(name, m_values.value(name));
+        *error = QStringLiteral("--%1: '%2' is not a whole number").arg(name, m_parser.value(name));
         return false;
     }
     *out = v;

@@ -1,9 +1,11 @@
-// Common rules of tarnwell-export: long options, number checks, machine values from
-// slider percentages, the private working directory and the all-or-nothing output.
+// Common rules of tarnwell-export: long options, number checks, the slider defaults,
+// the private working directory and the all-or-nothing output.
 #ifndef EXPORTCOMMON_H
 #define EXPORTCOMMON_H
 
-#include <QMap>
+#include "machinevalues.h"
+
+#include <QCommandLineParser>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -15,25 +17,21 @@ namespace ExportCommon {
 constexpr int BadInput = 2;
 
 // Slider defaults of the main window.
-constexpr int DefaultSpeedPercent = 33;
-constexpr int DefaultPowerPercent = 91;
-
-// The main window's conversions (integer arithmetic, speed scale 30, power scale 255).
-inline int feedSpeed(int speedPercent) { return speedPercent * 30 * 60 / 100; }
-inline int travelSpeed(int speedPercent) { return speedPercent * 30 * 12; }
-inline int machinePower(int powerPercent) { return powerPercent * 255 / 100; }
+constexpr int DefaultSpeedPercent = MachineValues::StartSpeed;
+constexpr int DefaultPowerPercent = MachineValues::StartPower;
 
 // One line on standard error; returns BadInput so callers can `return fail(...)`.
 int fail(const QString &message);
 
-// Parses "--name value" pairs (and a lone "--help"). Every name must be in `known`;
-// a repeated option keeps the last value.
+// Parses "--name value" pairs, the switches named in `switches` and "--help". Every
+// name must be in `known` or `switches`; a repeated option keeps the last value.
 class Options
 {
 public:
-    bool parse(const QStringList &args, const QStringList &known, QString *error);
-    bool help() const { return m_help; }
-    bool has(const QString &name) const { return m_values.contains(name); }
+    bool parse(const QStringList &args, const QStringList &known, QString *error,
+               const QStringList &switches = QStringList());
+    bool help() const { return m_parser.isSet(HelpName); }
+    bool has(const QString &name) const { return m_parser.isSet(name); }
     QString text(const QString &name, const QString &fallback = QString()) const;
     // Number readers: false (with a message naming the option) when the text is not a number.
     bool number(const QString &name, double fallback, double *out, QString *error) const;
@@ -42,8 +40,8 @@ public:
     bool percent(const QString &name, int fallback, int *out, QString *error) const;
 
 private:
-    QMap<QString, QString> m_values;
-    bool m_help = false;
+    static const QString HelpName;
+    QCommandLineParser m_parser;
 };
 
 // Makes a temporary directory the current one for the generators' fixed-name files,

@@ -27,18 +27,17 @@ constexpr double MaxPxPerMm = 40;
 
 } // namespace
 
-int runPreview(const QStringList &given)
+int runPreview(const QStringList &args)
 {
     using namespace ExportCommon;
-    // --travel is a switch without a value.
-    QStringList args = given;
-    const bool travel = args.removeAll(QStringLiteral("--travel")) > 0;
     Options options;
     QString error;
     const QStringList known = {QStringLiteral("input"), QStringLiteral("output"),
                                QStringLiteral("px-per-mm")};
-    if (!options.parse(args, known, &error))
+    const QString travelSwitch = QStringLiteral("travel");
+    if (!options.parse(args, known, &error, {travelSwitch}))
         return fail(QStringLiteral("preview: %1").arg(error));
+    const bool travel = options.has(travelSwitch);
     if (options.help()) {
         QTextStream(stdout) << PreviewUsage;
         return 0;

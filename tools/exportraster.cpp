@@ -99,9 +99,9 @@ int runRaster(const QStringList &args)
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false\ndefault.warning=false"));
     Bitmap2Gcode generator;
     generator.offset = QPointF(x, y);
-    generator.SetTravelSpeed(travelSpeed(speed));
-    generator.SetFeedSpeed(feedSpeed(speed));
-    generator.SetPower(float(machinePower(power)));
+    generator.SetTravelSpeed(MachineValues::travel(speed));
+    generator.SetFeedSpeed(MachineValues::feed(speed));
+    generator.SetPower(float(MachineValues::power(power)));
     const double scale = width / picture.width();
     const QString gcode = QString::fromLatin1(WorkingGcode);
     if (style == QLatin1String("bw"))

@@ -2,7 +2,6 @@
 // configured as the main window configures it for the Outline style.
 #include "exportcommon.h"
 
-#include "appsettings.h"
 #include "estimatedtime.h"
 #include "svg2gcodep.h"
 #include "svgreader.h"
@@ -14,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <fcntl.h>
+#include <memory>
 #include <unistd.h>
 
 namespace {
@@ -33,9 +33,8 @@ const char *const Usage =
     "  --seed            a whole number used instead of the clock to order the paths,\n"
     "                    so that a run can be repeated exactly\n";
 
-// The working names the main window uses: plain ASCII, so the converter's 8-bit
-// file names reach them whatever the user's file is called.
-const char *const WorkInput = "black_white.svg";
+// The converter writes through an 8-bit file name: a plain ASCII one in the working
+// directory reaches it whatever the user's file is called.
 const char *const WorkOutput = "local.gcode";
 // Far beyond any machine, and well inside what an int and a float hold.
 const double MaxMillimetres = 100000;
@@ -135,23 +134,21 @@ int runVector(const QStringList &args)
     PrivateWorkDir work;
     if (!work.isValid())
         return fail(QStringLiteral("cannot make a temporary working directory"));
-    if (!QFile::copy(input, QLatin1String(WorkInput)))
-        return fail(QStringLiteral("cannot read input %1").arg(input));
-    SvgImage *image = SvgReader::parseFromFile(WorkInput, "mm", 0.1f);
-    if (!image)
+    // Read once: the check and the conversion work on the same drawing.
+    std::unique_ptr<SvgImage, void (*)(SvgImage *)> drawing(Svg2GcodeP::ReadDrawing(input),
+                                                            SvgReader::release);
+    if (!drawing)
         return fail(QStringLiteral("%1 is not an SVG drawing that can be read").arg(input));
-    SvgReader::release(image);
-    if (!Svg2GcodeP::CanScale(QLatin1String(WorkInput)))
+    if (!Svg2GcodeP::CanScale(*drawing))
         return fail(QStringLiteral("%1: the drawing has no width, so it cannot be scaled").arg(input));
 
-    AppSettings::setOffset(x, y);
     Svg2GcodeP generator;
     generator.TakeEstimatedTime();  // start from nothing
     generator.SetgGcodeWidth(int(width), int(height));
-    generator.SetFeedSpeed(feedSpeed(speed));
+    generator.SetFeedSpeed(MachineValues::feed(speed));
     generator.SetPrintMode(mode == QLatin1String("cnc"));
-    generator.SetTravelSpeed(travelSpeed(speed));
-    generator.SetLaser(machinePower(power));
+    generator.SetTravelSpeed(MachineValues::travel(speed));
+    generator.SetLaser(MachineValues::power(power));
     generator.SetPrintZValue(float(feedZ));
     generator.SetTravelZValue(float(travelZ));
     if (opts.has("header"))
@@ -160,7 +157,7 @@ int runVector(const QStringList &args)
         Svg2GcodeP::UseFixedSeed(seed);
     {
         QuietStdout quiet;
-        generator.SvgToGcode(QLatin1String(WorkInput), QLatin1String(WorkOutput));
+        generator.SvgToGcodeAt(*drawing, QLatin1String(WorkOutput), x, y);
     }
     Svg2GcodeP::UseClockSeed();
     const float seconds = generator.TakeEstimatedTime();

@@ -3,6 +3,7 @@
 #include "exportcommon.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
 #include <QTextStream>
 
 static const char *const Usage =
@@ -44,17 +45,31 @@ int main(int argc, char *argv[])
     int qtArgc = 1;
     QApplication app(qtArgc, argv);
 
-    if (args.isEmpty())
-        return ExportCommon::fail(QStringLiteral("no subcommand given (try --help)"));
-    const QString command = args.takeFirst();
-    if (command == QLatin1String("--help") || command == QLatin1String("help")) {
+    // Only what comes before the subcommand is the command's own; the rest is the subcommand's.
+    QCommandLineParser parser;
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    const QCommandLineOption help(QStringLiteral("help"));
+    const QCommandLineOption version(QStringLiteral("version"));
+    parser.addOptions({help, version});
+    if (!parser.parse(QStringList(QString()) + args)) {
+        const QStringList unknown = parser.unknownOptionNames();
+        return ExportCommon::fail(unknown.isEmpty()
+            ? parser.errorText()
+            : QStringLiteral("unknown subcommand '%1' (try --help)").arg(args.first()));
+    }
+    QStringList rest = parser.positionalArguments();
+    if (parser.isSet(help) || rest.value(0) == QLatin1String("help")) {
         QTextStream(stdout) << Usage;
         return 0;
     }
-    if (command == QLatin1String("--version")) {
+    if (parser.isSet(version)) {
         QTextStream(stdout) << "tarnwell-export " << TARNWELL_VERSION << '\n';
         return 0;
     }
+    if (rest.isEmpty())
+        return ExportCommon::fail(QStringLiteral("no subcommand given (try --help)"));
+    const QString command = rest.takeFirst();
+    args = rest;
     if (command == QLatin1String("raster"))
         return runRaster(args);
     if (command == QLatin1String("vector"))
