@@ -151,6 +151,8 @@ QList<QByteArray> LineSplitter::feed(const QByteArray &bytes)
             m_partial.append(c);
             if (m_partial.size() >= MaxLine)
                 m_dropping = true;
+        } else {
+            ++m_dropped;
         }
     }
     return lines;
