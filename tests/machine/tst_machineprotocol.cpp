@@ -2,6 +2,7 @@
 // into lines, and the GRBL rewrite table.
 #include "testsupport.h"
 #include "grblrewrite.h"
+#include "jobrunner.h"
 #include "machinereply.h"
 
 class TestMachineProtocol : public QObject
@@ -93,6 +94,26 @@ private slots:
         QCOMPARE(splitter.feed(bytes), lines);
         QCOMPARE(splitter.droppedBytes(), qint64(dropped));
         QCOMPARE(splitter.pendingBytes(), pending);
+    }
+
+    void clockText_data()
+    {
+        QTest::addColumn<double>("seconds");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("nothing") << 0.0 << "0:00";
+        QTest::newRow("rounded") << 40.5 << "0:41";
+        QTest::newRow("minutes") << 725.0 << "12:05";
+        QTest::newRow("hours") << 3723.0 << "1:02:03";
+        QTest::newRow("negative") << -5.0 << "0:00";
+        QTest::newRow("not a number") << qQNaN() << "0:00";
+        // Found by fuzzing: a job with coordinates near 1e58 mm takes longer than any integer holds.
+        QTest::newRow("beyond an integer") << 3.2e57 << "99999:59:59";
+        QTest::newRow("infinite") << qInf() << "99999:59:59";
+    }
+    void clockText()
+    {
+        QFETCH(double, seconds); QFETCH(QString, text);
+        QCOMPARE(JobRunner::clockText(seconds), text);
     }
 
     void grblRewrite_data()
