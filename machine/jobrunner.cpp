@@ -127,7 +127,10 @@ bool JobRunner::loadText(const QByteArray &text, const QString &name, QString *e
             return false;
         }
         lines.push_back({code, fileLine, GrblRewrite::isProgramPause(code)});
-        before.push_back(before.last() + clock.seconds(code));
+        // A move of absurd length would swamp the total or make it infinite: no line counts for
+        // more than the clock can show.
+        const double seconds = clock.seconds(code);
+        before.push_back(before.last() + (seconds > 0 ? std::min(seconds, MaxClockSeconds) : 0));
     }
     if (lines.isEmpty()) {
         *error = tr("%1 holds no G-code").arg(name);
