@@ -1,5 +1,5 @@
 // What one line from the machine means: acknowledgement, error, alarm, status, banner, busy, resend.
-// Plain code over bytes; no state but the splitter's partial line.
+// Plain code over bytes; no state but the splitter's partial line and its count of dropped bytes.
 #include "machinereply.h"
 
 #include <algorithm>
