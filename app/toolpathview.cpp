@@ -11,6 +11,7 @@
 #include <QResizeEvent>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -20,6 +21,7 @@ constexpr double AreaHeight = WorkArea::Height;
 constexpr double GridStep = 10;   // mm
 constexpr double LabelStep = 50;  // mm
 constexpr double Margin = 12;     // mm of room around the area for the labels
+constexpr double FitPadding = 4;  // pixels between the fitted labels and the view's edge
 constexpr double WheelStep = 1.25;
 constexpr int MaxDetailLevel = 5;  // down to 1/32 of the picture
 constexpr double MinZoom = 0.2, MaxZoom = 400;   // screen pixels per mm
@@ -66,10 +68,10 @@ ToolpathView::ToolpathView(QWidget *parent) : QGraphicsView(parent)
     m_overreach = scene->addRect(QRectF(), overreach);
     m_overreach->hide();
     for (double x = 0; x <= AreaWidth - LabelStep / 2; x += LabelStep)
-        label(scene, QString::number(x), QPointF(x, AreaHeight), false);
-    label(scene, QString::number(AreaWidth), QPointF(AreaWidth, AreaHeight), false);
+        m_labels << label(scene, QString::number(x), QPointF(x, AreaHeight), false);
+    m_labels << label(scene, QString::number(AreaWidth), QPointF(AreaWidth, AreaHeight), false);
     for (double y = LabelStep; y <= AreaHeight; y += LabelStep)
-        label(scene, QString::number(y), QPointF(0, AreaHeight - y), true);
+        m_labels << label(scene, QString::number(y), QPointF(0, AreaHeight - y), true);
     setScene(scene);
     setDragMode(QGraphicsView::ScrollHandDrag);
     setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
@@ -120,32 +122,79 @@ void ToolpathView::setOverreach(const QRectF &machine)
     if (machine.isNull()) {
         m_overreach->hide();
         scene()->setSceneRect(area);
+        updateScrollRange(mapToScene(viewport()->rect()).boundingRect());
         return;
     }
     const QRectF box(machine.left(), AreaHeight - machine.bottom(), machine.width(), machine.height());
     m_overreach->setRect(box);
     m_overreach->show();
+    updateScrollRange(mapToScene(viewport()->rect()).boundingRect());
     // Let the view scroll out to it.
     scene()->setSceneRect(area.united(box.adjusted(-Margin, -Margin, Margin, Margin)));
 }
 
 void ToolpathView::fitMachineRect(const QRectF &machine)
 {
-    QRectF scene(0, 0, AreaWidth, AreaHeight);
-    if (machine.isValid() || machine.width() > 0 || machine.height() > 0)
-        scene = QRectF(machine.left(), AreaHeight - machine.bottom(), machine.width(), machine.height());
-    // Some room around the job, and never closer than a few millimetres.
-    const double room = std::max(2.0, 0.05 * std::max(scene.width(), scene.height()));
-    m_fit = scene.adjusted(-room, -room, room, room);
+    // The whole area needs no room of its own: the labels' room is added in pixels.
+    m_fit = QRectF(0, 0, AreaWidth, AreaHeight);
+    if (machine.isValid() || machine.width() > 0 || machine.height() > 0) {
+        const QRectF scene(machine.left(), AreaHeight - machine.bottom(), machine.width(), machine.height());
+        // Some room around the job, and never closer than a few millimetres.
+        const double room = std::max(2.0, 0.05 * std::max(scene.width(), scene.height()));
+        m_fit = scene.adjusted(-room, -room, room, room);
+    }
     m_autoFit = true;
     applyFit();
+}
+
+QMarginsF ToolpathView::labelRoom(const QRectF &rect) const
+{
+    // Labels keep their pixel size, so the room they need in millimetres depends on the zoom;
+    // only labels anchored inside the rectangle count.
+    const QRectF anchors = rect.adjusted(-0.01, -0.01, 0.01, 0.01);
+    QMarginsF room;
+    for (const QGraphicsItem *item : m_labels) {
+        if (!anchors.contains(item->pos()))
+            continue;
+        const QRectF pixels = item->transform().mapRect(item->boundingRect());
+        room.setLeft(std::max(room.left(), -pixels.left()));
+        room.setTop(std::max(room.top(), -pixels.top()));
+        room.setRight(std::max(room.right(), pixels.right()));
+        room.setBottom(std::max(room.bottom(), pixels.bottom()));
+    }
+    return room;
+}
+
+void ToolpathView::updateScrollRange(const QRectF &visible)
+{
+    const double z = zoom();
+    const QMarginsF room = labelRoom(QRectF(0, 0, AreaWidth, AreaHeight));
+    QRectF range = QRectF(0, 0, AreaWidth, AreaHeight)
+                       .adjusted(-room.left() / z, -room.top() / z, room.right() / z, room.bottom() / z);
+    if (m_overreach->isVisible())
+        range |= m_overreach->rect().adjusted(-Margin, -Margin, Margin, Margin);
+    setSceneRect(range | visible);
 }
 
 void ToolpathView::applyFit()
 {
     if (m_fit.isEmpty())
-        m_fit = QRectF(-Margin / 2, -Margin / 2, AreaWidth + Margin, AreaHeight + Margin);
-    fitInView(m_fit, Qt::KeepAspectRatio);
+        m_fit = QRectF(0, 0, AreaWidth, AreaHeight);
+    const QMarginsF room = labelRoom(m_fit) + QMarginsF(FitPadding, FitPadding, FitPadding, FitPadding);
+    // Sized for a viewport without scroll bars; when the fit still calls for them, their
+    // arrival resizes the viewport and the fit runs again on the smaller one.
+    const QSizeF port = maximumViewportSize();
+    const double zoom = std::clamp(std::min((port.width() - room.left() - room.right()) / m_fit.width(),
+                                            (port.height() - room.top() - room.bottom()) / m_fit.height()),
+                                   MinZoom, MaxZoom);
+    const QRectF padded = m_fit.adjusted(-room.left() / zoom, -room.top() / zoom,
+                                         room.right() / zoom, room.bottom() / zoom);
+    // A pixel short of the viewport each way, so that rounding never calls for scroll bars.
+    QRectF visible(0, 0, (port.width() - 2) / zoom, (port.height() - 2) / zoom);
+    visible.moveCenter(padded.center());
+    setTransform(QTransform::fromScale(zoom, zoom));
+    updateScrollRange(visible);
+    centerOn(padded.center());
     updateDetail();
 }
 
@@ -170,6 +219,7 @@ void ToolpathView::wheelEvent(QWheelEvent *event)
         return;
     m_autoFit = false;
     scale(factor, factor);
+    updateScrollRange(mapToScene(viewport()->rect()).boundingRect());
     updateDetail();
     event->accept();
 }

@@ -5,6 +5,8 @@
 
 #include <QGraphicsView>
 #include <QImage>
+#include <QList>
+#include <QMarginsF>
 #include <QRectF>
 
 class QGraphicsPixmapItem;
@@ -33,12 +35,17 @@ protected:
 
 private:
     void applyFit();
+    // Room in screen pixels that the labels of the work area need beyond `rect`'s edges.
+    QMarginsF labelRoom(const QRectF &rect) const;
+    // What the scroll bars reach: the work area with its labels, the overreach and `visible`.
+    void updateScrollRange(const QRectF &visible);
     // Shows the picture shrunk by a power of two near the zoom, averaged, so that rows and
     // thin lines keep their darkness on screen instead of flickering in and out.
     void updateDetail();
 
     QGraphicsPixmapItem *m_picture = nullptr;
     QGraphicsRectItem *m_overreach = nullptr;
+    QList<QGraphicsItem *> m_labels;
     QImage m_full;
     double m_pxPerMm = 1;
     int m_level = -1;

@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -17,6 +18,7 @@ constexpr int FeedAhead = 24;
 constexpr qint64 ReportEveryMs = 100;
 // The generators' time model: straight moves with this acceleration (mm/s^2).
 constexpr double Acceleration = 300.0;
+constexpr double MaxClockSeconds = 99999.0 * 3600 + 3599;   // "99999:59:59"
 
 // Follows the moves of the file to give each line its share of the job's time.
 class MoveClock
@@ -125,7 +127,10 @@ bool JobRunner::loadText(const QByteArray &text, const QString &name, QString *e
             return false;
         }
         lines.push_back({code, fileLine, GrblRewrite::isProgramPause(code)});
-        before.push_back(before.last() + clock.seconds(code));
+        // A move of absurd length would swamp the total or make it infinite: no line counts for
+        // more than the clock can show.
+        const double seconds = clock.seconds(code);
+        before.push_back(before.last() + (seconds > 0 ? std::min(seconds, MaxClockSeconds) : 0));
     }
     if (lines.isEmpty()) {
         *error = tr("%1 holds no G-code").arg(name);
@@ -385,7 +390,8 @@ QByteArray JobRunner::laserOffText() const
 
 QString JobRunner::clockText(double seconds)
 {
-    const qint64 t = seconds > 0 ? qint64(seconds + 0.5) : 0;
+    // A file with absurd coordinates can give any time at all; beyond the cap it is shown as the cap.
+    const qint64 t = seconds > 0 ? qint64(std::min(seconds, MaxClockSeconds) + 0.5) : 0;
     const QString minSec = QStringLiteral("%1:%2").arg(t / 60 % 60).arg(t % 60, 2, 10, QLatin1Char('0'));
     if (t < 3600)
         return QStringLiteral("%1:%2").arg(t / 60).arg(t % 60, 2, 10, QLatin1Char('0'));

@@ -1,12 +1,28 @@
 // What one line from the machine means: acknowledgement, error, alarm, status, banner, busy, resend.
-// Plain code over bytes; no state but the splitter's partial line.
+// Plain code over bytes; no state but the splitter's partial line and its count of dropped bytes.
 #include "machinereply.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace {
+
+constexpr int MaxKeyDigits = 9;   // still fits an int
 
 bool startsWith(const QByteArray &line, const char *prefix)
 {
     return line.startsWith(prefix);
+}
+
+// TEXT as a number; infinity, NaN and overflow count as no number (0), so that a garbled
+// reply cannot carry them into positions or settings.
+double finiteNumber(const QByteArray &text, bool *ok)
+{
+    const double value = text.toDouble(ok);
+    if (std::isfinite(value))
+        return value;
+    *ok = false;
+    return 0;
 }
 
 // The integer after PREFIX, or -1 when there is none.
@@ -34,10 +50,10 @@ void readStatus(const QByteArray &line, MachineReply *reply)
             continue;
         const QList<QByteArray> axes = field.mid(5).split(',');
         bool okX = false, okY = false, okZ = true;
-        reply->x = axes.value(0).toDouble(&okX);
-        reply->y = axes.value(1).toDouble(&okY);
+        reply->x = finiteNumber(axes.value(0), &okX);
+        reply->y = finiteNumber(axes.value(1), &okY);
         if (axes.size() > 2)
-            reply->z = axes.value(2).toDouble(&okZ);
+            reply->z = finiteNumber(axes.value(2), &okZ);
         reply->hasPosition = okX && okY && okZ;
     }
 }
@@ -51,7 +67,7 @@ bool readMarlinPosition(const QByteArray &line, MachineReply *reply)
         if (part.size() < 3 || part[1] != ':')
             continue;
         bool ok = false;
-        const double v = part.mid(2).toDouble(&ok);
+        const double v = finiteNumber(part.mid(2), &ok);
         if (!ok)
             continue;
         if (part[0] == 'X')
@@ -97,9 +113,13 @@ MachineReply parse(const QByteArray &raw)
         reply.code = numberAfter(line, line.indexOf(line[0] == 'R' ? ':' : ' ') + 1);
     } else if (line.size() > 1 && line[0] == '$' && line.indexOf('=') > 1) {
         const int eq = line.indexOf('=');
-        bool okKey = false, okValue = false;
-        reply.code = line.mid(1, eq - 1).toInt(&okKey);
-        reply.value = line.mid(eq + 1).toDouble(&okValue);
+        const QByteArray key = line.mid(1, eq - 1);
+        // Setting numbers are plain digits; a sign or blank would read as a number otherwise.
+        const bool okKey = key.size() <= MaxKeyDigits
+                           && std::all_of(key.begin(), key.end(), [](char c) { return c >= '0' && c <= '9'; });
+        bool okValue = false;
+        reply.code = okKey ? key.toInt() : 0;
+        reply.value = finiteNumber(line.mid(eq + 1), &okValue);
         if (okKey && okValue)
             reply.kind = MachineReply::Setting;
     } else if (readMarlinPosition(line, &reply)) {
@@ -147,10 +167,12 @@ QList<QByteArray> LineSplitter::feed(const QByteArray &bytes)
                 lines << m_partial;
             m_partial.clear();
             m_dropping = false;
-        } else if (!m_dropping) {
+        } else if (m_partial.size() < MaxLine) {
             m_partial.append(c);
-            if (m_partial.size() >= MaxLine)
-                m_dropping = true;
+        } else {
+            // Cut only when a byte beyond the cap arrives: a line of exactly MaxLine stays whole.
+            m_dropping = true;
+            ++m_dropped;
         }
     }
     return lines;

@@ -39,11 +39,15 @@ public:
     // Appends BYTES and returns the complete lines they finish (empty lines are skipped).
     // A cut line ends in "..." so the reader can see it was longer.
     QList<QByteArray> feed(const QByteArray &bytes);
-    void clear() { m_partial.clear(); m_dropping = false; }
+    void clear() { m_partial.clear(); m_dropping = false; m_dropped = 0; }
+    // Bytes thrown away from cut lines so far, and bytes of the line still waiting for its end.
+    qint64 droppedBytes() const { return m_dropped; }
+    int pendingBytes() const { return m_partial.size(); }
 
 private:
     QByteArray m_partial;
     bool m_dropping = false;
+    qint64 m_dropped = 0;
 };
 
 } // namespace MachineReplies

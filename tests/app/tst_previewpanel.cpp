@@ -5,9 +5,16 @@
 #include "pgraphicsscene.h"
 #include "renderform.h"
 #include "testsupport.h"
+#include "toolpathview.h"
 
 #include <QGraphicsView>
+#include <QDockWidget>
+#include <QGraphicsSimpleTextItem>
 #include <QLabel>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QWheelEvent>
 #include <QPainter>
 #include <QProgressBar>
 #include <QRadioButton>
@@ -30,6 +37,29 @@ bool waitShown(PreviewPanel &panel, QSignalSpy &spy)
     return spy.count() > 0 || spy.wait(LoadTimeout) || !panel.isLoading();
 }
 
+// Why the work area or one of its labels is not wholly inside the view's viewport, or empty.
+QString areaNotInView(const ToolpathView *view)
+{
+    const QRect port = view->viewport()->rect();
+    if (view->horizontalScrollBar()->isVisible() || view->verticalScrollBar()->isVisible())
+        return QStringLiteral("scroll bars shown");
+    const QRect area = view->mapFromScene(QRectF(0, 0, 170, 200)).boundingRect();
+    if (!port.contains(area))
+        return QStringLiteral("area %1,%2 %3x%4 outside").arg(area.x()).arg(area.y()).arg(area.width()).arg(area.height());
+    int labels = 0;
+    for (const QGraphicsItem *item : view->scene()->items()) {
+        const auto *label = qgraphicsitem_cast<const QGraphicsSimpleTextItem *>(item);
+        if (!label)
+            continue;
+        ++labels;
+        const QRect box = label->deviceTransform(view->viewportTransform()).mapRect(label->boundingRect()).toAlignedRect();
+        if (!port.contains(box))
+            return QStringLiteral("label %1 at %2,%3 outside %4x%5")
+                .arg(label->text()).arg(box.x()).arg(box.y()).arg(port.width()).arg(port.height());
+    }
+    return labels ? QString() : QStringLiteral("no labels");
+}
+
 } // namespace
 
 class TestPreviewPanel : public QObject
@@ -40,6 +70,8 @@ private slots:
     void texts();
     void newestRequestWins();
     void showsEveryExport();
+    void fitShowsAreaAndLabels_data();
+    void fitShowsAreaAndLabels();
 };
 
 void TestPreviewPanel::texts_data()
@@ -143,6 +175,48 @@ void TestPreviewPanel::showsEveryExport()
     QCOMPARE(panel->summary().linesNotUnderstood, qint64(0));
     const QString time = w.findChild<QLabel *>("timeLabel")->text();
     QVERIFY2(panel->figuresText().endsWith("Estimated time: " + time), qPrintable(panel->figuresText() + " / " + time));
+}
+
+void TestPreviewPanel::fitShowsAreaAndLabels_data()
+{
+    QTest::addColumn<QSize>("window");
+    QTest::addColumn<int>("dockWidth");   // after show, as the window's layout may do
+    QTest::newRow("narrow dock") << QSize(1200, 800) << 260;
+    QTest::newRow("wide dock") << QSize(1400, 800) << 700;
+    QTest::newRow("low window") << QSize(1000, 360) << 320;
+}
+
+// On show, after the dock is resized and on Fit, the whole area and every label are in view;
+// once the user zooms, resizing keeps the zoom.
+void TestPreviewPanel::fitShowsAreaAndLabels()
+{
+    QFETCH(QSize, window); QFETCH(int, dockWidth);
+    QMainWindow w;
+    w.setCentralWidget(new QWidget);
+    w.resize(window);
+    PreviewPanel *panel = PreviewPanel::addTo(&w);
+    auto *view = panel->findChild<ToolpathView *>();
+    QVERIFY(view);
+    w.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&w));
+    QTRY_COMPARE(areaNotInView(view), QString());
+
+    w.resizeDocks({w.findChild<QDockWidget *>()}, {dockWidth}, Qt::Horizontal);
+    QTRY_COMPARE(areaNotInView(view), QString());
+
+    const QPoint middle = view->viewport()->rect().center();
+    QWheelEvent wheel(middle, view->viewport()->mapToGlobal(middle), QPoint(), QPoint(0, 240),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    const double fitted = view->zoom();
+    QApplication::sendEvent(view->viewport(), &wheel);
+    const double zoomed = view->zoom();
+    QVERIFY(zoomed > fitted * 1.5);
+    w.resize(window + QSize(-100, 100));
+    QTRY_COMPARE(w.size(), window + QSize(-100, 100));
+    QCOMPARE(view->zoom(), zoomed);
+
+    panel->findChild<QPushButton *>("btnFit")->click();
+    QTRY_COMPARE(areaNotInView(view), QString());
 }
 
 TARNWELL_TEST_MAIN(TestPreviewPanel)

@@ -112,6 +112,28 @@ private slots:
         QVERIFY(runner.remainingSeconds() < 1);
     }
 
+    // Found by fuzzing: coordinates beyond a double's range gave an infinite time.
+    void estimateOfAbsurdMoves_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<double>("seconds");
+        const QByteArray huge = "1" + QByteArray(400, '0');
+        const double cap = 99999.0 * 3600 + 3599;
+        QTest::newRow("out beyond any number") << "G1 X" + huge + "\n" << cap;
+        QTest::newRow("out and back") << "G1 X" + huge + "\nG1 X0\nG1 Y" + huge + "\n" << 3 * cap;
+        QTest::newRow("relative out beyond") << "G91\nG1 X" + huge.left(300) + "\nG1 X" + huge.left(300) + "\n" << 2 * cap;
+    }
+    void estimateOfAbsurdMoves()
+    {
+        QFETCH(QByteArray, text); QFETCH(double, seconds);
+        MachineLink link;
+        JobRunner runner(&link);
+        QString message;
+        QVERIFY(runner.loadText(text, "job", &message));
+        QCOMPARE(runner.estimatedSeconds(), seconds);
+        QCOMPARE(runner.remainingSeconds(), seconds);
+    }
+
     // The whole job reaches GRBL rewritten, in order, without overfilling its 128-byte buffer.
     void grblStream_data()
     {

@@ -2,6 +2,7 @@
 // into lines, and the GRBL rewrite table.
 #include "testsupport.h"
 #include "grblrewrite.h"
+#include "jobrunner.h"
 #include "machinereply.h"
 
 class TestMachineProtocol : public QObject
@@ -35,6 +36,11 @@ private slots:
         QTest::newRow("marlin M114") << QByteArray("X:10.00 Y:20.50 Z:0.00 E:0.00 Count X:800 Y:1640 Z:0") << int(MachineReply::Status) << 0 << QByteArray() << QPointF(10, 20.5);
         QTest::newRow("not utf-8") << QByteArray("\xff\xfe\x80ok") << int(MachineReply::Other) << 0 << QByteArray() << none;
         QTest::newRow("echo") << QByteArray("echo:Unknown command: \"$H\"") << int(MachineReply::Other) << 0 << QByteArray() << none;
+        // Found by fuzzing: signs, infinities and NaN are no setting numbers or positions.
+        QTest::newRow("setting with a sign") << QByteArray("$-30=1000") << int(MachineReply::Other) << 0 << QByteArray() << none;
+        QTest::newRow("setting value nan") << QByteArray("$1=nan") << int(MachineReply::Other) << 1 << QByteArray() << none;
+        QTest::newRow("status infinite position") << QByteArray("<Idle|MPos:inf,1,2>") << int(MachineReply::Status) << 0 << QByteArray("Idle") << none;
+        QTest::newRow("M114 with infinite X") << QByteArray("X:inf Y:2.00 Z:0.00") << int(MachineReply::Other) << 0 << QByteArray() << none;
     }
     void reply()
     {
@@ -67,6 +73,47 @@ private slots:
         for (const QByteArray &chunk : chunks)
             got += splitter.feed(chunk);
         QCOMPARE(got, lines);
+    }
+
+    // The cap counts kept bytes; what is dropped is counted, so the stream is accounted for.
+    void splitterCap_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QList<QByteArray>>("lines");
+        QTest::addColumn<int>("dropped");
+        QTest::addColumn<int>("pending");
+        const int cap = MachineReplies::LineSplitter::MaxLine;
+        QTest::newRow("exactly the cap kept whole") << QByteArray(cap, 'y') + "\n" << QList<QByteArray>{QByteArray(cap, 'y')} << 0 << 0;
+        QTest::newRow("one byte over is cut") << QByteArray(cap + 1, 'y') + "\rok\r" << QList<QByteArray>{QByteArray(cap, 'y') + "...", "ok"} << 1 << 0;
+        QTest::newRow("unfinished long line waits") << "ok\n" + QByteArray(cap + 5, 'y') << QList<QByteArray>{"ok"} << 5 << cap;
+    }
+    void splitterCap()
+    {
+        QFETCH(QByteArray, bytes); QFETCH(QList<QByteArray>, lines); QFETCH(int, dropped); QFETCH(int, pending);
+        MachineReplies::LineSplitter splitter;
+        QCOMPARE(splitter.feed(bytes), lines);
+        QCOMPARE(splitter.droppedBytes(), qint64(dropped));
+        QCOMPARE(splitter.pendingBytes(), pending);
+    }
+
+    void clockText_data()
+    {
+        QTest::addColumn<double>("seconds");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("nothing") << 0.0 << "0:00";
+        QTest::newRow("rounded") << 40.5 << "0:41";
+        QTest::newRow("minutes") << 725.0 << "12:05";
+        QTest::newRow("hours") << 3723.0 << "1:02:03";
+        QTest::newRow("negative") << -5.0 << "0:00";
+        QTest::newRow("not a number") << qQNaN() << "0:00";
+        // Found by fuzzing: a job with coordinates near 1e58 mm takes longer than any integer holds.
+        QTest::newRow("beyond an integer") << 3.2e57 << "99999:59:59";
+        QTest::newRow("infinite") << qInf() << "99999:59:59";
+    }
+    void clockText()
+    {
+        QFETCH(double, seconds); QFETCH(QString, text);
+        QCOMPARE(JobRunner::clockText(seconds), text);
     }
 
     void grblRewrite_data()
