@@ -283,8 +283,18 @@ void JobRunner::pause()
     setState(Paused);
     // Lines not yet written go out again on resume.
     const int unsent = m_link->clearQueue();
-    if (unsent >= 0)
+    if (unsent >= 0) {
         m_next = unsent;
+        // A power line taken back from the queue never reached the board: the power in
+        // force is the last one written before the first line that goes out again.
+        m_lastPower.clear();
+        const bool grbl = m_link->firmware() == Firmware::Grbl;
+        for (int i = m_next - 1; i >= 0 && m_lastPower.isEmpty(); --i) {
+            const QByteArray text = grbl ? GrblRewrite::line(m_lines[i].text, m_link->grblMaxPower()) : m_lines[i].text;
+            if (isPowerLine(text))
+                m_lastPower = text;
+        }
+    }
     if (m_link->firmware() == Firmware::Grbl)
         m_link->sendRealtime('!');   // GRBL's laser mode turns the beam off in a hold
     else
