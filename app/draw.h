@@ -59,7 +59,7 @@ signals:
     void Sig_Preview(QRectF rect);
 
 public slots:
-    // Job workflow.
+    // Job workflow (draw_job.cpp).
     void on_file_clicked();
     void SlotPixitemDropped(QString pixName);
     void SlotPrint(QString path);
@@ -67,8 +67,10 @@ public slots:
     void on_radioButtonOut_clicked();
     void on_radioButtonGray_clicked();
     void on_radioButtonBlackWhite_clicked();
+    // Laser or CNC mode (draw.cpp).
     void on_radioButtonLaser_clicked(bool checked);
     void on_radioButtonCNC_clicked(bool checked);
+    // Size, clearing, export and job controls (draw_job.cpp).
     void SlotGetRect(QRectF rect);
     void on_w_line_returnPressed();
     void on_h_line_returnPressed();
@@ -86,12 +88,13 @@ public slots:
     void on_lineEdit_returnPressed();
     void SlotChoosFileType();
     void on_artpic_clicked();
+    // Port state, log and slider labels (draw.cpp).
     void SlotConnected(bool connected);
     void SlotLogMsg(QString text);
     void SlotSetPowerText(int value);
     void SlotSetSpeedText(int value);
 
-    // Machine settings fields: each writes its text to Config.ini when left.
+    // Machine settings fields: each writes its text to Config.ini when left (draw.cpp).
     void on_lineLaserOn_editingFinished();
     void on_lineLaserOff_editingFinished();
     void on_lineCNCOn_editingFinished();
@@ -102,7 +105,7 @@ public slots:
     void on_lineCNCTravelZ_editingFinished();
     void on_linePixixcelDist_editingFinished();
 
-    // Manual machine control.
+    // Manual machine control (draw_machine.cpp).
     void on_radioButton01mm_clicked(bool checked);
     void on_radioButton1mm_clicked(bool checked);
     void on_radioButton10mm_clicked(bool checked);
@@ -118,22 +121,22 @@ public slots:
     void on_btnLoadGcodeHead_clicked();
     void on_btnLoadGcodeEnd_clicked();
 
-    // Text pictures.
+    // Text pictures (draw_materials.cpp).
     void SlotSetTextEditFont(QFont font);
     void SlotSetTextEditFontSize(QString size);
     void SlotTextToImgButton();
 
-    // Material library.
+    // Material library (draw_materials.cpp).
     void on_materialComboBox_currentIndexChanged(QString name);
     void on_initButton_clicked();
     void on_saveMaterialButton_clicked();
     void on_addMaterialButton_clicked();
     void on_deleteMaterialButton_clicked();
 
-    // QR-code pictures.
+    // QR-code pictures (draw_materials.cpp).
     void on_TextToQRcodeButton_clicked();
 
-    // Languages.
+    // Languages (draw.cpp).
     void on_btnEn_clicked();
     void on_btnZh_clicked();
 
@@ -144,6 +147,7 @@ private:
     void logMessage(const QString &text);
     void warn(const QString &text);
 
+    // Start-up, settings and languages (draw.cpp).
     void saveField(const char *key, const QLineEdit *field);
     void restoreSettings();
     void applyMode();
@@ -152,12 +156,15 @@ private:
     void setUpSliders();
     void restoreTextsAfterRetranslate();
 
+    // The job road (draw_job.cpp).
     void routePicture(const QString &path);
     void showEditorBlackWhite(const QString &path);
     void loadPicture(const QString &path);
     void outputStyleChanged();
+    // Manual control (draw_machine.cpp).
     void sendJog(const char *axisTemplate);
     void loadSnippet(const QString &target);
+    // Material library (draw_materials.cpp).
     void startMaterials();
     void fillMaterials();
     void setMaterialControlsEnabled(bool enabled);
