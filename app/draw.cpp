@@ -96,20 +96,7 @@ Draw::Draw(QWidget *parent)
     // 10. Sliders, font size and the form's own signals.
     setUpSliders();
 
-    // The machine panel: a window of its own, framing where the export would put the job.
-    m_machinePanel = new MachinePanel(this);
-    m_machinePanel->setPortHolder(m_serialPanel);
-    m_machinePanel->setFrameSource([this] {
-        const QPointF pos = m_renderForm->CurrentItemPos();
-        double width = ui->w_line->text().toDouble(), height = ui->h_line->text().toDouble();
-        if (!m_pictureLoaded || pos.x() == -10000.0)
-            return QRectF();
-        // The vector export works in whole millimetres.
-        if (!ui->radioButtonBlackWhite->isChecked() && !ui->radioButtonGray->isChecked())
-            width = int(width), height = int(height);
-        return QRectF(pos.x(), WorkArea::Height - pos.y() - height, width, height);
-    });
-    ui->layoutLanguage->insertWidget(0, m_machinePanel->createOpenButton(this));
+    setUpMachinePanel();
 
     // 11. Material library, slider values in their labels, the text tool's font.
     startMaterials();

@@ -163,6 +163,7 @@ private:
     void outputStyleChanged();
     // Manual control (draw_machine.cpp).
     void sendJog(const char *axisTemplate);
+    void setUpMachinePanel();
     void loadSnippet(const QString &target);
     // Material library (draw_materials.cpp).
     void startMaterials();

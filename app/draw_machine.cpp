@@ -1,9 +1,13 @@
 // Manual machine control from the main window: jog steps and moves, homing, a typed
-// G-code line and the header/footer snippets.
+// G-code line, the header/footer snippets, and the machine panel's wiring.
 #include "draw.h"
 #include "ui_draw.h"
 
 #include "cpserialport.h"
+#include "machinepanel.h"
+#include "pgraphicsscene.h"
+#include "renderform.h"
+#include "workarea.h"
 
 #include <QFile>
 #include <QFileDialog>
@@ -63,3 +67,21 @@ void Draw::loadSnippet(const QString &target)
 
 void Draw::on_btnLoadGcodeHead_clicked() { loadSnippet(QStringLiteral("./start.gm")); }
 void Draw::on_btnLoadGcodeEnd_clicked() { loadSnippet(QStringLiteral("./end.gm")); }
+
+// The machine panel: a window of its own, framing where the export would put the job.
+void Draw::setUpMachinePanel()
+{
+    m_machinePanel = new MachinePanel(this);
+    m_machinePanel->setPortHolder(m_serialPanel);
+    m_machinePanel->setFrameSource([this] {
+        const QPointF pos = m_renderForm->CurrentItemPos();
+        double width = ui->w_line->text().toDouble(), height = ui->h_line->text().toDouble();
+        if (!m_pictureLoaded || pos.x() == PGraphicsScene::NoPosition.x())
+            return QRectF();
+        // The vector export works in whole millimetres.
+        if (!ui->radioButtonBlackWhite->isChecked() && !ui->radioButtonGray->isChecked())
+            width = int(width), height = int(height);
+        return QRectF(pos.x(), WorkArea::Height - pos.y() - height, width, height);
+    });
+    ui->layoutLanguage->insertWidget(0, m_machinePanel->createOpenButton(this));
+}
