@@ -1,5 +1,6 @@
 // Speed and memory of the toolpath preview on the full work-area dithered black/white job,
 // against the export of the same job in the same run; peak memory at two file sizes.
+#include "benchpictures.h"
 #include "bitmap2gcode.h"
 #include "gcodeinterpreter.h"
 #include "machinevalues.h"
@@ -25,42 +26,6 @@ constexpr int MachineFeed = MachineValues::feed(MachineValues::StartSpeed);
 constexpr int MachineTravel = MachineValues::travel(MachineValues::StartSpeed);
 constexpr float MachinePower = MachineValues::power(MachineValues::StartPower);
 
-// The photograph-like gradient of the raster benchmark, dithered with Floyd-Steinberg.
-QImage ditheredGradient(int width, int height)
-{
-    std::vector<float> gray(size_t(width) * size_t(height));
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const double u = double(x) / width;
-            const double v = double(y) / height;
-            const double r = std::hypot(u - 0.4, v - 0.35);
-            double g = 255.0 * (0.55 + 0.35 * std::cos(r * 9.0) * (1.0 - v) + 0.1 * std::sin(u * 40.0) * v);
-            g = std::clamp(g * (0.6 + 0.4 * u), 0.0, 255.0);
-            gray[size_t(y) * size_t(width) + size_t(x)] = float(g);
-        }
-    }
-    QImage image(width, height, QImage::Format_RGB32);
-    for (int y = 0; y < height; ++y) {
-        QRgb *line = reinterpret_cast<QRgb *>(image.scanLine(y));
-        for (int x = 0; x < width; ++x) {
-            const size_t i = size_t(y) * size_t(width) + size_t(x);
-            const float old = gray[i];
-            const float now = old < 128.0f ? 0.0f : 255.0f;
-            line[x] = now == 0.0f ? qRgb(0, 0, 0) : qRgb(255, 255, 255);
-            const float e = old - now;
-            if (x + 1 < width)
-                gray[i + 1] += e * 7 / 16;
-            if (y + 1 < height) {
-                if (x > 0)
-                    gray[i + size_t(width) - 1] += e * 3 / 16;
-                gray[i + size_t(width)] += e * 5 / 16;
-                if (x + 1 < width)
-                    gray[i + size_t(width) + 1] += e * 1 / 16;
-            }
-        }
-    }
-    return image;
-}
 
 double median(std::vector<double> v)
 {

@@ -1,0 +1,54 @@
+// Pictures the benchmarks share: a photograph-like gradient, dithered or gray.
+// Header-only so each benchmark program stays one source file.
+#ifndef BENCHPICTURES_H
+#define BENCHPICTURES_H
+
+#include <QImage>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+// A smooth picture with highlights, shadows and fine detail, like a photograph, dithered to
+// black and white with Floyd-Steinberg error diffusion (or left in gray for the gray job).
+inline QImage ditheredGradient(int width, int height, bool dither = true)
+{
+    std::vector<float> gray(size_t(width) * size_t(height));
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const double u = double(x) / width;
+            const double v = double(y) / height;
+            const double r = std::hypot(u - 0.4, v - 0.35);
+            double g = 255.0 * (0.55 + 0.35 * std::cos(r * 9.0) * (1.0 - v) + 0.1 * std::sin(u * 40.0) * v);
+            g = std::clamp(g * (0.6 + 0.4 * u), 0.0, 255.0);
+            gray[size_t(y) * size_t(width) + size_t(x)] = float(g);
+        }
+    }
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y) {
+        QRgb *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            const size_t i = size_t(y) * size_t(width) + size_t(x);
+            const float old = gray[i];
+            if (!dither) {
+                line[x] = qRgb(int(old), int(old), int(old));
+                continue;
+            }
+            const float now = old < 128.0f ? 0.0f : 255.0f;
+            line[x] = now == 0.0f ? qRgb(0, 0, 0) : qRgb(255, 255, 255);
+            const float e = old - now;
+            if (x + 1 < width)
+                gray[i + 1] += e * 7 / 16;
+            if (y + 1 < height) {
+                if (x > 0)
+                    gray[i + size_t(width) - 1] += e * 3 / 16;
+                gray[i + size_t(width)] += e * 5 / 16;
+                if (x + 1 < width)
+                    gray[i + size_t(width) + 1] += e * 1 / 16;
+            }
+        }
+    }
+    return image;
+}
+
+#endif
