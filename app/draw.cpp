@@ -19,6 +19,7 @@
 #include "waitingform.h"
 
 #include <QApplication>
+#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QMessageBox>
@@ -40,6 +41,18 @@ const char *const Catalogues[] = {":/bin_zh.qm", ":/bin_en.qm", ":/bin_ko.qm"};
 Draw::Draw(QWidget *parent)
     : QMainWindow(parent), ui(new Ui::Draw)
 {
+    m_chooseFile = [this](FileQuestion question, const QString &title, const QString &folder,
+                          const QString &filter) {
+        return question == FileQuestion::Open ? QFileDialog::getOpenFileName(this, title, folder, filter)
+                                              : QFileDialog::getSaveFileName(this, title, folder, filter);
+    };
+    m_showNotice = [this](Notice kind, const QString &title, const QString &text) {
+        if (kind == Notice::Warning)
+            QMessageBox::warning(this, title, text);
+        else
+            QMessageBox::information(this, title, text);
+    };
+
     // 1. The widget tree.
     ui->setupUi(this);
 
@@ -269,7 +282,7 @@ void Draw::warn(const QString &text)
 {
     if (text.isNull())
         return;
-    QMessageBox::warning(this, message("警告", "Warning"), text);
+    m_showNotice(Notice::Warning, message("警告", "Warning"), text);
 }
 
 // ---- Languages -------------------------------------------------------------------

@@ -12,6 +12,8 @@
 #include <QSize>
 #include <QString>
 
+#include <functional>
+
 class AllKindPic;
 class Bitmap2Gcode;
 class Bitmap2Svg;
@@ -45,6 +47,17 @@ public:
     FrontEnd *streamer() const { return m_frontEnd; }
     MachinePanel *machinePanel() const { return m_machinePanel; }
     QSize pictureSize() const { return QSize(m_pictureWidth, m_pictureHeight); }
+
+    // How the window asks for a file name and shows a notice. Qt's dialogs unless replaced,
+    // so tests can answer with a plain function instead of a modal window.
+    // An empty file name means the user cancelled.
+    enum class FileQuestion { Open, Save };
+    using FileChooser = std::function<QString(FileQuestion question, const QString &title, const QString &folder,
+                                              const QString &filter)>;
+    enum class Notice { Warning, Information };
+    using NoticeShower = std::function<void(Notice kind, const QString &title, const QString &text)>;
+    void setFileChooser(FileChooser chooser) { m_chooseFile = std::move(chooser); }
+    void setNoticeShower(NoticeShower shower) { m_showNotice = std::move(shower); }
 
 signals:
     void SigStartSaveGcode(QString filename, QPointF pos);
@@ -171,6 +184,8 @@ private:
     void setMaterialControlsEnabled(bool enabled);
 
     Ui::Draw *ui;
+    FileChooser m_chooseFile;
+    NoticeShower m_showNotice;
 
     // Job state.
     QString m_loadedPath;

@@ -19,9 +19,7 @@
 #include <QDebug>
 #include <QDir>
 #include <QFile>
-#include <QFileDialog>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QProcess>
 #include <QSvgRenderer>
 #include <QThread>
@@ -43,8 +41,8 @@ void Draw::on_file_clicked()
     on_btndelete_clicked();
     const QString stored = AppSettings::preVectorPath();
     const QString folder = stored.isEmpty() ? QStringLiteral(".") : stored;
-    const QString fileName = QFileDialog::getOpenFileName(
-        this, tr("Open File"), folder, tr("Images (*.jpeg *.jpg *.png *.bmp *.svg)"));
+    const QString fileName = m_chooseFile(FileQuestion::Open, tr("Open File"), folder,
+                                          tr("Images (*.jpeg *.jpg *.png *.bmp *.svg)"));
     if (fileName.isEmpty()) {
         AppSettings::setPreVectorPath(stored);
         return;
@@ -266,7 +264,7 @@ void Draw::on_btnExportGcode_clicked()
     if (title.isNull())
         return;   // no dialog without its title text
     const QString folder = stored.isEmpty() ? QStringLiteral(".") : stored;
-    const QString name = QFileDialog::getSaveFileName(this, title, folder, QStringLiteral("Gcode (*.gcode)"));
+    const QString name = m_chooseFile(FileQuestion::Save, title, folder, QStringLiteral("Gcode (*.gcode)"));
     if (name.isEmpty()) {
         // Each cancel remembers the parent folder: users have learnt to live with it.
         AppSettings::setPreVectorPath(QFileInfo(folder).path());
@@ -379,7 +377,7 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
 void Draw::SlotGcodeFinished(QString)
 {
     m_waiting->close();
-    QMessageBox::information(this, tr("info"), tr("start"));
+    m_showNotice(Notice::Information, tr("info"), tr("start"));
 }
 
 void Draw::SLotStartWaitWindow()

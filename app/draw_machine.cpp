@@ -10,7 +10,6 @@
 #include "workarea.h"
 
 #include <QFile>
-#include <QFileDialog>
 
 // ---- Manual machine control ---------------------------------------------------
 
@@ -59,8 +58,8 @@ void Draw::on_lineEditGcodeLine_returnPressed()
 
 void Draw::loadSnippet(const QString &target)
 {
-    const QString chosen = QFileDialog::getOpenFileName(this, tr("Gcode Header"), QStringLiteral("."),
-                                                        QStringLiteral("Gcode(*.gcode)"));
+    const QString chosen =
+        m_chooseFile(FileQuestion::Open, tr("Gcode Header"), QStringLiteral("."), QStringLiteral("Gcode(*.gcode)"));
     if (!chosen.isEmpty())
         QFile::copy(chosen, target);   // an existing snippet is kept
 }

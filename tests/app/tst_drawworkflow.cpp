@@ -6,7 +6,6 @@
 #include "testsupport.h"
 
 #include <QComboBox>
-#include <QFileDialog>
 #include <QPushButton>
 #include <QSlider>
 #include <QTextEdit>
@@ -17,7 +16,6 @@
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTextBrowser>
-#include <QTimer>
 #include <QPainter>
 #include "pgraphicsscene.h"
 
@@ -31,49 +29,20 @@ void writeFile(const QString &name, const QByteArray &bytes)
     f.write(bytes);
 }
 
-// Answers every modal message box with OK and every file dialog with `answer`
-// (an empty answer cancels), counting what it saw.
-class DialogAnswerer : public QObject
-{
-public:
-    explicit DialogAnswerer(const QString &answer = QString()) : m_answer(answer)
+// Stands in for the window's dialogs: every file question gets `answer` (empty cancels)
+// and every notice is recorded. Make it after the window and let it go first.
+struct DialogAnswerer {
+    explicit DialogAnswerer(Draw &w, const QString &answer = QString())
     {
-        m_timer.setInterval(20);
-        connect(&m_timer, &QTimer::timeout, this, &DialogAnswerer::poke);
-        m_timer.start();
+        w.setFileChooser([this, answer](Draw::FileQuestion, const QString &, const QString &, const QString &) {
+            ++fileDialogs;
+            return answer;
+        });
+        w.setNoticeShower([this](Draw::Notice, const QString &, const QString &text) { boxTexts << text; });
     }
-    int boxes = 0;
+    int boxes() const { return boxTexts.size(); }
     int fileDialogs = 0;
     QStringList boxTexts;
-
-private:
-    void poke()
-    {
-        QWidget *modal = QApplication::activeModalWidget();
-        if (auto *box = qobject_cast<QMessageBox *>(modal)) {
-            ++boxes;
-            boxTexts << box->text();
-            box->accept();
-        } else if (auto *dialog = qobject_cast<QFileDialog *>(modal)) {
-            if (m_answer.isEmpty()) {
-                ++fileDialogs;
-                dialog->reject();
-            } else if (m_selected != dialog) {
-                // The dialog takes the selection in on its next turn of the event loop.
-                dialog->setDirectory(QFileInfo(m_answer).path());
-                if (QLineEdit *name = dialog->findChild<QLineEdit *>("fileNameEdit"))
-                    name->setText(QFileInfo(m_answer).fileName());
-                m_selected = dialog;
-            } else {
-                ++fileDialogs;
-                m_selected = nullptr;
-                static_cast<QDialog *>(dialog)->accept();
-            }
-        }
-    }
-    QString m_answer;
-    QTimer m_timer;
-    QFileDialog *m_selected = nullptr;
 };
 
 const char *const SquareSvg =
@@ -246,9 +215,9 @@ private slots:
         if (!picture.isEmpty())
             QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, picture));
         QSignalSpy start(&w, SIGNAL(SigStartSaveGcode(QString, QPointF)));
-        DialogAnswerer answerer(dir.file("out.gcode"));
+        DialogAnswerer answerer(w, dir.file("out.gcode"));
         w.on_btnExportGcode_clicked();
-        QCOMPARE(answerer.boxes, boxes);
+        QCOMPARE(answerer.boxes(), boxes);
         if (boxes)
             QCOMPARE(answerer.boxTexts.first(), boxText);
         QCOMPARE(answerer.fileDialogs, 0);
@@ -297,7 +266,7 @@ private slots:
         paintCanvas(w);
         writeFile("local.gcode", "G1 X1 Y1 ; stale\n");
         const QString target = dir.file("job.gcode");
-        DialogAnswerer answerer(target);
+        DialogAnswerer answerer(w, target);
         w.on_btnExportGcode_clicked();
         QCOMPARE(answerer.fileDialogs, fileDialogs);
         QCOMPARE(answerer.boxTexts, QStringList{boxText});
@@ -312,7 +281,7 @@ private slots:
         Draw w;
         dropOutlineDrawing(w, elsewhere);
         QVERIFY(w.renderForm()->CurrentItemPos().x() != -10000.0);
-        DialogAnswerer cancel;
+        DialogAnswerer cancel(w);
         w.on_btnExportGcode_clicked();
         QCOMPARE(cancel.fileDialogs, 1);
         QCOMPARE(QSettings("Config.ini", QSettings::IniFormat).value("Tarnwy/pre_vector_path").toString(),
@@ -331,13 +300,13 @@ private slots:
         dropOutlineDrawing(w, elsewhere);
         QVERIFY(w.renderForm()->CurrentItemPos().x() != -10000.0);
         const QString target = dir.file("job.gcode");
-        DialogAnswerer save(target);
+        DialogAnswerer save(w, target);
         QSignalSpy started(&w, SIGNAL(SigStartSaveGcode(QString, QPointF)));
         w.on_btnExportGcode_clicked();
         QCOMPARE(started.count(), 1);
         QCOMPARE(started.at(0).at(0).toString(), target);
         QCOMPARE(save.fileDialogs, 1);
-        QCOMPARE(save.boxes, 0);
+        QCOMPARE(save.boxes(), 0);
 
         QFile local("local.gcode");
         QVERIFY(local.open(QIODevice::ReadOnly));
