@@ -273,6 +273,40 @@ private slots:
         QVERIFY(!QFile::exists(target));
     }
 
+    // Open questions: a cancelled picture choice keeps the remembered folder, a chosen one
+    // remembers its own and lands on the canvas; a G-code snippet is copied in once and kept.
+    void fileChoices()
+    {
+        ScopedWorkDir dir;
+        writeFile("Config.ini", "[Tarnwy]\nmode=laser\npre_vector_path=/a/b\n");
+        QTemporaryDir elsewhere;
+        auto remembered = [] {
+            return QSettings("Config.ini", QSettings::IniFormat).value("Tarnwy/pre_vector_path").toString();
+        };
+        Draw w;
+        DialogAnswerer cancel(w);
+        w.on_file_clicked();
+        QCOMPARE(cancel.fileDialogs, 1);
+        QCOMPARE(remembered(), QString("/a/b"));
+
+        writeFile(elsewhere.filePath("drawing.svg"), SquareSvg);
+        DialogAnswerer pick(w, elsewhere.filePath("drawing.svg"));
+        w.on_file_clicked();
+        QCOMPARE(remembered(), elsewhere.path());
+        paintCanvas(w);
+        QVERIFY(w.renderForm()->CurrentItemPos().x() != PGraphicsScene::NoPosition.x());
+
+        writeFile(elsewhere.filePath("first.gcode"), "G21\n");
+        writeFile(elsewhere.filePath("second.gcode"), "G20\n");
+        DialogAnswerer first(w, elsewhere.filePath("first.gcode"));
+        w.on_btnLoadGcodeHead_clicked();
+        w.on_btnLoadGcodeEnd_clicked();
+        DialogAnswerer second(w, elsewhere.filePath("second.gcode"));
+        w.on_btnLoadGcodeHead_clicked();
+        QCOMPARE(readFileText("start.gm"), QString("G21\n"));
+        QCOMPARE(readFileText("end.gm"), QString("G21\n"));
+    }
+
     void cancelledSaveMovesFolderUp()
     {
         ScopedWorkDir dir;
