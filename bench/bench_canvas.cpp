@@ -1,6 +1,7 @@
 // Times one corner-resize step of a bitmap item holding a 6000 x 4000 JPEG, next to
 // the plain full decode that a reload at every step would otherwise cost; then drag and
 // resize steps of a traced page of text as an SVG item, painted in a view.
+#include "benchsupport.h"
 #include "bitmap2svg.h"
 #include "pgraphicsscene.h"
 #include "pixmapitem.h"
@@ -64,18 +65,7 @@ struct Figures { double median, mean, max; };
 // A 2000 x 2000 page of text traced as the program traces it.
 bool writeTracedPage(const QString &svgPath)
 {
-    QImage page(2000, 2000, QImage::Format_ARGB32);
-    page.fill(Qt::white);
-    {
-        QPainter painter(&page);
-        QFont font;
-        font.setPixelSize(40);
-        font.setStyleStrategy(QFont::NoAntialias);
-        painter.setFont(font);
-        painter.setPen(Qt::black);
-        for (int y = 50; y < 2000; y += 50)
-            painter.drawText(20, y, QStringLiteral("The quick brown fox jumps over the lazy dog 0123456789 ABCDEFG"));
-    }
+    const QImage page = pageOfText(2000);
     if (!page.save(QStringLiteral("page.png")))
         return false;
     Bitmap2Svg tracer;
@@ -196,8 +186,7 @@ int tracedPageSteps(const QString &shots)
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    preferOffscreen();
     // The item logs every step; keep the figures readable.
     qputenv("QT_LOGGING_RULES", "*.debug=false");
     QApplication app(argc, argv);

@@ -1,6 +1,7 @@
 // Measures the image preparation work: the threshold editor's operations on a phone-sized
 // photograph, and tracing a page of text. Prints milliseconds (median of several runs).
 #include "appsettings.h"
+#include "benchsupport.h"
 #include "bitmap2svg.h"
 #include "imgbinaryedit.h"
 #include "pixelops.h"
@@ -44,22 +45,6 @@ QImage photograph()
     painter.drawEllipse(QPoint(1200, 1500), 700, 500);
     painter.setBrush(QColor(230, 220, 210));
     painter.drawRect(2500, 400, 900, 1800);
-    return image;
-}
-
-QImage pageOfText()
-{
-    QImage image(TextSide, TextSide, QImage::Format_ARGB32);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    QFont font;
-    font.setPixelSize(40);
-    font.setStyleStrategy(QFont::NoAntialias);
-    painter.setFont(font);
-    painter.setPen(Qt::black);
-    const QString line = QStringLiteral("The quick brown fox jumps over the lazy dog 0123456789 ABCDEFG");
-    for (int y = 50; y < TextSide; y += 50)
-        painter.drawText(20, y, line);
     return image;
 }
 
@@ -112,25 +97,11 @@ QImage plainAdaptiveThreshold(const QImage &in)
     return out;
 }
 
-double medianMs(const std::function<void()> &work)
-{
-    std::vector<double> times;
-    for (int i = 0; i < Runs; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        work();
-        times.push_back(timer.nsecsElapsed() / 1e6);
-    }
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    preferOffscreen();
     QApplication app(argc, argv);
     // The editor writes Slice.ini and the tracer reads files: keep them out of the caller's folder.
     QTemporaryDir work;
@@ -141,11 +112,11 @@ int main(int argc, char *argv[])
     out << "picture " << PhotoWidth << " x " << PhotoHeight << ", median of " << Runs << " runs\n";
 
     int t = 100;
-    out << "global threshold, new image: " << medianMs([&] { PixelOps::GlobalThreshold(photo, t++); }) << " ms\n";
-    out << "  the same in one thread:    " << medianMs([&] { plainGlobalThreshold(photo, t++); }) << " ms (before)\n";
+    out << "global threshold, new image: " << medianMs(Runs, [&] { PixelOps::GlobalThreshold(photo, t++); }) << " ms\n";
+    out << "  the same in one thread:    " << medianMs(Runs, [&] { plainGlobalThreshold(photo, t++); }) << " ms (before)\n";
     // As the editor runs it on a dragged slider: into the buffer of the previous result.
     QImage previous;
-    out << "global threshold:            " << medianMs([&] {
+    out << "global threshold:            " << medianMs(Runs, [&] {
         previous = PixelOps::GlobalThreshold(photo, t++, std::move(previous));
     }) << " ms\n";
 
@@ -154,34 +125,34 @@ int main(int argc, char *argv[])
     editor.show();
     editor.SetImage(photo);
     app.processEvents();
-    out << "slider step (with preview):  " << medianMs([&] { editor.SlotHorizontalSliderValueChanged(t++); }) << " ms\n";
+    out << "slider step (with preview):  " << medianMs(Runs, [&] { editor.SlotHorizontalSliderValueChanged(t++); }) << " ms\n";
 
     // The two other parts of a slider step: the preview and the remembered threshold.
     const QImage shownAs(previous.constBits(), previous.width(), previous.height(),
                          previous.bytesPerLine(), QImage::Format_RGB32);
-    out << "  of which preview scaling:  " << medianMs([&] {
+    out << "  of which preview scaling:  " << medianMs(Runs, [&] {
         shownAs.scaled(QSize(540, 600), Qt::KeepAspectRatio, Qt::SmoothTransformation);
     }) << " ms\n";
-    out << "  of which Slice.ini write:  " << medianMs([&] { AppSettings::setThreshold(t++); }) << " ms\n";
+    out << "  of which Slice.ini write:  " << medianMs(Runs, [&] { AppSettings::setThreshold(t++); }) << " ms\n";
 
     const QImage inverted = PixelOps::InvertedThreshold(photo, 128);
-    out << "inverted threshold:          " << medianMs([&] { PixelOps::InvertedThreshold(photo, 128); }) << " ms\n";
-    out << "outline:                     " << medianMs([&] { PixelOps::Outline(inverted); }) << " ms\n";
-    out << "adaptive threshold:          " << medianMs([&] { PixelOps::AdaptiveThreshold(photo); }) << " ms\n";
-    out << "  by a full integral image:  " << medianMs([&] { plainAdaptiveThreshold(photo); }) << " ms (before)"
+    out << "inverted threshold:          " << medianMs(Runs, [&] { PixelOps::InvertedThreshold(photo, 128); }) << " ms\n";
+    out << "outline:                     " << medianMs(Runs, [&] { PixelOps::Outline(inverted); }) << " ms\n";
+    out << "adaptive threshold:          " << medianMs(Runs, [&] { PixelOps::AdaptiveThreshold(photo); }) << " ms\n";
+    out << "  by a full integral image:  " << medianMs(Runs, [&] { plainAdaptiveThreshold(photo); }) << " ms (before)"
         << (plainAdaptiveThreshold(photo) == PixelOps::AdaptiveThreshold(photo) ? ", same pixels" : ", PIXELS DIFFER")
         << "\n";
 
-    const QImage text = pageOfText();
+    const QImage text = pageOfText(TextSide);
     out << "text picture " << TextSide << " x " << TextSide << "\n";
     QxPotrace tracer;
     tracer.setBezierPrecision(Bitmap2Svg::BezierPrecision);
-    out << "trace:                       " << medianMs([&] { tracer.trace(text); }) << " ms ("
+    out << "trace:                       " << medianMs(Runs, [&] { tracer.trace(text); }) << " ms ("
         << tracer.polygons().size() << " outlines)\n";
 
     text.save(QStringLiteral("black_white.jpg"), "JPEG", 100);
     Bitmap2Svg svg;
-    out << "trace file and write SVG:    " << medianMs([&] {
+    out << "trace file and write SVG:    " << medianMs(Runs, [&] {
         svg.Trace(QStringLiteral("./black_white.jpg"));
         svg.WriteSvg(QStringLiteral("black_white.svg"));
     }) << " ms\n";

@@ -1,6 +1,7 @@
 // Measures a phone photo of 200 megapixels through the threshold editor: loading, the
 // first threshold, one slider step and Finish. Prints seconds and the peak memory.
 #include "appsettings.h"
+#include "benchsupport.h"
 #include "imgbinaryedit.h"
 
 #include <QApplication>
@@ -52,8 +53,7 @@ double peakMegabytes()
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    preferOffscreen();
     QApplication app(argc, argv);
     QTextStream out(stdout);
     const QStringList args = app.arguments();

@@ -1,6 +1,6 @@
 // Speed and memory of the toolpath preview on the full work-area dithered black/white job,
 // against the export of the same job in the same run; peak memory at two file sizes.
-#include "benchpictures.h"
+#include "benchsupport.h"
 #include "bitmap2gcode.h"
 #include "gcodeinterpreter.h"
 #include "machinevalues.h"
@@ -85,8 +85,7 @@ Preview preview(const QString &file, bool draw)
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    preferOffscreen();
     QApplication app(argc, argv);
     qSetMessagePattern(QStringLiteral("%{if-warning}%{message}%{endif}"));
     QTemporaryDir dir;

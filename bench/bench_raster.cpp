@@ -1,6 +1,6 @@
 // Speed of the raster G-code export on full work-area jobs, with pictures made here:
 // a dithered photograph-like gradient and black text on white, at 0.1 mm and 0.05 mm.
-#include "benchpictures.h"
+#include "benchsupport.h"
 #include "bitmap2gcode.h"
 #include "machinevalues.h"
 #include "workarea.h"
@@ -98,8 +98,7 @@ void report(QTextStream &out, const QString &name, const Result &r)
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    preferOffscreen();
     QApplication app(argc, argv);
     qSetMessagePattern(QStringLiteral("%{if-warning}%{message}%{endif}"));
     QTemporaryDir dir;

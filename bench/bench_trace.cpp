@@ -1,5 +1,6 @@
 // Times tracing a 2000 x 2000 page of text end to end: `tarnwell-export trace` against the
 // potrace command-line tool on the same one-bit file, and the tracer's own steps in this process.
+#include "benchsupport.h"
 #include "bitmap2svg.h"
 #include "qxpotrace.h"
 
@@ -24,36 +25,6 @@ constexpr int Side = 2000;
 constexpr int Runs = 9;
 
 void quiet(QtMsgType, const QMessageLogContext &, const QString &) {}
-
-QImage pageOfText()
-{
-    QImage image(Side, Side, QImage::Format_ARGB32);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    QFont font;
-    font.setPixelSize(40);
-    font.setStyleStrategy(QFont::NoAntialias);
-    painter.setFont(font);
-    painter.setPen(Qt::black);
-    const QString line = QStringLiteral("The quick brown fox jumps over the lazy dog 0123456789 ABCDEFG");
-    for (int y = 50; y < Side; y += 50)
-        painter.drawText(20, y, line);
-    return image;
-}
-
-double medianMs(const std::function<bool()> &work, bool *ok)
-{
-    std::vector<double> times;
-    *ok = true;
-    for (int i = 0; i < Runs; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        *ok = work() && *ok;
-        times.push_back(timer.nsecsElapsed() / 1e6);
-    }
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
 
 double childCpuMs()
 {
@@ -89,8 +60,7 @@ void timeCommand(QTextStream &out, const QString &label, const QString &program,
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    preferOffscreen();
     QApplication app(argc, argv);
     QTemporaryDir dir;
     // A folder as first argument keeps the page and both SVG files there.
@@ -99,7 +69,7 @@ int main(int argc, char *argv[])
     QDir::setCurrent(work);
     QTextStream out(stdout);
 
-    const QImage page = pageOfText();
+    const QImage page = pageOfText(Side);
     page.save(QStringLiteral("page.png"));
     page.convertToFormat(QImage::Format_Mono).save(QStringLiteral("page.pbm"));
     out << "page of text " << Side << " x " << Side << ", median of " << Runs << " runs\n";
@@ -127,17 +97,13 @@ int main(int argc, char *argv[])
     qInstallMessageHandler(quiet);
     QxPotrace tracer;
     tracer.setBezierPrecision(Bitmap2Svg::BezierPrecision);
-    bool ok = false;
-    out << "  decode the page (PNG):     " << medianMs([&] { return !QImage(QStringLiteral("page.png")).isNull(); }, &ok)
-        << " ms\n";
-    out << "  trace:                     " << medianMs([&] { return tracer.trace(page); }, &ok) << " ms ("
+    out << "  decode the page (PNG):     " << medianMs(Runs, [&] { QImage(QStringLiteral("page.png")); }) << " ms\n";
+    out << "  trace:                     " << medianMs(Runs, [&] { tracer.trace(page); }) << " ms ("
         << tracer.polygons().size() << " outlines)\n";
     Bitmap2Svg svg;
     svg.Trace(QStringLiteral("page.pbm"));
-    out << "  write the SVG:             " << medianMs([&] {
-        svg.WriteSvg(QStringLiteral("inprocess.svg"));
-        return true;
-    }, &ok) << " ms\n";
+    out << "  write the SVG:             " << medianMs(Runs, [&] { svg.WriteSvg(QStringLiteral("inprocess.svg")); })
+        << " ms\n";
     out.flush();
     QDir::setCurrent(QDir::homePath());
     return 0;

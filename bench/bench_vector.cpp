@@ -1,6 +1,7 @@
 // Times the vector G-code export on a drawing like a traced photograph: thousands of
 // short closed outlines of curves and lines, the 2-opt path ordering included.
 #include "appsettings.h"
+#include "benchsupport.h"
 #include "machinevalues.h"
 #include "svg2gcodep.h"
 
@@ -60,8 +61,7 @@ int countLines(const QString &path)
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    preferOffscreen();
     QApplication app(argc, argv);
     const int paths = argc > 1 ? std::max(1, atoi(argv[1])) : DefaultPaths;
 

@@ -50,6 +50,23 @@ bool Options::parse(const QStringList &args, const QStringList &known, QString *
     return true;
 }
 
+bool Options::answeredHelp(const char *usage) const
+{
+    if (!help())
+        return false;
+    QTextStream(stdout) << usage;
+    return true;
+}
+
+QString Options::firstMissing(std::initializer_list<const char *> required) const
+{
+    for (const char *name : required) {
+        if (!has(QLatin1String(name)))
+            return QLatin1String(name);
+    }
+    return QString();
+}
+
 QString Options::text(const QString &name, const QString &fallback) const
 {
     return has(name) ? m_parser.value(name) : fallback;

@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QtGlobal>
 
+#include <initializer_list>
+
 namespace ExportCommon {
 
 // Exit status for any bad input.
@@ -31,6 +33,10 @@ public:
     bool parse(const QStringList &args, const QStringList &known, QString *error,
                const QStringList &switches = QStringList());
     bool help() const { return m_parser.isSet(HelpName); }
+    // Prints `usage` to standard output when --help was given, and says whether it was.
+    bool answeredHelp(const char *usage) const;
+    // The first of `required` that was not given, or an empty string when all were.
+    QString firstMissing(std::initializer_list<const char *> required) const;
     bool has(const QString &name) const { return m_parser.isSet(name); }
     QString text(const QString &name, const QString &fallback = QString()) const;
     // Number readers: false (with a message naming the option) when the text is not a number.

@@ -38,14 +38,10 @@ int runPreview(const QStringList &args)
     if (!options.parse(args, known, &error, {travelSwitch}))
         return fail(QStringLiteral("preview: %1").arg(error));
     const bool travel = options.has(travelSwitch);
-    if (options.help()) {
-        QTextStream(stdout) << PreviewUsage;
+    if (options.answeredHelp(PreviewUsage))
         return 0;
-    }
-    for (const char *required : {"input", "output"}) {
-        if (!options.has(QLatin1String(required)))
-            return fail(QStringLiteral("preview: --%1 is missing").arg(QLatin1String(required)));
-    }
+    if (const QString missing = options.firstMissing({"input", "output"}); !missing.isEmpty())
+        return fail(QStringLiteral("preview: --%1 is missing").arg(missing));
     double pxPerMm = 0;
     if (!options.number(QStringLiteral("px-per-mm"), DefaultPxPerMm, &pxPerMm, &error))
         return fail(QStringLiteral("preview: %1").arg(error));

@@ -4,7 +4,6 @@
 
 #include "qrcodebitmap.h"
 
-#include <QTextStream>
 
 namespace {
 
@@ -23,14 +22,10 @@ int runQr(const QStringList &args)
     QString error;
     if (!options.parse(args, {QStringLiteral("text"), QStringLiteral("output")}, &error))
         return fail(error);
-    if (options.help()) {
-        QTextStream(stdout) << QrUsage;
+    if (options.answeredHelp(QrUsage))
         return 0;
-    }
-    if (!options.has(QStringLiteral("text")))
-        return fail(QStringLiteral("--text is missing"));
-    if (!options.has(QStringLiteral("output")))
-        return fail(QStringLiteral("--output is missing"));
+    if (const QString missing = options.firstMissing({"text", "output"}); !missing.isEmpty())
+        return fail(QStringLiteral("--%1 is missing").arg(missing));
 
     const QString text = options.text(QStringLiteral("text"));
     const QString output = absolute(options.text(QStringLiteral("output")));

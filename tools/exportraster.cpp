@@ -41,14 +41,10 @@ int runRaster(const QStringList &args)
                                QStringLiteral("style")};
     if (!options.parse(args, known, &error))
         return fail(QStringLiteral("raster: %1").arg(error));
-    if (options.help()) {
-        QTextStream(stdout) << RasterUsage;
+    if (options.answeredHelp(RasterUsage))
         return 0;
-    }
-    for (const char *required : {"input", "output", "width"}) {
-        if (!options.has(QLatin1String(required)))
-            return fail(QStringLiteral("raster: --%1 is missing").arg(QLatin1String(required)));
-    }
+    if (const QString missing = options.firstMissing({"input", "output", "width"}); !missing.isEmpty())
+        return fail(QStringLiteral("raster: --%1 is missing").arg(missing));
 
     double width = 0;
     double x = 0;

@@ -61,14 +61,10 @@ int runSend(const QStringList &given)
     QString error;
     if (!options.parse(args, {"port", "input", "baud", "firmware", "timeout"}, &error))
         return fail(error);
-    if (options.help()) {
-        QTextStream(stdout) << SendUsage;
+    if (options.answeredHelp(SendUsage))
         return 0;
-    }
-    if (!options.has("port"))
-        return fail(QStringLiteral("--port is missing"));
-    if (!options.has("input"))
-        return fail(QStringLiteral("--input is missing"));
+    if (const QString missing = options.firstMissing({"port", "input"}); !missing.isEmpty())
+        return fail(QStringLiteral("--%1 is missing").arg(missing));
     int baud = 0, timeout = 0;
     if (!options.integer("baud", MachineLink::DefaultBaud, &baud, &error)
         || !options.integer("timeout", DefaultTimeoutSeconds, &timeout, &error))

@@ -7,7 +7,6 @@
 #include <QFileInfo>
 #include <QtGlobal>
 #include <QImageReader>
-#include <QTextStream>
 
 
 namespace {
@@ -30,14 +29,10 @@ int runTrace(const QStringList &args)
     QString error;
     if (!options.parse(args, {QStringLiteral("input"), QStringLiteral("output")}, &error))
         return fail(error);
-    if (options.help()) {
-        QTextStream(stdout) << TraceUsage;
+    if (options.answeredHelp(TraceUsage))
         return 0;
-    }
-    if (!options.has(QStringLiteral("input")))
-        return fail(QStringLiteral("--input is missing"));
-    if (!options.has(QStringLiteral("output")))
-        return fail(QStringLiteral("--output is missing"));
+    if (const QString missing = options.firstMissing({"input", "output"}); !missing.isEmpty())
+        return fail(QStringLiteral("--%1 is missing").arg(missing));
 
     const QString input = absolute(options.text(QStringLiteral("input")));
     const QString output = absolute(options.text(QStringLiteral("output")));

@@ -92,13 +92,10 @@ int runVector(const QStringList &args)
                                "mode", "feed-z", "travel-z", "header", "seed"};
     if (!opts.parse(args, known, &error))
         return fail(error);
-    if (opts.help()) {
-        QTextStream(stdout) << Usage;
+    if (opts.answeredHelp(Usage))
         return 0;
-    }
-    for (const char *required : {"input", "output", "width", "height"})
-        if (!opts.has(QLatin1String(required)))
-            return fail(QStringLiteral("--%1 is required (try --help)").arg(QLatin1String(required)));
+    if (const QString missing = opts.firstMissing({"input", "output", "width", "height"}); !missing.isEmpty())
+        return fail(QStringLiteral("--%1 is required (try --help)").arg(missing));
 
     double width = 0, height = 0, x = 0, y = 0, feedZ = 0, travelZ = 0;
     int speed = 0, power = 0, seed = 0;

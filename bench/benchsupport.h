@@ -1,13 +1,57 @@
-// Pictures the benchmarks share: a photograph-like gradient, dithered or gray.
+// What the benchmarks share: their pictures, a median timer and the offscreen start.
 // Header-only so each benchmark program stays one source file.
-#ifndef BENCHPICTURES_H
-#define BENCHPICTURES_H
+#ifndef BENCHSUPPORT_H
+#define BENCHSUPPORT_H
 
+#include <QElapsedTimer>
+#include <QFont>
 #include <QImage>
+#include <QPainter>
+#include <QString>
+#include <QtGlobal>
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <vector>
+
+// Benchmarks draw but show nothing: offscreen unless the caller chose a platform.
+inline void preferOffscreen()
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+// Median wall time of `runs` calls of `work`, in milliseconds.
+inline double medianMs(int runs, const std::function<void()> &work)
+{
+    std::vector<double> times;
+    for (int i = 0; i < runs; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        work();
+        times.push_back(timer.nsecsElapsed() / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+// A square page of black text lines on white, unsmoothed: what a traced text job looks like.
+inline QImage pageOfText(int side)
+{
+    QImage image(side, side, QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    QFont font;
+    font.setPixelSize(40);
+    font.setStyleStrategy(QFont::NoAntialias);
+    painter.setFont(font);
+    painter.setPen(Qt::black);
+    const QString line = QStringLiteral("The quick brown fox jumps over the lazy dog 0123456789 ABCDEFG");
+    for (int y = 50; y < side; y += 50)
+        painter.drawText(20, y, line);
+    return image;
+}
 
 // A smooth picture with highlights, shadows and fine detail, like a photograph, dithered to
 // black and white with Floyd-Steinberg error diffusion (or left in gray for the gray job).
