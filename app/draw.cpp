@@ -287,26 +287,21 @@ void Draw::warn(const QString &text)
 
 // ---- Languages -------------------------------------------------------------------
 
-void Draw::on_btnEn_clicked()
+void Draw::on_btnEn_clicked() { switchLanguage(QStringLiteral(":/bin_en.qm"), true); }
+
+// The threshold editor keeps the texts it has; only the window and the panel change.
+void Draw::on_btnZh_clicked() { switchLanguage(QStringLiteral(":/bin_zh.qm"), false); }
+
+void Draw::switchLanguage(const QString &catalogue, bool editorToo)
 {
     // Translators are only ever added; the newest wins.
-    QTranslator *english = new QTranslator(this);
-    english->load(QStringLiteral(":/bin_en.qm"));
-    qApp->installTranslator(english);
+    QTranslator *translator = new QTranslator(this);
+    translator->load(catalogue);
+    qApp->installTranslator(translator);
     ui->retranslateUi(this);
     m_serialPanel->retranslateUi();
-    m_imgEdit->RetranslateUi();
-    restoreTextsAfterRetranslate();
-}
-
-void Draw::on_btnZh_clicked()
-{
-    // The threshold editor keeps its texts here; only the window and the panel change.
-    QTranslator *chinese = new QTranslator(this);
-    chinese->load(QStringLiteral(":/bin_zh.qm"));
-    qApp->installTranslator(chinese);
-    ui->retranslateUi(this);
-    m_serialPanel->retranslateUi();
+    if (editorToo)
+        m_imgEdit->RetranslateUi();
     restoreTextsAfterRetranslate();
 }
 

@@ -168,11 +168,13 @@ private:
     void installLanguage();
     void setUpSliders();
     void restoreTextsAfterRetranslate();
+    void switchLanguage(const QString &catalogue, bool editorToo);
 
     // The job road (draw_job.cpp).
     void routePicture(const QString &path);
     void showEditorBlackWhite(const QString &path);
     void loadPicture(const QString &path);
+    void applyTypedSize(bool widthTyped);
     void outputStyleChanged();
     // Manual control (draw_machine.cpp).
     void sendJog(const char *axisTemplate);

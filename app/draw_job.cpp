@@ -192,29 +192,21 @@ void Draw::SlotGetRect(QRectF rect)
     ui->h_line->setText(QString::number(m_itemHeight, 'g', 6));
 }
 
-void Draw::on_w_line_returnPressed()
+void Draw::on_w_line_returnPressed() { applyTypedSize(true); }
+void Draw::on_h_line_returnPressed() { applyTypedSize(false); }
+
+// A size typed into one field keeps the picture's proportions; the canvas scales by width.
+// Without a picture, or with no usable number, both fields show the current size again.
+void Draw::applyTypedSize(bool widthTyped)
 {
-    const double width = ui->w_line->text().toDouble();
-    if (m_pictureLoaded && width > 0 && m_itemRect.width() > 0) {
-        const double height = m_itemHeight * (width / m_itemRect.width());
-        ui->h_line->setText(QString::number(height, 'g', 6));
+    const double typed = (widthTyped ? ui->w_line : ui->h_line)->text().toDouble();
+    const double current = widthTyped ? m_itemRect.width() : m_itemRect.height();
+    if (m_pictureLoaded && typed > 0 && current > 0) {
+        const double width = widthTyped ? typed : m_itemWidth * (typed / current);
+        const double height = widthTyped ? m_itemHeight * (typed / current) : typed;
+        (widthTyped ? ui->h_line : ui->w_line)->setText(QString::number(widthTyped ? height : width, 'g', 6));
         SlotGetRect(QRectF(0, 0, width, height));
         emit SigResetScaleFromLineEdit(width);
-        return;
-    }
-    logMessage(message("请选择图片!!!", "Please select the image!!!"));
-    ui->w_line->setText(QString::number(m_itemWidth, 'g', 6));
-    ui->h_line->setText(QString::number(m_itemHeight, 'g', 6));
-}
-
-void Draw::on_h_line_returnPressed()
-{
-    const double height = ui->h_line->text().toDouble();
-    if (m_pictureLoaded && height > 0 && m_itemRect.height() > 0) {
-        const double width = m_itemWidth * (height / m_itemRect.height());
-        ui->w_line->setText(QString::number(width, 'g', 6));
-        SlotGetRect(QRectF(0, 0, width, height));
-        emit SigResetScaleFromLineEdit(width);   // the canvas scales by width
         return;
     }
     logMessage(message("请选择图片!!!", "Please select the image!!!"));
