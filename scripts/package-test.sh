@@ -50,16 +50,11 @@ mkdir -p "$home"
 HOME="$home" xvfb-run -a -s "-screen 0 1600x1000x24" bash -c '
   tarnwell-laser &
   pid=$!
-  win=""
-  for _ in $(seq 1 120); do
-    win=$(xdotool search --onlyvisible --name "TarnwellLaser V" 2>/dev/null | head -n 1 || true)
-    [ -n "$win" ] && break
-    sleep 0.5
-  done
+  win=$("$1" 60 || true)
   kill "$pid" 2>/dev/null || true
   wait "$pid" 2>/dev/null || true
   [ -n "$win" ]
-' || fail "no main window appeared"
+' _ "$root/scripts/wait-for-window.sh" || fail "no main window appeared"
 work="$home/TarnwellLaser-work"
 [ -f "$work/dataFile_en.json" ] && [ -f "$work/dataFile_zh.json" ] \
   || fail "the launcher did not set up $work"

@@ -32,15 +32,10 @@ xvfb-run -a -s "-screen 0 1600x1000x24" bash -c '
   "$1" &
   pid=$!
   # The splash stays two seconds; then the main window appears.
-  win=""
-  for _ in $(seq 1 60); do
-    win=$(xdotool search --onlyvisible --name "TarnwellLaser V" 2>/dev/null | head -n 1 || true)
-    [ -n "$win" ] && break
-    sleep 0.5
-  done
+  win=$("$3" 30 || true)
   sleep 1
   if [ -n "$win" ]; then import -window "$win" "$2"; else import -window root "$2"; fi
   kill "$pid" 2>/dev/null || true
   wait "$pid" 2>/dev/null || true
-' _ "$program" "$shot"
+' _ "$program" "$shot" "$root/scripts/wait-for-window.sh"
 echo "Screenshot of the main window saved to: $shot"
