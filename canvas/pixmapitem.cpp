@@ -1,43 +1,26 @@
 // Bitmap design on the canvas: a picture file shown at its size in millimetres,
 // moved by its body, resized about its centre from the bottom-right corner.
 #include "pixmapitem.h"
-#include "workarea.h"
 
 #include <QBuffer>
 #include <QDebug>
 #include <QFile>
-#include <QGraphicsSceneDragDropEvent>
 #include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QImageReader>
 #include <QPainter>
-#include <QPen>
 #include <QStyle>
 #include <QStyleOptionGraphicsItem>
 #include <cmath>
 
 namespace {
 
-// Geometry can turn infinite or NaN for a picture that did not decode; such values
-// must never reach an int conversion.
-constexpr double IntLimit = 1.0e9;
-
-int truncated(double value)
-{
-    if (!std::isfinite(value))
-        return 0;
-    return static_cast<int>(qBound(-IntLimit, value, IntLimit));
-}
-
 constexpr int DecodeOversize = 2;
-
-const QColor FrameOutside(255, 0, 0);
-const QColor FrameInside(67, 240, 20);
 
 } // namespace
 
 PixmapItem::PixmapItem(QGraphicsItem *parent)
-    : QObject(nullptr), QGraphicsPixmapItem(parent)
+    : QObject(nullptr), DesignItem(CornerZone, parent)
 {
     setZValue(0);
     setAcceptDrops(true);
@@ -52,28 +35,6 @@ QRectF PixmapItem::boundingRect() const
     // The margin lets the corner zone outside the picture receive the mouse.
     return QRectF(m_rect.x(), m_rect.y(), m_rect.width() + BoundingMargin,
                   m_rect.height() + BoundingMargin);
-}
-
-QPainterPath PixmapItem::shape() const
-{
-    QPainterPath path;
-    path.addRect(m_rect);
-    return path;
-}
-
-bool PixmapItem::contains(const QPointF &point) const
-{
-    return shape().contains(point) || inCornerZone(mapToScene(point));
-}
-
-bool PixmapItem::collidesWithPath(const QPainterPath &path, Qt::ItemSelectionMode mode) const
-{
-    return QGraphicsPixmapItem::collidesWithPath(path, mode) || m_corner.zoneCollides(m_rect, path, mode);
-}
-
-void PixmapItem::dragEnterEvent(QGraphicsSceneDragDropEvent *event)
-{
-    event->ignore();
 }
 
 QPixmap PixmapItem::loadScaled(int width, int height)
@@ -121,7 +82,7 @@ QPixmap PixmapItem::loadScaled(int width, int height)
 
 void PixmapItem::reloadPicture()
 {
-    setPixmap(loadScaled(truncated(m_rect.width()), truncated(m_rect.height())));
+    setPixmap(loadScaled(truncatedToInt(m_rect.width()), truncatedToInt(m_rect.height())));
 }
 
 void PixmapItem::ResetRect(QRectF r)
@@ -133,23 +94,11 @@ void PixmapItem::ResetRect(QRectF r)
     update();
 }
 
-bool PixmapItem::inCornerZone(const QPointF &p) const
-{
-    return m_corner.zoneContains(m_rect, scenePos(), p);
-}
-
 void PixmapItem::hoverEnterEvent(QGraphicsSceneHoverEvent *event)
 {
-    setPixmap(pixmap().scaled(truncated(m_rect.width()), truncated(m_rect.height()),
+    setPixmap(pixmap().scaled(truncatedToInt(m_rect.width()), truncatedToInt(m_rect.height()),
                               Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-    m_corner.enter(this, inCornerZone(event->scenePos()));
-    QGraphicsPixmapItem::hoverEnterEvent(event);
-}
-
-void PixmapItem::hoverMoveEvent(QGraphicsSceneHoverEvent *event)
-{
-    m_corner.move(this, inCornerZone(event->scenePos()));
-    QGraphicsPixmapItem::hoverMoveEvent(event);
+    DesignItem::hoverEnterEvent(event);
 }
 
 void PixmapItem::hoverLeaveEvent(QGraphicsSceneHoverEvent *event)
@@ -232,25 +181,16 @@ QVariant PixmapItem::itemChange(GraphicsItemChange change, const QVariant &value
 
 void PixmapItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
 {
-    const QPointF pos = scenePos();
-    const QRectF bounds = sceneBoundingRect();
-    const int x = truncated(pos.x());
-    const int y = truncated(pos.y());
-    const int w = truncated(bounds.width());
-    const int h = truncated(bounds.height());
-    // The bounding margin is part of W and H, hence the same tolerance here.
+    // The bounding margin is part of the scene bounds, hence the same tolerance here.
     // A picture that did not decode has no size: it is nowhere, so nothing gets exported.
     const bool empty = !(m_rect.width() > 0 && m_rect.height() > 0);
-    const bool outside = empty || x < 0 || y < 0 || w + x > WorkArea::Width + InAreaTolerance
-                         || h + y > WorkArea::Height + InAreaTolerance;
+    const bool outside = empty || !fitsWorkArea(scenePos(), sceneBoundingRect(), InAreaTolerance);
 
     if (option->state & QStyle::State_Selected) {
-        QPen pen(QBrush(outside ? FrameOutside : FrameInside), FramePenWidth,
-                 Qt::DashDotDotLine, Qt::SquareCap, Qt::BevelJoin);
-        painter->setPen(pen);
+        painter->setPen(framePen(outside, FramePenWidth));
         painter->drawRect(m_rect);
     }
     m_inArea = !outside;
 
-    painter->drawPixmap(QPoint(truncated(m_rect.x()), truncated(m_rect.y())), pixmap());
+    painter->drawPixmap(QPoint(truncatedToInt(m_rect.x()), truncatedToInt(m_rect.y())), pixmap());
 }

@@ -10,9 +10,9 @@
 #include <QPixmap>
 #include <QRectF>
 
-#include "cornerhover.h"
+#include "designitem.h"
 
-class PixmapItem : public QObject, public QGraphicsPixmapItem
+class PixmapItem : public QObject, public DesignItem<QGraphicsPixmapItem>
 {
     Q_OBJECT
 public:
@@ -22,11 +22,6 @@ public:
     ~PixmapItem() override;
 
     QRectF boundingRect() const override;
-    QPainterPath shape() const override;
-    // The picture, and the corner zone around its bottom-right corner that reaches out of it.
-    bool contains(const QPointF &point) const override;
-    bool collidesWithPath(const QPainterPath &path,
-                          Qt::ItemSelectionMode mode = Qt::IntersectsItemShape) const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
                QWidget *widget = nullptr) override;
     int type() const override { return Type; }
@@ -36,11 +31,6 @@ public:
 
     void setFilePath(const QString &path) { m_path = path; }
     QString filePath() const { return m_path; }
-    QRectF rect() const { return m_rect; }
-    void setRect(const QRectF &r) { prepareGeometryChange(); m_rect = r; }
-    bool isInArea() const { return m_inArea; }
-    bool isResizeArmed() const { return m_corner.isArmed(); }
-    int dragMode() const { return m_corner.dragMode(); }
 
     // Reads the picture file afresh and gives it at the given size in pixels;
     // an empty size or an unreadable file gives a null picture.
@@ -55,18 +45,14 @@ signals:
 
 protected:
     void hoverEnterEvent(QGraphicsSceneHoverEvent *event) override;
-    void hoverMoveEvent(QGraphicsSceneHoverEvent *event) override;
     void hoverLeaveEvent(QGraphicsSceneHoverEvent *event) override;
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) override;
     QVariant itemChange(GraphicsItemChange change, const QVariant &value) override;
-    // Files dragged over a design go on to the bed below, which takes them.
-    void dragEnterEvent(QGraphicsSceneDragDropEvent *event) override;
 
 private:
-    bool inCornerZone(const QPointF &scenePoint) const;
     void reloadPicture();
 
     static constexpr double CornerZone = 20.0;
@@ -74,10 +60,7 @@ private:
     static constexpr int InAreaTolerance = 20;
     static constexpr double FramePenWidth = 2.0;
 
-    QRectF m_rect;
-    bool m_inArea = false;
     QString m_path;
-    CornerHover m_corner{CornerZone};
     QPointF m_start;
     QPointF m_end;
     double m_scale = 1.0;

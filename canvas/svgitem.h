@@ -7,10 +7,10 @@
 #include <QRectF>
 #include <QSizeF>
 
-#include "cornerhover.h"
+#include "designitem.h"
 #include "svgrendercache.h"
 
-class SvgItem : public QGraphicsSvgItem
+class SvgItem : public DesignItem<QGraphicsSvgItem>
 {
     Q_OBJECT
 public:
@@ -20,29 +20,20 @@ public:
     ~SvgItem() override;
 
     QRectF boundingRect() const override;
-    QPainterPath shape() const override;
-    // The rectangle, and the corner zone around its bottom-right corner that reaches out of it.
-    bool contains(const QPointF &point) const override;
-    bool collidesWithPath(const QPainterPath &path,
-                          Qt::ItemSelectionMode mode = Qt::IntersectsItemShape) const override;
     void paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
                QWidget *widget = nullptr) override;
     int type() const override { return Type; }
 
     void setFilePath(const QString &path) { m_path = path; }
     QString filePath() const { return m_path; }
-    QRectF rect() const { return m_rect; }
     // The rectangle grown by the frame margin: the drawing fills it and the in-area test uses it.
     QRectF frameRect() const;
-    void setRect(const QRectF &r) { prepareGeometryChange(); m_rect = r; }
     QRectF rememberedRect() const { return m_rememberedRect; }
     void setRememberedRect(const QRectF &r) { m_rememberedRect = r; }
     double aspectRatio() const { return m_aspect; }
     void setAspectRatio(double ratio) { m_aspect = ratio; }
     int kindTag() const { return m_kindTag; }
     void setKindTag(int tag) { m_kindTag = tag; }
-    bool isInArea() const { return m_inArea; }
-    bool isResizeArmed() const { return m_corner.isArmed(); }
 
 signals:
     void SigPosTag(QRectF rect);
@@ -55,19 +46,13 @@ public slots:
     void ResetRect(QRectF rect);
 
 protected:
-    void hoverEnterEvent(QGraphicsSceneHoverEvent *event) override;
-    void hoverMoveEvent(QGraphicsSceneHoverEvent *event) override;
     void hoverLeaveEvent(QGraphicsSceneHoverEvent *event) override;
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) override;
-    // Files dragged over a design go on to the bed below, which takes them.
-    void dragEnterEvent(QGraphicsSceneDragDropEvent *event) override;
 
 private:
-    bool inCornerZone(const QPointF &scenePoint) const;
-
     static constexpr double FrameMargin = 2.0;
     static constexpr int InAreaTolerance = 4;
     static constexpr double FramePenWidth = 2.0;
@@ -76,14 +61,11 @@ private:
 
     QString m_path;
     QRectF m_rememberedRect;
-    QRectF m_rect;
     QPointF m_start;
     QPointF m_end;
     double m_aspect = 0.0;
     QSizeF m_defaultSize;
     int m_kindTag = 0;
-    CornerHover m_corner{CornerZone};
-    bool m_inArea = false;
     bool m_resizing = false;  // a corner drag is under way
     SvgRenderCache m_renderCache;
 };
