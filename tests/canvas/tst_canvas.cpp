@@ -1,6 +1,5 @@
-// Tests of the design canvas driven by scene, mouse and key events: the items' corner
-// zones, drags, release signals, in-area frames and reloads; loaded and bad files, the
-// cleaned "tmp.svg", clearing, keys, wheel zoom, geometry reports and dropped files.
+// Tests of the design canvas driven by scene, mouse and key events: corner zones, drags, in-area frames,
+// reloads, loaded and bad files, the cleaned "tmp.svg", clearing, keys, wheel zoom, reports and dropped files.
 #include "testsupport.h"
 
 #include "backgrqgraphicsitem.h"
@@ -47,7 +46,11 @@ public:
         }
         m_last = p;
     }
-    void press(const QPointF &p) { m_down = p; send(QEvent::GraphicsSceneMousePress, p, Qt::LeftButton, Qt::LeftButton); }
+    void press(const QPointF &p)
+    {
+        m_down = p;
+        send(QEvent::GraphicsSceneMousePress, p, Qt::LeftButton, Qt::LeftButton);
+    }
     void move(const QPointF &p) { send(QEvent::GraphicsSceneMouseMove, p, Qt::NoButton, Qt::LeftButton); }
     void release(const QPointF &p) { send(QEvent::GraphicsSceneMouseRelease, p, Qt::LeftButton, Qt::NoButton); }
     void drag(const QPointF &from, const QPointF &to) { hover(from); press(from); move(to); release(to); }
@@ -117,10 +120,9 @@ auto onItem(QGraphicsItem *item, F f)
     return f(static_cast<SvgItem *>(item));
 }
 
-QRectF rectOf(QGraphicsItem *item)
-{
-    return onItem(item, [](auto *d) { return d->rect(); });
-}
+QRectF rectOf(QGraphicsItem *item) { return onItem(item, [](auto *d) { return d->rect(); }); }
+bool armed(QGraphicsItem *item) { return onItem(item, [](auto *d) { return d->isResizeArmed(); }); }
+QObject *objectOf(QGraphicsItem *item) { return onItem(item, [](auto *d) -> QObject * { return d; }); }
 
 QList<QGraphicsItem *> designs(QGraphicsScene *scene)
 {
@@ -190,16 +192,6 @@ struct Canvas : Folder
     }
 };
 
-bool armed(QGraphicsItem *item)
-{
-    return onItem(item, [](auto *d) { return d->isResizeArmed(); });
-}
-
-QObject *objectOf(QGraphicsItem *item)
-{
-    return onItem(item, [](auto *d) -> QObject * { return d; });
-}
-
 } // namespace
 
 class TestCanvas : public QObject
@@ -208,74 +200,60 @@ class TestCanvas : public QObject
 private slots:
     void cornerZone_data()
     {
+        QTest::addColumn<bool>("throughView");
         QTest::addColumn<bool>("bitmap");
-        QTest::addColumn<QPointF>("offset");
+        QTest::addColumn<QPointF>("offset");   // from the bottom-right corner at (120, 70)
         QTest::addColumn<bool>("armedExpected");
 
-        // From the bottom-right corner at (120, 70): a zone of 20 for the bitmap, 8 for the svg.
-        QTest::newRow("bitmap 10 right of corner") << true << QPointF(10, 0) << true;
-        QTest::newRow("svg 10 right of corner") << false << QPointF(10, 0) << false;
-        QTest::newRow("bitmap 19.9 left") << true << QPointF(-19.9, 0) << true;
-        QTest::newRow("bitmap exactly 20 left") << true << QPointF(-20, 0) << false;
-        QTest::newRow("svg 7 out both ways") << false << QPointF(7, 7) << true;
-        QTest::newRow("svg exactly 8 up") << false << QPointF(0, -8) << false;
+        // Hovers sent to the item itself: a zone of 20 for the bitmap, 8 for the svg.
+        QTest::newRow("bitmap 10 right of corner") << false << true << QPointF(10, 0) << true;
+        QTest::newRow("svg 10 right of corner") << false << false << QPointF(10, 0) << false;
+        QTest::newRow("bitmap 19.9 left") << false << true << QPointF(-19.9, 0) << true;
+        QTest::newRow("bitmap exactly 20 left") << false << true << QPointF(-20, 0) << false;
+        QTest::newRow("svg 7 out both ways") << false << false << QPointF(7, 7) << true;
+        QTest::newRow("svg exactly 8 up") << false << false << QPointF(0, -8) << false;
+        // Through a view, whose scene has to find the item under a point outside its rectangle.
+        QTest::newRow("view: bitmap 10 right") << true << true << QPointF(10, 0) << true;
+        QTest::newRow("view: bitmap 15 out both ways") << true << true << QPointF(15, 15) << true;
+        QTest::newRow("view: bitmap 25 right") << true << true << QPointF(25, 0) << false;
+        QTest::newRow("view: svg on its handle") << true << false << QPointF(4, 4) << true;
+        QTest::newRow("view: svg 7 right") << true << false << QPointF(7, 0) << true;
+        QTest::newRow("view: svg 10 right") << true << false << QPointF(10, 0) << false;
     }
 
     void cornerZone()
     {
+        QFETCH(bool, throughView);
         QFETCH(bool, bitmap);
         QFETCH(QPointF, offset);
         QFETCH(bool, armedExpected);
 
         Canvas c;
         QGraphicsItem *item = c.add(bitmap);
-        // Armed first from inside, so a point outside the zone must actively disarm.
-        c.mouse.hover(QPointF(119, 69), item);
-        QVERIFY(armed(item));
-        c.mouse.hover(QPointF(120, 70) + offset, item);
-        QCOMPARE(armed(item), armedExpected);
-        QCOMPARE(item->cursor().shape(), armedExpected ? Qt::SizeFDiagCursor : Qt::SizeAllCursor);
-    }
-
-    void cornerZoneThroughView_data()
-    {
-        QTest::addColumn<bool>("bitmap");
-        QTest::addColumn<QPointF>("offset");
-        QTest::addColumn<bool>("armedExpected");
-
-        // Outside the rectangle, off its bottom-right corner at (120, 70).
-        QTest::newRow("bitmap 10 right") << true << QPointF(10, 0) << true;
-        QTest::newRow("bitmap 15 out both ways") << true << QPointF(15, 15) << true;
-        QTest::newRow("bitmap 25 right") << true << QPointF(25, 0) << false;
-        QTest::newRow("svg on its handle") << false << QPointF(4, 4) << true;
-        QTest::newRow("svg 7 right") << false << QPointF(7, 0) << true;
-        QTest::newRow("svg 10 right") << false << QPointF(10, 0) << false;
-    }
-
-    // The mouse as a user moves it: events to the view's viewport, which the view turns
-    // into hovers and presses for whatever item the scene finds under them.
-    void cornerZoneThroughView()
-    {
-        QFETCH(bool, bitmap);
-        QFETCH(QPointF, offset);
-        QFETCH(bool, armedExpected);
-
-        Canvas c;
-        QGraphicsItem *item = c.add(bitmap);
-        QGraphicsView view(&c.scene);
-        QVERIFY(shown(&view));
-        QWidget *viewport = view.viewport();
-        auto send = [&](QEvent::Type type, const QPointF &scene, Qt::MouseButton button, Qt::MouseButtons buttons) {
-            const QPoint p = view.mapFromScene(scene);
-            QMouseEvent ev(type, p, viewport->mapToGlobal(p), button, buttons, Qt::NoModifier);
-            QApplication::sendEvent(viewport, &ev);
-        };
-        send(QEvent::MouseMove, QPointF(60, 40), Qt::NoButton, Qt::NoButton);   // over the body
-        QVERIFY(!armed(item));
         const QPointF corner = QPointF(120, 70) + offset;
-        send(QEvent::MouseMove, corner, Qt::NoButton, Qt::NoButton);
+        // Through the view, the mouse goes as a user moves it: events to the viewport, which
+        // the view turns into hovers and presses for whatever item the scene finds under them.
+        QGraphicsView view(&c.scene);
+        auto send = [&](QEvent::Type type, const QPointF &at, Qt::MouseButton button, Qt::MouseButtons buttons) {
+            const QPoint p = view.mapFromScene(at);
+            QMouseEvent ev(type, p, view.viewport()->mapToGlobal(p), button, buttons, Qt::NoModifier);
+            QApplication::sendEvent(view.viewport(), &ev);
+        };
+        if (throughView) {
+            QVERIFY(shown(&view));
+            send(QEvent::MouseMove, QPointF(60, 40), Qt::NoButton, Qt::NoButton);   // over the body
+            QVERIFY(!armed(item));
+            send(QEvent::MouseMove, corner, Qt::NoButton, Qt::NoButton);
+        } else {
+            // Armed first from inside, so a point outside the zone must actively disarm.
+            c.mouse.hover(QPointF(119, 69), item);
+            QVERIFY(armed(item));
+            c.mouse.hover(corner, item);
+        }
         QCOMPARE(armed(item), armedExpected);
-        if (!armedExpected)
+        if (!throughView)
+            QCOMPARE(item->cursor().shape(), armedExpected ? Qt::SizeFDiagCursor : Qt::SizeAllCursor);
+        if (!throughView || !armedExpected)
             return;
         QCOMPARE(item->cursor().shape(), Qt::SizeFDiagCursor);
         // Pressing there and dragging outward grows the design instead of moving it.
@@ -293,16 +271,19 @@ private slots:
         QTest::addColumn<QPointF>("pos");
         QTest::addColumn<int>("releaseReports");
 
+        auto row = [](const char *name, bool bitmap, QPointF to, QRectF step, QPointF pos, int releases) {
+            QTest::newRow(name) << bitmap << to << step << pos << releases;
+        };
         // The item stands at (20, 20). A resize grabs the corner zone at (118, 69) and
         // moves by (+10, +2) or (+10, -2); a move grabs the body at (70, 45).
-        QTest::newRow("bitmap corner +10,+2") << true << QPointF(128, 71) << QRectF(5, 2.5, 110, 55) << QPointF(15, 17.5) << 2;
-        QTest::newRow("bitmap corner +10,-2") << true << QPointF(128, 67) << QRectF(-2, -1, 96, 48) << QPointF(22, 21) << 2;
-        QTest::newRow("svg corner +10,+2") << false << QPointF(128, 71) << QRectF(5, 2.5, 110, 55) << QPointF(15, 17.5) << 1;
-        QTest::newRow("svg corner +10,-2") << false << QPointF(128, 67) << QRectF(-2, -1, 96, 48) << QPointF(22, 21) << 1;
+        row("bitmap corner +10,+2", true, {128, 71}, {5, 2.5, 110, 55}, {15, 17.5}, 2);
+        row("bitmap corner +10,-2", true, {128, 67}, {-2, -1, 96, 48}, {22, 21}, 2);
+        row("svg corner +10,+2", false, {128, 71}, {5, 2.5, 110, 55}, {15, 17.5}, 1);
+        row("svg corner +10,-2", false, {128, 67}, {-2, -1, 96, 48}, {22, 21}, 1);
         // The bitmap drops a move reported exactly at its rectangle's corner (0, 0).
-        QTest::newRow("bitmap body to 0,0 dropped") << true << QPointF(0, 0) << QRectF() << QPointF(20, 20) << 1;
-        QTest::newRow("bitmap body to 1,0 moves") << true << QPointF(1, 0) << QRectF() << QPointF(-49, -25) << 1;
-        QTest::newRow("svg body to 0,0 moves") << false << QPointF(0, 0) << QRectF() << QPointF(-50, -25) << 1;
+        row("bitmap body to 0,0 dropped", true, {0, 0}, {}, {20, 20}, 1);
+        row("bitmap body to 1,0 moves", true, {1, 0}, {}, {-49, -25}, 1);
+        row("svg body to 0,0 moves", false, {0, 0}, {}, {-50, -25}, 1);
     }
 
     void drag()
@@ -488,23 +469,24 @@ private slots:
         QTest::addColumn<QRectF>("reported");
         QTest::addColumn<QByteArray>("tmpSvg");
 
+        auto row = [](const char *name, bool cleaning, const char *file, const QByteArray &content, QRectF rect,
+                      QRectF reported, const QByteArray &tmpSvg = QByteArray()) {
+            QTest::newRow(name) << cleaning << QString(file) << content << rect << reported << tmpSvg;
+        };
         const QByteArray mmSvg = svgText(" width=\"100mm\" height=\"50mm\" viewBox=\"0 0 10 5\"", 10, 5);
         const QByteArray plainSvg = svgText(" width=\"50\" height=\"100\" viewBox=\"0 0 5 10\"", 5, 10);
-        QTest::newRow("wide bitmap") << true << "p.png" << QByteArray("picture:340x100")
-                                     << QRectF(0, 0, 170, 50) << QRectF(0, 0, 170, 50) << QByteArray();
-        QTest::newRow("small bitmap enlarged") << true << "small.jpg" << QByteArray("picture:10x10")
-                                               << QRectF(0, 0, 170, 170) << QRectF(0, 0, 170, 170) << QByteArray();
+        row("wide bitmap", true, "p.png", "picture:340x100", {0, 0, 170, 50}, {0, 0, 170, 50});
+        row("small bitmap enlarged", true, "small.jpg", "picture:10x10", {0, 0, 170, 170}, {0, 0, 170, 170});
         // Without its size and view box the drawing measures 10 by 5, fitted to 170 by 85,
         // before the declared millimetres take over.
-        QTest::newRow("svg in mm keeps its size") << true << "mm.svg" << mmSvg << QRectF(0, 0, 100, 50)
-                                                  << QRectF(0, 0, 170, 85) << svgText("      ", 10, 5);
-        QTest::newRow("svg without mm fitted") << true << "plain.svg" << plainSvg << QRectF(0, 0, 100, 200)
-                                               << QRectF(0, 0, 100, 200) << svgText(" width=\"50\" height=\"100\"  ", 5, 10);
-        QTest::newRow("uncleaned svg fitted to 170 both ways") << false << "tall.svg" << svgText(" width=\"100\" height=\"200\"", 100, 200)
-                                                               << QRectF(0, 0, 85, 170) << QRectF(0, 0, 85, 170) << QByteArray();
+        row("svg in mm keeps its size", true, "mm.svg", mmSvg, {0, 0, 100, 50}, {0, 0, 170, 85},
+            svgText("      ", 10, 5));
+        row("svg without mm fitted", true, "plain.svg", plainSvg, {0, 0, 100, 200}, {0, 0, 100, 200},
+            svgText(" width=\"50\" height=\"100\"  ", 5, 10));
+        row("uncleaned svg fitted to 170 both ways", false, "tall.svg",
+            svgText(" width=\"100\" height=\"200\"", 100, 200), {0, 0, 85, 170}, {0, 0, 85, 170});
         // Read as it stands, 100 mm is 354 by 177 units, fitted to 170 by 85.
-        QTest::newRow("uncleaned svg in mm keeps its size") << false << "mm.svg" << mmSvg << QRectF(0, 0, 100, 50)
-                                                            << QRectF(0, 0, 170, 85) << QByteArray();
+        row("uncleaned svg in mm keeps its size", false, "mm.svg", mmSvg, {0, 0, 100, 50}, {0, 0, 170, 85});
     }
 
     void load()
@@ -520,10 +502,7 @@ private slots:
         QVERIFY(writeInput(name, content));
         PGraphicsScene scene;
         QSignalSpy spy(&scene, SIGNAL(SigRect(QRectF)));
-        if (cleaning)
-            scene.LoadItemFromFile(name, 0);
-        else
-            scene.LoadSvgItem(name, 0);
+        cleaning ? scene.LoadItemFromFile(name, 0) : scene.LoadSvgItem(name, 0);
 
         QCOMPARE(designs(&scene).size(), 1);
         QGraphicsItem *item = designs(&scene).first();
@@ -656,17 +635,20 @@ private slots:
         QTest::addColumn<QPointF>("pos");
 
         // Both 340 by 100 files land at (0, 0) as 170 by 50; for a gesture they are moved to (20, 20).
+        auto row = [](const char *name, const char *file, const char *gesture, const QList<QRectF> &reports,
+                      QRectF rect, QPointF pos) {
+            QTest::newRow(name) << QString(file) << QString(gesture) << reports << rect << pos;
+        };
         const QRectF loaded(0, 0, 170, 50);
-        QTest::newRow("load") << "p.png" << "load" << QList<QRectF>{loaded} << loaded << QPointF(0, 0);
-        QTest::newRow("plain move") << "p.png" << "move" << QList<QRectF>{loaded} << loaded << QPointF(30, 30);
+        row("load", "p.png", "load", {loaded}, loaded, {0, 0});
+        row("plain move", "p.png", "move", {loaded}, loaded, {30, 30});
         // Inward by 5 mm down: factor 0.9 about the centre.
-        QTest::newRow("corner resize")
-            << "p.png" << "resize" << QList<QRectF>{{-8.5, -2.5, 153, 45}, {0, 0, 153, 45}, {0, 0, 153, 45}}
-            << QRectF(0, 0, 153, 45) << QPointF(28.5, 22.5);
+        row("corner resize", "p.png", "resize", {{-8.5, -2.5, 153, 45}, {0, 0, 153, 45}, {0, 0, 153, 45}},
+            {0, 0, 153, 45}, {28.5, 22.5});
         // A typed width: the bitmap takes the whole rectangle, the svg drops its position.
-        QTest::newRow("typed width, bitmap") << "p.png" << "width" << QList<QRectF>{} << QRectF(20, 20, 85, 25) << QPointF(20, 20);
-        QTest::newRow("typed width, svg") << "d.svg" << "width" << QList<QRectF>{} << QRectF(0, 0, 85, 25) << QPointF(20, 20);
-        QTest::newRow("typed width, nothing selected") << "p.png" << "unselected" << QList<QRectF>{} << loaded << QPointF(20, 20);
+        row("typed width, bitmap", "p.png", "width", {}, {20, 20, 85, 25}, {20, 20});
+        row("typed width, svg", "d.svg", "width", {}, {0, 0, 85, 25}, {20, 20});
+        row("typed width, nothing selected", "p.png", "unselected", {}, loaded, {20, 20});
     }
 
     void geometryReports()

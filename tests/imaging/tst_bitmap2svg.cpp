@@ -7,11 +7,10 @@
 #include "svgpathtext.h"
 
 #include <QBuffer>
-#include <QRandomGenerator>
-#include <QSvgGenerator>
-
 #include <QPainter>
+#include <QRandomGenerator>
 #include <QRegularExpression>
+#include <QSvgGenerator>
 #include <QSvgRenderer>
 
 // Each outline: its outer bounding box, then the bounding boxes of its holes.
@@ -91,14 +90,16 @@ private slots:
         QTest::addColumn<OutlineList>("expected");
 
         QTest::newRow("empty picture") << withRects(40, 40) << OutlineList();
-        QTest::newRow("transparent dark pixels are paper") << withRects(40, 40, {{QRect(0, 0, 40, 40), 0x00000000}}) << OutlineList();
-        QTest::newRow("circle ring") << circleRing(30, 15) << OutlineList{{QRectF(20, 20, 60, 60), QRectF(35, 35, 30, 30)}};
+        QTest::newRow("transparent dark pixels are paper")
+            << withRects(40, 40, {{QRect(0, 0, 40, 40), 0x00000000}}) << OutlineList();
+        QTest::newRow("circle ring")
+            << circleRing(30, 15) << OutlineList{{QRectF(20, 20, 60, 60), QRectF(35, 35, 30, 30)}};
         QTest::newRow("two separate rings, an island in one hole, y grows down") << rings()
-                << OutlineList{{QRectF(5, 5, 40, 40), QRectF(15, 15, 20, 20)},
-                                {QRectF(60, 5, 50, 50), QRectF(70, 15, 30, 30)}, {QRectF(80, 25, 10, 10)}};
-        QTest::newRow("gray 127 is ink, 128 is paper")
-                << withRects(40, 40, {{QRect(5, 5, 10, 10), qRgb(127, 127, 127)}, {QRect(20, 5, 10, 10), qRgb(128, 128, 128)}})
-                << OutlineList{{QRectF(5, 5, 10, 10)}};
+            << OutlineList{{QRectF(5, 5, 40, 40), QRectF(15, 15, 20, 20)},
+                           {QRectF(60, 5, 50, 50), QRectF(70, 15, 30, 30)}, {QRectF(80, 25, 10, 10)}};
+        const QImage grays = withRects(40, 40, {{QRect(5, 5, 10, 10), qRgb(127, 127, 127)},
+                                                {QRect(20, 5, 10, 10), qRgb(128, 128, 128)}});
+        QTest::newRow("gray 127 is ink, 128 is paper") << grays << OutlineList{{QRectF(5, 5, 10, 10)}};
     }
 
     void traceShapes()
@@ -235,8 +236,10 @@ private slots:
         QFETCH(int, outlines);
         QFETCH(double, allowed);
         ScopedWorkDir dir;
-        QVERIFY(withRects(30, 30).save("blank.png") && withRects(40, 40, {{QRect(5, 5, 10, 10), Ink}}).save("square.png"));
-        QVERIFY(rings().save("rings.png") && rings().save("rings.jpg", nullptr, 100) && circleRing(40, 20).save("circle.png"));
+        QVERIFY(withRects(30, 30).save("blank.png")
+                && withRects(40, 40, {{QRect(5, 5, 10, 10), Ink}}).save("square.png")
+                && rings().save("rings.png") && rings().save("rings.jpg", nullptr, 100)
+                && circleRing(40, 20).save("circle.png"));
 
         Bitmap2Svg tracer;
         QImage picture = withRects(40, 40);  // the last picture traced
@@ -262,7 +265,8 @@ private slots:
         auto path = PathRe.globalMatch(svg);
         for (const QPolygonF &outline : order) {
             const auto m = path.next();
-            QVERIFY(QLineF(QPointF(m.captured(1).toDouble(), m.captured(2).toDouble()), outline.first()).length() < 0.01);
+            const QPointF first(m.captured(1).toDouble(), m.captured(2).toDouble());
+            QVERIFY(QLineF(first, outline.first()).length() < 0.01);
         }
 
         // The enclosed area is the picture's ink.

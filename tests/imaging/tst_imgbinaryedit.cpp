@@ -86,7 +86,8 @@ private slots:
         QTest::addColumn<int>("threshold");
         QTest::addColumn<QPoint>("at");
         QTest::addColumn<uint>("expected");
-        auto row = [](const char *name, const char *op, const QImage &picture, int threshold, QPoint at, uint expected) {
+        auto row = [](const char *name, const char *op, const QImage &picture, int threshold, QPoint at,
+                      uint expected) {
             QTest::newRow(name) << QString(op) << picture << threshold << at << expected;
         };
         auto pixel = [](QRgb colour) { return marked(1, 1, colour); };
@@ -116,9 +117,10 @@ private slots:
         row("corner pixel, two neighbours", "outline", bright({{1, 0}, {0, 1}}), 128, {0, 0}, White);
         row("corner pixel, one neighbour", "outline", bright({{7, 8}}), 128, {8, 8}, Black);
 
-        row("adaptive: dark dot on white", "adaptive", marked(32, 32, White, {{16, 16}}, Black), 0, {16, 16}, Black);
-        row("adaptive: dark dot in the corner", "adaptive", marked(32, 32, White, {{0, 0}}, Black), 0, {0, 0}, Black);
-        row("adaptive: narrower than 8 pixels has no window", "adaptive", marked(7, 7, White, {{3, 3}}, Black), 0, {3, 3}, White);
+        auto dot = [](int size, QPoint at) { return marked(size, size, White, {at}, Black); };
+        row("adaptive: dark dot on white", "adaptive", dot(32, {16, 16}), 0, {16, 16}, Black);
+        row("adaptive: dark dot in the corner", "adaptive", dot(32, {0, 0}), 0, {0, 0}, Black);
+        row("adaptive: narrower than 8 pixels has no window", "adaptive", dot(7, {3, 3}), 0, {3, 3}, White);
     }
 
     void pixels()
@@ -173,7 +175,8 @@ private slots:
         // The picture is a ramp (gray 4x); the threshold stored in Slice.ini is 128.
         QTest::newRow("global, stored threshold") << QStringList() << 0 << 255;
         QTest::newRow("slider stores its threshold") << QStringList{"slider"} << 255 << 255;
-        QTest::newRow("adaptive then finish keeps the global result") << QStringList{"on_btnAdaptive_clicked"} << 0 << 255;
+        QTest::newRow("adaptive then finish keeps the global result")
+            << QStringList{"on_btnAdaptive_clicked"} << 0 << 255;
         QTest::newRow("inverted") << QStringList{"on_btnVacf_clicked"} << 255 << 0;
         QTest::newRow("outline") << QStringList{"on_btnBorder_clicked"} << 0 << 0;
         QTest::newRow("grayscale mode writes gray levels") << QStringList{"gray"} << 40 << 216;
@@ -212,7 +215,8 @@ private slots:
                 QVERIFY(QMetaObject::invokeMethod(&editor, qPrintable(action)));
         }
         QCOMPARE(slider(editor)->isHidden(), grayFile);
-        QCOMPARE(QSettings("Slice.ini", QSettings::IniFormat).value("Slice/thread_hold").toInt(), slider(editor)->value());
+        QCOMPARE(QSettings("Slice.ini", QSettings::IniFormat).value("Slice/thread_hold").toInt(),
+                 slider(editor)->value());
         editor.findChild<QPushButton *>("btnFinish")->click();
         QCOMPARE(spy.count(), 1);
         QVERIFY(!editor.isVisible());
