@@ -88,8 +88,8 @@ int main(int argc, char *argv[])
     preferOffscreen();
     QApplication app(argc, argv);
     qSetMessagePattern(QStringLiteral("%{if-warning}%{message}%{endif}"));
-    QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("local.gcode"));
+    const ScratchGcode scratch;
+    const QString &file = scratch.file;
     QTextStream out(stdout);
 
     // Half the rows and then all of them: the preview's memory must not follow the file.

@@ -101,10 +101,10 @@ int main(int argc, char *argv[])
     preferOffscreen();
     QApplication app(argc, argv);
     qSetMessagePattern(QStringLiteral("%{if-warning}%{message}%{endif}"));
-    QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("local.gcode"));
+    const ScratchGcode scratch;
+    const QString &file = scratch.file;
     QTextStream out(stdout);
-    out << "Raster export, median of " << Repeats << " runs, output written to " << dir.path() << "\n";
+    out << "Raster export, median of " << Repeats << " runs, output written to " << scratch.dir.path() << "\n";
 
     struct Job
     {

@@ -8,6 +8,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QString>
+#include <QTemporaryDir>
 #include <QtGlobal>
 
 #include <algorithm>
@@ -21,6 +22,13 @@ inline void preferOffscreen()
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 }
+
+// A G-code file name in a temporary folder of its own, removed with it.
+struct ScratchGcode
+{
+    QTemporaryDir dir;
+    QString file = dir.filePath(QStringLiteral("local.gcode"));
+};
 
 // Median wall time of `runs` calls of `work`, in milliseconds.
 inline double medianMs(int runs, const std::function<void()> &work)

@@ -285,6 +285,15 @@ bool Bitmap2Gcode::refuseUnusable(int width, int height, double scale)
     return false;
 }
 
+// The checks every export starts with; the file is open and the beam counted off after it.
+bool Bitmap2Gcode::startExport(const QImage &image, double scale, QFile &file)
+{
+    if (refuseUnusable(image.width(), image.height(), scale) || !openOutput(file))
+        return false;
+    m_laserOn = false;
+    return true;
+}
+
 bool Bitmap2Gcode::openOutput(QFile &file)
 {
     if (file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))
@@ -332,13 +341,10 @@ void Bitmap2Gcode::writeFrame(RasterGcodeWriter &out, int width, int height, dou
 
 void Bitmap2Gcode::ExportBlackPix(QImage image, QString savefile, double scale)
 {
-    if (refuseUnusable(image.width(), image.height(), scale))
-        return;
     QFile file(savefile);
-    if (!openOutput(file))
+    if (!startExport(image, scale, file))
         return;
     RasterGcodeWriter out(&file, m_plainFormatting);
-    m_laserOn = false;
     qDebug() << "Format" << image.format();
 
     // Read as 32-bit ARGB words; alpha plays no part, so RGB32 pictures serve as they are.
@@ -422,13 +428,10 @@ void Bitmap2Gcode::ExportGrayPixEX(QImage image, QString savefile, double scale)
 void Bitmap2Gcode::exportGray(const QImage &image, const QString &savefile, double scale,
                               bool corrected)
 {
-    if (refuseUnusable(image.width(), image.height(), scale))
-        return;
     QFile file(savefile);
-    if (!openOutput(file))
+    if (!startExport(image, scale, file))
         return;
     RasterGcodeWriter out(&file, m_plainFormatting);
-    m_laserOn = false;
     const PaddedBytes picture(image);
     const int width = image.width();
     const int height = image.height();

@@ -51,6 +51,7 @@ public:
 private:
     bool refuseUnusable(int width, int height, double scale);
     bool openOutput(QFile &file);
+    bool startExport(const QImage &image, double scale, QFile &file);
     void writeHeader(RasterGcodeWriter &out, int speed);
     void writeFrame(RasterGcodeWriter &out, int width, int height, double scale);
     void exportGray(const QImage &image, const QString &savefile, double scale, bool corrected);
