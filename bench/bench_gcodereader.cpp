@@ -14,8 +14,8 @@
 #include <vector>
 
 namespace {
-const int kLines = 1000000;
-const int kRuns = 3;
+const int Lines = 1000000;
+const int Runs = 3;
 
 void quiet(QtMsgType, const QMessageLogContext &, const QString &) {}
 
@@ -30,7 +30,7 @@ bool writeJob(const QString &path)
     out << ";Layer count: 1\nG21\nG90\nM3 S0\n";
     int written = 4;
     int row = 0;
-    while (written < kLines - 2) {
+    while (written < Lines - 2) {
         if (written % 500 == 0) {
             out << ";row " << row << "\n";
         } else if (written % 2 == 0) {
@@ -102,7 +102,7 @@ int main(int argc, char *argv[])
     QRectF bounds;
     qint64 received = 0;
     qint64 handedOut = 0;
-    for (int run = 0; run < kRuns; ++run) {
+    for (int run = 0; run < Runs; ++run) {
         QElapsedTimer clock;
         {
             GSendModel model;
@@ -133,8 +133,8 @@ int main(int argc, char *argv[])
     }
     qInstallMessageHandler(nullptr);
 
-    std::printf("G-code reader benchmark: %d lines, %lld bytes, %d runs (median, min)\n", kLines,
-                static_cast<long long>(bytes), kRuns);
+    std::printf("G-code reader benchmark: %d lines, %lld bytes, %d runs (median, min)\n", Lines,
+                static_cast<long long>(bytes), Runs);
     std::printf("  scan (OpenFile)                 : %8.1f ms  %8.1f ms\n", median(scan),
                 *std::min_element(scan.begin(), scan.end()));
     std::printf("  line-by-line stream and patterns: %8.1f ms  %8.1f ms  (the scan before)\n", median(plainScan),

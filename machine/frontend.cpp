@@ -8,24 +8,24 @@
 #include <QDebug>
 
 namespace {
-const char *const kFanOff = "M107";
-const char *const kHomeXY = "G28 X Y";
-const char *const kAbsolute = "G90";
-const char *const kResume = "1";
+const char *const FanOff = "M107";
+const char *const HomeXY = "G28 X Y";
+const char *const Absolute = "G90";
+const char *const Resume = "1";
 // The reader's own end marker is "end"; a command text of exactly ";end" is
 // what stops a job here.
-const char *const kJobEnd = ";end";
+const char *const JobEnd = ";end";
 
 // Frame preview: coordinates arrive in tenths of a millimetre.
-const double kFrameScale = 0.1;
-const int kFramePasses = 2;
-const char *const kFrameAbsolute = "G90 \n";
-const char *const kBeamOff = "M4 P0 \n";
-const char *const kBeamWeak = "M4 P30 \n";
-const char *const kFrameRapid = "G0 X%1 Y%2 F3000\n";
-const char *const kFrameFirstSide = "G1 X%1 Y%2 F3000 \n";
-const char *const kFrameSide = "G1 X%1 Y%2 \n";
-const char *const kFrameHome = "G1 F2000 X0 Y0 \n";
+const double FrameScale = 0.1;
+const int FramePasses = 2;
+const char *const FrameAbsolute = "G90 \n";
+const char *const BeamOff = "M4 P0 \n";
+const char *const BeamWeak = "M4 P30 \n";
+const char *const FrameRapid = "G0 X%1 Y%2 F3000\n";
+const char *const FrameFirstSide = "G1 X%1 Y%2 F3000 \n";
+const char *const FrameSide = "G1 X%1 Y%2 \n";
+const char *const FrameHome = "G1 F2000 X0 Y0 \n";
 }
 
 FrontEnd::FrontEnd(QObject *parent, CPSerialPort *link)
@@ -64,7 +64,7 @@ void FrontEnd::SlotPrint(QString gcodefile)
 
     takeNextCommand();
 
-    emit Sig_toarduino(QString::fromLatin1(kAbsolute));
+    emit Sig_toarduino(QString::fromLatin1(Absolute));
     qDebug() << "gcode process finish!";
     state = Idle;
 }
@@ -73,14 +73,14 @@ void FrontEnd::SlotStop()
 {
     finished = true;
     state = Stopped;
-    emit Sig_toarduino(QString::fromLatin1(kFanOff));
+    emit Sig_toarduino(QString::fromLatin1(FanOff));
 }
 
 void FrontEnd::SlotRecov()
 {
     finished = false;
     state = Printing;
-    emit Sig_toarduino(QString::fromLatin1(kResume));
+    emit Sig_toarduino(QString::fromLatin1(Resume));
 }
 
 void FrontEnd::SlotCancle()
@@ -88,8 +88,8 @@ void FrontEnd::SlotCancle()
     finished = true;
     state = Idle;
     reader->Reset();
-    emit Sig_toarduino(QString::fromLatin1(kFanOff));
-    emit Sig_toarduino(QString::fromLatin1(kHomeXY));
+    emit Sig_toarduino(QString::fromLatin1(FanOff));
+    emit Sig_toarduino(QString::fromLatin1(HomeXY));
 }
 
 void FrontEnd::AddToSender()
@@ -103,9 +103,9 @@ void FrontEnd::takeNextCommand()
         current = reader->NextCommand();
     } while (current.startsWith(QLatin1Char(';')));
 
-    if (current == QLatin1String(kJobEnd)) {
-        emit Sig_toarduino(QString::fromLatin1(kFanOff));
-        emit Sig_toarduino(QString::fromLatin1(kHomeXY));
+    if (current == QLatin1String(JobEnd)) {
+        emit Sig_toarduino(QString::fromLatin1(FanOff));
+        emit Sig_toarduino(QString::fromLatin1(HomeXY));
         current.clear();
         finished = true;
         reader->Reset();
@@ -122,27 +122,27 @@ void FrontEnd::ReadArduino(QString cmd)
 void FrontEnd::GenBounding(QRectF rect)
 {
     bounding = true;
-    const QRectF r(rect.x() * kFrameScale, rect.y() * kFrameScale,
-                   rect.width() * kFrameScale, rect.height() * kFrameScale);
+    const QRectF r(rect.x() * FrameScale, rect.y() * FrameScale,
+                   rect.width() * FrameScale, rect.height() * FrameScale);
 
-    bounddraws.append(QString::fromLatin1(kFrameAbsolute));
-    bounddraws.append(QString::fromLatin1(kBeamOff));
-    for (int pass = 0; pass < kFramePasses; ++pass) {
+    bounddraws.append(QString::fromLatin1(FrameAbsolute));
+    bounddraws.append(QString::fromLatin1(BeamOff));
+    for (int pass = 0; pass < FramePasses; ++pass) {
         const double left = r.x();
         const double top = r.y();
         const double right = r.x() + r.width();
         const double bottom = r.y() + r.height();
-        bounddraws.append(QString::fromLatin1(kFrameRapid).arg(left).arg(top));
-        bounddraws.append(QString::fromLatin1(kBeamWeak));
-        bounddraws.append(QString::fromLatin1(kFrameFirstSide).arg(right).arg(top));
-        bounddraws.append(QString::fromLatin1(kFrameSide).arg(right).arg(bottom));
-        bounddraws.append(QString::fromLatin1(kFrameSide).arg(left).arg(bottom));
-        bounddraws.append(QString::fromLatin1(kFrameSide).arg(left).arg(top));
+        bounddraws.append(QString::fromLatin1(FrameRapid).arg(left).arg(top));
+        bounddraws.append(QString::fromLatin1(BeamWeak));
+        bounddraws.append(QString::fromLatin1(FrameFirstSide).arg(right).arg(top));
+        bounddraws.append(QString::fromLatin1(FrameSide).arg(right).arg(bottom));
+        bounddraws.append(QString::fromLatin1(FrameSide).arg(left).arg(bottom));
+        bounddraws.append(QString::fromLatin1(FrameSide).arg(left).arg(top));
     }
-    bounddraws.append(QString::fromLatin1(kBeamOff));
-    bounddraws.append(QString::fromLatin1(kFrameHome));
+    bounddraws.append(QString::fromLatin1(BeamOff));
+    bounddraws.append(QString::fromLatin1(FrameHome));
 
-    emit Sig_toarduino(QString::fromLatin1(kBeamOff));
+    emit Sig_toarduino(QString::fromLatin1(BeamOff));
 }
 
 void FrontEnd::SetBounding(QQueue<QString> bounddraws)

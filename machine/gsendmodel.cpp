@@ -12,23 +12,23 @@
 #include <limits>
 
 namespace {
-const char *const kDefaultFileName = "test.gcode";
+const char *const DefaultFileName = "test.gcode";
 
 // Extent start values: any real coordinate replaces them.
-const float kExtentStartMin = 99999.0f;
-const float kExtentStartMax = -99999.0f;
+const float ExtentStartMin = 99999.0f;
+const float ExtentStartMax = -99999.0f;
 
 // Moves only count when X follows "G1 " / "G0 " after nothing but the letters
 // w, d, s and blanks; the number patterns hold no sign.
-const char *const kG1Pattern = "G1 [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)";
-const char *const kG0Pattern = "G0 [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)";
-const char *const kLayerCountPattern = ";Layer count: *([0-9]*)";
-const char *const kLayerPattern = ";LAYER: *([0-9]*)";
-const char *const kTimePattern = ";TIME: *([0-9]*)";
-const char *const kTrailingCommentPattern = "(.*) *;";
+const char *const G1Pattern = "G1 [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)";
+const char *const G0Pattern = "G0 [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)";
+const char *const LayerCountPattern = ";Layer count: *([0-9]*)";
+const char *const LayerPattern = ";LAYER: *([0-9]*)";
+const char *const TimePattern = ";TIME: *([0-9]*)";
+const char *const TrailingCommentPattern = "(.*) *;";
 
-const char *const kEndMarker = "end";
-const char *const kHeaterWait = "M109";
+const char *const EndMarker = "end";
+const char *const HeaterWait = "M109";
 
 // A capture that is not a number, or too large for a float, counts as 0 like any
 // other malformed number; an infinite extent would spoil every later comparison.
@@ -40,7 +40,7 @@ float coordinate(const QStringRef &text)
 }
 
 // Bytes read at once by the scan.
-const qint64 kScanBlockSize = 4 * 1024 * 1024;
+const qint64 ScanBlockSize = 4 * 1024 * 1024;
 
 inline bool isCoordinateChar(char c)
 {
@@ -123,8 +123,8 @@ inline bool isAscii(const QByteArray &bytes)
 
 GSendModel::GSendModel(QObject *parent)
     : QObject(parent),
-      file(new QFile(QString::fromLatin1(kDefaultFileName), this)),
-      fileName(QString::fromLatin1(kDefaultFileName)),
+      file(new QFile(QString::fromLatin1(DefaultFileName), this)),
+      fileName(QString::fromLatin1(DefaultFileName)),
       stream(new QTextStream(file)),
       lineCounter(0),
       commandCount(0),
@@ -147,17 +147,17 @@ void GSendModel::OpenFile(QString path)
     file->close();
     file->setFileName(path);
 
-    float minX = kExtentStartMin;
-    float minY = kExtentStartMin;
-    float maxX = kExtentStartMax;
-    float maxY = kExtentStartMax;
+    float minX = ExtentStartMin;
+    float minY = ExtentStartMin;
+    float maxX = ExtentStartMax;
+    float maxY = ExtentStartMax;
 
-    QRegExp g1(QString::fromLatin1(kG1Pattern), Qt::CaseSensitive);
-    QRegExp g0(QString::fromLatin1(kG0Pattern), Qt::CaseSensitive);
-    QRegExp layerCount(QString::fromLatin1(kLayerCountPattern), Qt::CaseSensitive);
-    QRegExp layer(QString::fromLatin1(kLayerPattern), Qt::CaseSensitive);
+    QRegExp g1(QString::fromLatin1(G1Pattern), Qt::CaseSensitive);
+    QRegExp g0(QString::fromLatin1(G0Pattern), Qt::CaseSensitive);
+    QRegExp layerCount(QString::fromLatin1(LayerCountPattern), Qt::CaseSensitive);
+    QRegExp layer(QString::fromLatin1(LayerPattern), Qt::CaseSensitive);
     Q_UNUSED(layer);
-    QRegExp time(QString::fromLatin1(kTimePattern), Qt::CaseSensitive);
+    QRegExp time(QString::fromLatin1(TimePattern), Qt::CaseSensitive);
     const QLatin1String g1Tag("G1 ");
     const QLatin1String g0Tag("G0 ");
     const QLatin1String layerCountTag(";Layer count:");
@@ -186,7 +186,7 @@ void GSendModel::OpenFile(QString path)
     if (file->isOpen() && file->size() < std::numeric_limits<int>::max() / 2) {
         bytes.reserve(int(file->size()));
         while (!file->atEnd()) {
-            const QByteArray block = file->read(kScanBlockSize);
+            const QByteArray block = file->read(ScanBlockSize);
             if (block.isEmpty())
                 break;
             bytes += block;
@@ -268,15 +268,15 @@ QString GSendModel::NextCommand()
     const QString lineEnd = QStringLiteral("\n");
     // A file that never opened reads as empty, without a warning per call.
     QString line = (file->isOpen() ? stream->readLine() : QString()) + lineEnd;
-    QRegExp trailing(QString::fromLatin1(kTrailingCommentPattern), Qt::CaseSensitive);
+    QRegExp trailing(QString::fromLatin1(TrailingCommentPattern), Qt::CaseSensitive);
 
     if (stream->atEnd()) {
         // The last line of a file is never handed out.
-        current = QString::fromLatin1(kEndMarker);
+        current = QString::fromLatin1(EndMarker);
     } else {
         while (!stream->atEnd()) {
             if (line.startsWith(QLatin1Char(';')) || line.startsWith(lineEnd)
-                || line.contains(QLatin1String(kHeaterWait))) {
+                || line.contains(QLatin1String(HeaterWait))) {
                 line = stream->readLine() + lineEnd;
                 continue;
             }

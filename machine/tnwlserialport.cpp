@@ -10,10 +10,10 @@
 #include <QThread>
 
 namespace {
-const qint32 kBaudRate = 115200;
+const qint32 BaudRate = 115200;
 // This thread does nothing but serve the port, so blocking waits are fine here.
-const int kReadWaitMs = 1000;
-const int kWriteWaitMs = 1000;
+const int ReadWaitMs = 1000;
+const int WriteWaitMs = 1000;
 }
 
 std::atomic<int> TNWLserialport::readPassesStarted{0};
@@ -70,7 +70,7 @@ void TNWLserialport::SlotConnect(QString name)
         port->close();
     } else {
         port->setPortName(name);
-        port->setBaudRate(kBaudRate, QSerialPort::AllDirections);
+        port->setBaudRate(BaudRate, QSerialPort::AllDirections);
         port->setDataBits(QSerialPort::Data8);
         port->setParity(QSerialPort::NoParity);
         port->setStopBits(QSerialPort::OneStop);
@@ -104,7 +104,7 @@ void TNWLserialport::SlotResponseUart()
     for (;;) {
         pass.start();
         ++readPassesStarted;
-        const bool gotData = port->waitForReadyRead(kReadWaitMs);
+        const bool gotData = port->waitForReadyRead(ReadWaitMs);
         buffer = port->readAll();
         if (gotData)
             break;
@@ -112,8 +112,8 @@ void TNWLserialport::SlotResponseUart()
         // A vanished device fails the wait at once; let the pass last its full
         // time anyway so that the loop does not spin a core.
         const qint64 spent = pass.elapsed();
-        if (spent < kReadWaitMs)
-            QThread::msleep(static_cast<unsigned long>(kReadWaitMs - spent));
+        if (spent < ReadWaitMs)
+            QThread::msleep(static_cast<unsigned long>(ReadWaitMs - spent));
     }
     emit SigResponseUart(QString(buffer));
 }
@@ -125,5 +125,5 @@ void TNWLserialport::SlotWritePort(QString str)
     withLineEnd.append(QLatin1Char('\n'));
     Q_UNUSED(withLineEnd);
     port->write(str.toLatin1());
-    port->waitForBytesWritten(kWriteWaitMs);
+    port->waitForBytesWritten(WriteWaitMs);
 }
