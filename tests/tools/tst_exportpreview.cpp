@@ -1,47 +1,11 @@
 // tarnwell-export preview run as users run it: each export style drawn back and compared
 // with the picture it came from, the warnings, broken and empty files, bad input.
+#include "exportrunner.h"
 #include "testsupport.h"
 
 #include <QPainter>
-#include <QProcess>
-
-#include <cmath>
 
 namespace {
-
-struct Run
-{
-    int status = -1;
-    QString out;
-    QString err;
-};
-
-Run runExport(const QStringList &args)
-{
-    QProcess process;
-    process.setProgram(QStringLiteral(TARNWELL_EXPORT));
-    process.setArguments(args);
-    process.start();
-    process.closeWriteChannel();
-    Run run;
-    if (!process.waitForFinished(120000)) {
-        process.kill();
-        process.waitForFinished();
-        return run;
-    }
-    run.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-    run.out = QString::fromUtf8(process.readAllStandardOutput());
-    run.err = QString::fromUtf8(process.readAllStandardError());
-    return run;
-}
-
-void writeFile(const QString &name, const QByteArray &bytes)
-{
-    QFile f(name);
-    if (!f.open(QIODevice::WriteOnly))
-        qFatal("cannot write %s", qPrintable(name));
-    f.write(bytes);
-}
 
 // Shapes with solid black parts, thin lines and curves, framed by a border so that a trace
 // of it spans the whole picture.
@@ -92,19 +56,35 @@ double covered(const std::vector<char> &a, const std::vector<char> &b)
     return all ? double(hit) / double(all) : 0.0;
 }
 
-// The preview's pixels over the picture's area: the picture's pixel (c, r) lies at
-// (c + left, r + top) in the preview, when the scale is one preview pixel per picture pixel.
-std::vector<char> previewMask(const QImage &preview, int left, int top, int width, int height,
-                              int darkerThan)
+// The pixels of `image` darker than `darkerThan` over a width x height window whose corner is
+// at (left, top); a picture's pixel (c, r) lies at (c + left, r + top) in a preview at one
+// preview pixel per picture pixel.
+std::vector<char> mask(const QImage &image, int left, int top, int width, int height, int darkerThan)
 {
-    std::vector<char> mask(size_t(width * height), 0);
+    std::vector<char> out(size_t(width * height), 0);
     for (int r = 0; r < height; ++r)
         for (int c = 0; c < width; ++c) {
             const int x = c + left, y = r + top;
-            if (x >= 0 && y >= 0 && x < preview.width() && y < preview.height())
-                mask[size_t(r * width + c)] = qGray(preview.pixel(x, y)) < darkerThan;
+            if (x >= 0 && y >= 0 && x < image.width() && y < image.height())
+                out[size_t(r * width + c)] = qGray(image.pixel(x, y)) < darkerThan;
         }
-    return mask;
+    return out;
+}
+
+// Exports with `args` (which write job.gcode) and previews that as job.png. The preview repeats
+// the export's estimate. Returns the preview's standard output; empty on a failure.
+QByteArray exportAndPreview(const QStringList &args)
+{
+    const ExportRun exported = runExport(args);
+    const ExportRun preview = runExport({"preview", "--input", "job.gcode", "--output", "job.png"});
+    const QByteArray estimate = exported.out.mid(exported.out.indexOf("Estimated time:"));
+    if (exported.status != 0 || preview.status != 0 || !exported.out.contains("Estimated time:")
+        || !preview.out.endsWith(estimate)) {
+        qWarning("export %d: %s%s\npreview %d: %s%s", exported.status, exported.out.constData(),
+                 exported.err.constData(), preview.status, preview.out.constData(), preview.err.constData());
+        return QByteArray();
+    }
+    return preview.out;
 }
 
 } // namespace
@@ -129,33 +109,23 @@ void TestExportPreview::blackWhiteRoundTrip()
     ScopedWorkDir dir;
     const QImage picture = shapesPicture(400, 300);
     QVERIFY(picture.save(dir.file("shapes.png")));
-    Run exported = runExport({"raster", "--input", "shapes.png", "--output", "job.gcode", "--width", "40",
-                              "--x", "12", "--y", "30"});
-    QCOMPARE(exported.status, 0);
-    const Run preview = runExport({"preview", "--input", "job.gcode", "--output", "job.png"});
-    QCOMPARE(preview.status, 0);
-    // The estimate is the one the export gave.
-    QVERIFY2(preview.out.endsWith(exported.out.mid(exported.out.indexOf("Estimated time:"))),
-             qPrintable(preview.out + exported.out));
-    QVERIFY2(preview.out.contains("Extent: 12..52 x 140..170 mm"), qPrintable(preview.out));
+    const QByteArray out = exportAndPreview({"raster", "--input", "shapes.png", "--output", "job.gcode", "--width",
+                                             "40", "--x", "12", "--y", "30"});
+    QVERIFY2(out.contains("Extent: 12..52 x 140..170 mm"), out.constData());
 
     const QImage png(dir.file("job.png"));
     QCOMPARE(png.size(), QSize(1700, 2000));
-    std::vector<char> black(size_t(400 * 300));
-    for (int r = 0; r < 300; ++r)
-        for (int c = 0; c < 400; ++c)
-            black[size_t(r * 400 + c)] = qGray(picture.pixel(c, r)) < 128;
-    const std::vector<char> burned = previewMask(png, 120, 300, 400, 300, 128);
+    const std::vector<char> black = mask(picture, 0, 0, 400, 300, 128);
+    const std::vector<char> burned = mask(png, 120, 300, 400, 300, 128);
     qint64 both = 0, either = 0;
     for (size_t i = 0; i < black.size(); ++i) {
         both += black[i] && burned[i];
         either += black[i] || burned[i];
     }
     const double iou = double(both) / double(either);
-    qInfo("black/white overlap (IoU) %.4f", iou);
     QVERIFY2(iou >= 0.97, qPrintable(QString::number(iou)));
     // Nothing but the weak frame around the picture.
-    const std::vector<char> outside = previewMask(png, 0, 0, 1700, 2000, 250);
+    const std::vector<char> outside = mask(png, 0, 0, 1700, 2000, 250);
     qint64 stray = 0;
     for (int r = 0; r < 2000; ++r)
         for (int c = 0; c < 1700; ++c)
@@ -173,15 +143,10 @@ void TestExportPreview::grayRoundTrip()
         for (int c = 20; c < 280; ++c)
             picture.scanLine(r)[c] = uchar(c < 150 ? 40 : 200);
     QVERIFY(picture.save(dir.file("gray.png")));
-    QCOMPARE(runExport({"raster", "--input", "gray.png", "--output", "job.gcode", "--width", "30",
-                        "--style", "gray"}).status, 0);
-    QCOMPARE(runExport({"preview", "--input", "job.gcode", "--output", "job.png"}).status, 0);
+    QVERIFY(!exportAndPreview({"raster", "--input", "gray.png", "--output", "job.gcode", "--width", "30",
+                               "--style", "gray"}).isEmpty());
     const QImage png(dir.file("job.png"));
-    const std::vector<char> burned = previewMask(png, 0, 0, 300, 200, 250);
-    std::vector<char> gray(size_t(300 * 200));
-    for (int r = 0; r < 200; ++r)
-        for (int c = 0; c < 300; ++c)
-            gray[size_t(r * 300 + c)] = qGray(picture.pixel(c, r)) < 255;
+    const std::vector<char> burned = mask(png, 0, 0, 300, 200, 250), gray = mask(picture, 0, 0, 300, 200, 255);
     QVERIFY2(covered(gray, burned) >= 0.97, qPrintable(QString::number(covered(gray, burned))));
     QVERIFY2(covered(burned, gray) >= 0.97, qPrintable(QString::number(covered(burned, gray))));
     const int dark = qGray(png.pixel(60, 100)), light = qGray(png.pixel(240, 100));
@@ -213,14 +178,9 @@ void TestExportPreview::vectorRoundTrip()
                   "<ellipse cx='133' cy='100' rx='80' ry='50'/><rect x='200' y='150' width='133' height='75'/>"
                   "<path d='M26.1 258.3 L361.7 126.1 L363.9 131.7 L28.3 263.9 Z'/></g></svg>");
     }
-    const Run exported = runExport({"vector", "--input", "drawing.svg", "--output", "job.gcode", "--width", "40",
-                                    "--height", "30", "--x", "20", "--y", "50", "--seed", "3", "--mode", mode,
-                                    "--feed-z", "-1", "--travel-z", "3"});
-    QCOMPARE(exported.status, 0);
-    const Run preview = runExport({"preview", "--input", "job.gcode", "--output", "job.png"});
-    QCOMPARE(preview.status, 0);
-    QVERIFY2(preview.out.endsWith(exported.out.mid(exported.out.indexOf("Estimated time:"))),
-             qPrintable(preview.out + exported.out));
+    QVERIFY(!exportAndPreview({"vector", "--input", "drawing.svg", "--output", "job.gcode", "--width", "40",
+                               "--height", "30", "--x", "20", "--y", "50", "--seed", "3", "--mode", mode,
+                               "--feed-z", "-1", "--travel-z", "3"}).isEmpty());
 
     // Edges of the picture (black pixels with a white neighbour) or of the SVG's shapes, in a
     // window with a margin, as a burn along the picture's outer edge may lie just beyond it.
@@ -240,9 +200,7 @@ void TestExportPreview::vectorRoundTrip()
         p.drawPolygon(QPolygonF({QPointF(26.1, 258.3), QPointF(361.7, 126.1), QPointF(363.9, 131.7),
                                  QPointF(28.3, 263.9)}));
         p.end();
-        for (int r = 0; r < mh; ++r)
-            for (int c = 0; c < mw; ++c)
-                edge[size_t(r * mw + c)] = qGray(outlines.pixel(c, r)) < 128;
+        edge = mask(outlines, 0, 0, mw, mh, 128);
     }
     for (int r = 0; r < h && mode != QLatin1String("cnc"); ++r)
         for (int c = 0; c < w; ++c) {
@@ -258,11 +216,11 @@ void TestExportPreview::vectorRoundTrip()
             edge[size_t((r + m) * mw + c + m)] = outer || white;
         }
     // The drawing lands 1 mm higher than the picture's place: 10 preview pixels.
-    const std::vector<char> burned =
-        previewMask(QImage(dir.file("job.png")), 200 - m, 500 - 10 - m, mw, mh, 128);
+    const std::vector<char> burned = mask(QImage(dir.file("job.png")), 200 - m, 500 - 10 - m, mw, mh, 128);
     const double onEdges = covered(burned, dilate(edge, mw, mh, 2));
     const double edgesBurned = covered(edge, dilate(burned, mw, mh, 2));
-    QVERIFY2(onEdges >= 0.97 && edgesBurned >= 0.97, qPrintable(QStringLiteral("%1 %2").arg(onEdges).arg(edgesBurned)));
+    QVERIFY2(onEdges >= 0.97 && edgesBurned >= 0.97,
+             qPrintable(QStringLiteral("%1 %2").arg(onEdges).arg(edgesBurned)));
 }
 
 void TestExportPreview::files_data()
@@ -298,10 +256,10 @@ void TestExportPreview::files()
     QFETCH(int, travelPixels);
     ScopedWorkDir dir;
     writeFile(dir.file("job.gcode"), gcode);
-    const Run run = runExport(QStringList{"preview", "--input", "job.gcode", "--output", "job.png"} + options);
+    const ExportRun run = runExport(QStringList{"preview", "--input", "job.gcode", "--output", "job.png"} + options);
     QCOMPARE(run.status, 0);
-    QCOMPARE(run.out, output);
-    QCOMPARE(run.err, QString());
+    QCOMPARE(QString::fromUtf8(run.out), output);
+    QCOMPARE(run.err, QByteArray());
     const QImage png(dir.file("job.png"));
     int dark = 0, travel = 0;
     for (int r = 0; r < png.height(); ++r)
@@ -338,11 +296,9 @@ void TestExportPreview::badInput()
     QFETCH(QString, message);
     ScopedWorkDir dir;
     writeFile(dir.file("job.gcode"), "G1 X1\n");
-    const Run help = runExport({"preview", "--help"});
-    QVERIFY(help.status == 0 && help.out.startsWith("Usage: tarnwell-export preview"));
-    const Run run = runExport(QStringList{"preview"} + args);
+    const ExportRun run = runExport(QStringList{"preview"} + args);
     QCOMPARE(run.status, 2);
-    QVERIFY2(run.err.contains(message) && run.err.count('\n') == 1, qPrintable(run.err));
+    QVERIFY2(run.err.contains(message.toUtf8()) && run.err.count('\n') == 1, run.err.constData());
     QVERIFY(run.out.isEmpty());
     QVERIFY(!QFile::exists(dir.file("out.png")));
 }

@@ -1,13 +1,28 @@
 // `tarnwell-export send` run as users run it, against firmware stand-ins on pty pairs:
 // exit statuses, messages, the frame pause on standard input, and what reached the wire.
-#include "testsupport.h"
+#include "exportrunner.h"
 #include "firmwarestandin.h"
 #include "machinelink.h"
+#include "testsupport.h"
 
 namespace {
 
 const QByteArray FramedJob = "G1 F1800 \nG28 X0 Y0  ;move X/Y to min endstops \nM106 S5 \nG1 X40 Y0 \nM0 \n"
                              "M106 S255 \nG1 X1 Y1 \nG1 X2 Y1 \nG1 X3 Y1 \nM107 \nG28 \n";
+
+// job.gcode of 300 lines, each `perLine` with its number after it, sent to a GRBL stand-in that
+// takes `ackDelayMs` per line; standard input is left open.
+void startSend(QProcess &tool, FirmwareStandIn &fw, const QByteArray &perLine, int ackDelayMs)
+{
+    QByteArray job;
+    for (int i = 0; i < 300; ++i)
+        job += perLine + QByteArray::number(i) + " F600\n";
+    writeFile("job.gcode", job);
+    fw.ackDelayMs = ackDelayMs;
+    QVERIFY(fw.start());
+    tool.start(TARNWELL_EXPORT, {"send", "--port", fw.pty.endA(), "--input", "job.gcode", "--firmware", "grbl"});
+    QVERIFY(tool.waitForStarted());
+}
 
 } // namespace
 
@@ -24,31 +39,33 @@ private slots:
         QTest::addColumn<int>("status");
         QTest::addColumn<QString>("message");        // last line of standard error
         QTest::addColumn<QByteArray>("wireEnd");
-        QTest::newRow("done, no pause") << int(FirmwareStandIn::Grbl) << QStringList{"--no-pause"} << QByteArray() << ""
-                                        << 0 << "Job done: 11 lines" << QByteArray("M5\nG0 X0 Y0\n");
-        QTest::newRow("enter goes on after the frame") << int(FirmwareStandIn::Grbl) << QStringList() << QByteArray("\n") << ""
-                                                       << 0 << "Job done: 11 lines" << QByteArray("M5\nG0 X0 Y0\n");
-        QTest::newRow("end of input stops at the frame") << int(FirmwareStandIn::Grbl) << QStringList() << QByteArray() << ""
-                                                         << 3 << "Stopped by the user at line 5" << QByteArray("G1 X40 Y0\nM5\n\x18M5\n");
-        QTest::newRow("marlin done") << int(FirmwareStandIn::Marlin) << QStringList{"--no-pause", "--firmware", "marlin"} << QByteArray() << ""
-                                     << 0 << "Job done: 11 lines" << QByteArray("N11 G28*35\n");
-        QTest::newRow("firmware error") << int(FirmwareStandIn::Grbl) << QStringList{"--no-pause"} << QByteArray() << "error"
-                                        << 3 << "Line 6: error:20 (Unsupported command.)" << QByteArray("\x18M5\n");
-        QTest::newRow("error, going on") << int(FirmwareStandIn::Grbl) << QStringList{"--no-pause", "--continue-on-error"} << QByteArray() << "error"
-                                         << 0 << "Job done: 11 lines" << QByteArray("G0 X0 Y0\n");
-        QTest::newRow("alarm") << int(FirmwareStandIn::Grbl) << QStringList{"--no-pause", "--continue-on-error"} << QByteArray() << "alarm"
-                               << 3 << "Line 6: ALARM:1 - Hard limit triggered; position lost. Unlock the machine before going on." << QByteArray("\x18M5\n");
-        QTest::newRow("no answer") << int(FirmwareStandIn::Grbl) << QStringList{"--firmware", "grbl", "--timeout", "1"} << QByteArray() << "silent"
-                                   << 4 << "The machine did not answer within 1 s" << QByteArray("$$\n");
+        const int grbl = FirmwareStandIn::Grbl;
+        const QStringList noPause{"--no-pause"};
+        const QByteArray home("M5\nG0 X0 Y0\n");
+        QTest::newRow("done, no pause") << grbl << noPause << QByteArray() << "" << 0 << "Job done: 11 lines" << home;
+        QTest::newRow("enter goes on after the frame")
+            << grbl << QStringList() << QByteArray("\n") << "" << 0 << "Job done: 11 lines" << home;
+        QTest::newRow("end of input stops at the frame") << grbl << QStringList() << QByteArray() << "" << 3
+            << "Stopped by the user at line 5" << QByteArray("G1 X40 Y0\nM5\n\x18M5\n");
+        QTest::newRow("marlin done")
+            << int(FirmwareStandIn::Marlin) << QStringList{"--no-pause", "--firmware", "marlin"} << QByteArray() << ""
+            << 0 << "Job done: 11 lines" << QByteArray("N11 G28*35\n");
+        QTest::newRow("firmware error") << grbl << noPause << QByteArray() << "error" << 3
+                                        << "Line 6: error:20 (Unsupported command.)" << QByteArray("\x18M5\n");
+        QTest::newRow("error, going on") << grbl << QStringList{"--no-pause", "--continue-on-error"} << QByteArray()
+                                         << "error" << 0 << "Job done: 11 lines" << QByteArray("G0 X0 Y0\n");
+        QTest::newRow("alarm") << grbl << QStringList{"--no-pause", "--continue-on-error"} << QByteArray() << "alarm"
+            << 3 << "Line 6: ALARM:1 - Hard limit triggered; position lost. Unlock the machine before going on."
+            << QByteArray("\x18M5\n");
+        QTest::newRow("no answer") << grbl << QStringList{"--firmware", "grbl", "--timeout", "1"} << QByteArray()
+                                   << "silent" << 4 << "The machine did not answer within 1 s" << QByteArray("$$\n");
     }
     void send()
     {
         QFETCH(int, kind); QFETCH(QStringList, options); QFETCH(QByteArray, stdinText); QFETCH(QString, fault);
         QFETCH(int, status); QFETCH(QString, message); QFETCH(QByteArray, wireEnd);
         ScopedWorkDir dir;
-        QFile job(dir.file("job.gcode"));
-        QVERIFY(job.open(QIODevice::WriteOnly) && job.write(FramedJob) == FramedJob.size());
-        job.close();
+        writeFile("job.gcode", FramedJob);
         FirmwareStandIn fw(FirmwareStandIn::Kind(kind), dir.path());
         fw.silent = fault == "silent";
         fw.errorAtLine = fault == "error" ? 5 : 0;
@@ -58,10 +75,9 @@ private slots:
         tool.start(TARNWELL_EXPORT, QStringList{"send", "--port", fw.pty.endA(), "--input", "job.gcode"} + options);
         QVERIFY(tool.waitForStarted());
         tool.write(stdinText);
-        if (!options.contains("--no-pause")) {
-            // Enter (or the end of input) only once the frame has been traced.
+        // Enter (or the end of input) only once the frame has been traced.
+        if (!options.contains("--no-pause"))
             QTRY_VERIFY_WITH_TIMEOUT(fw.wire.contains("G1 X40 Y0\nM5\n") || fault == "silent", 15000);
-        }
         tool.closeWriteChannel();
         QTest::qWait(200);
         fw.banner();
@@ -76,39 +92,24 @@ private slots:
     void progress()
     {
         ScopedWorkDir dir;
-        QFile job(dir.file("job.gcode"));
-        QVERIFY(job.open(QIODevice::WriteOnly));
-        for (int i = 0; i < 300; ++i)
-            job.write("G1 X" + QByteArray::number(i) + " F600\n");
-        job.close();
         FirmwareStandIn fw(FirmwareStandIn::Grbl, dir.path());
-        fw.ackDelayMs = 8;
-        QVERIFY(fw.start());
         QProcess tool;
-        tool.start(TARNWELL_EXPORT, {"send", "--port", fw.pty.endA(), "--input", "job.gcode", "--firmware", "grbl"});
-        QVERIFY(tool.waitForStarted());
+        startSend(tool, fw, "G1 X", 8);
         tool.closeWriteChannel();
         QTRY_COMPARE_WITH_TIMEOUT(tool.state(), QProcess::NotRunning, 30000);
         QCOMPARE(tool.exitCode(), 0);
         const QString err = QString::fromUtf8(tool.readAllStandardError());
-        QVERIFY2(QRegularExpression("\\nsent \\d+/300 lines, \\d+%, \\d+:\\d\\d left\\n").match(err).hasMatch(), qPrintable(err));
+        QVERIFY2(QRegularExpression("\\nsent \\d+/300 lines, \\d+%, \\d+:\\d\\d left\\n").match(err).hasMatch(),
+                 qPrintable(err));
     }
 
     // Ctrl-C in the middle of a job: exit 3, and the machine is reset with the beam off.
     void interrupted()
     {
         ScopedWorkDir dir;
-        QFile job(dir.file("job.gcode"));
-        QVERIFY(job.open(QIODevice::WriteOnly));
-        for (int i = 0; i < 300; ++i)
-            job.write("M106 S255\nG1 X" + QByteArray::number(i) + " F600\n");
-        job.close();
         FirmwareStandIn fw(FirmwareStandIn::Grbl, dir.path());
-        fw.ackDelayMs = 20;
-        QVERIFY(fw.start());
         QProcess tool;
-        tool.start(TARNWELL_EXPORT, {"send", "--port", fw.pty.endA(), "--input", "job.gcode", "--firmware", "grbl"});
-        QVERIFY(tool.waitForStarted());
+        startSend(tool, fw, "M106 S255\nG1 X", 20);
         QTRY_VERIFY_WITH_TIMEOUT(fw.lines.size() > 20, 15000);
         ::kill(pid_t(tool.processId()), SIGINT);
         QTest::qWait(200);
@@ -127,31 +128,31 @@ private slots:
         QTest::addColumn<QString>("input");
         QTest::addColumn<QStringList>("options");
         QTest::addColumn<QString>("message");
-        QTest::newRow("no such device") << "/dev/no-such-tty" << "job.gcode" << QStringList() << "No such device: /dev/no-such-tty";
+        QTest::newRow("no such device") << "/dev/no-such-tty" << "job.gcode" << QStringList()
+                                        << "No such device: /dev/no-such-tty";
         QTest::newRow("busy device") << "held" << "job.gcode" << QStringList() << "is busy";
         QTest::newRow("missing file") << "pty" << "missing.gcode" << QStringList() << "Cannot read";
         QTest::newRow("not G-code") << "pty" << "picture.png" << QStringList() << "is not G-code (line 1)";
-        QTest::newRow("bad firmware name") << "pty" << "job.gcode" << QStringList{"--firmware", "smoothie"} << "is not auto, grbl or marlin";
+        QTest::newRow("bad firmware name") << "pty" << "job.gcode" << QStringList{"--firmware", "smoothie"}
+                                           << "is not auto, grbl or marlin";
         QTest::newRow("bad timeout") << "pty" << "job.gcode" << QStringList{"--timeout", "soon"} << "is not";
     }
     void badInput()
     {
         QFETCH(QString, port); QFETCH(QString, input); QFETCH(QStringList, options); QFETCH(QString, message);
         ScopedWorkDir dir;
-        QFile job(dir.file("job.gcode")), picture(dir.file("picture.png"));
-        QVERIFY(job.open(QIODevice::WriteOnly) && job.write(FramedJob) > 0 && picture.open(QIODevice::WriteOnly) && picture.write("\x89PNG\r\n\x1a\n\0\0", 10) > 0);
-        job.close(), picture.close();
+        writeFile("job.gcode", FramedJob);
+        writeFile("picture.png", QByteArray("\x89PNG\r\n\x1a\n\0\0", 10));
         FirmwareStandIn fw(FirmwareStandIn::Grbl, dir.path());
         QVERIFY(fw.start());
         MachineLink holder;
         if (port == "held")
             QVERIFY(holder.open(fw.pty.endA()));
-        QProcess tool;
-        tool.start(TARNWELL_EXPORT, QStringList{"send", "--port", port == "pty" || port == "held" ? fw.pty.endA() : port, "--input", input} + options);
-        QVERIFY(tool.waitForFinished(20000));
-        QCOMPARE(tool.exitCode(), 2);
-        const QString err = QString::fromUtf8(tool.readAllStandardError());
-        QVERIFY2(err.contains(message) && err.count('\n') == 1, qPrintable(err));
+        const QString device = port == "pty" || port == "held" ? fw.pty.endA() : port;
+        const ExportRun run = runExport(QStringList{"send", "--port", device, "--input", input} + options);
+        QCOMPARE(run.status, 2);
+        QVERIFY2(run.err.contains(message.toUtf8()) && run.err.count('\n') == 1, run.err.constData());
+        QTest::qWait(200);   // what the tool may have written is read in this loop
         QVERIFY(!fw.wire.contains("G1"));
     }
 };
