@@ -14,15 +14,11 @@ const float ExtentStartMin = 99999.0f;
 const float ExtentStartMax = -99999.0f;
 }
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    fuzzStart(argc, argv);
-    return 0;
-}
+FUZZ_INITIALIZE()
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    const QByteArray bytes(reinterpret_cast<const char *>(data), int(size));
+    const QByteArray bytes = FuzzBytes(data, size).restCopy();
     fuzzWriteFile(QString::fromLatin1(JobFile), bytes);
 
     GSendModel reader;

@@ -22,16 +22,11 @@ bool inside(double v, double low, double high)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    fuzzStart(argc, argv);
-    return 0;
-}
+FUZZ_INITIALIZE()
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    // No copy and no terminator: a read past the end is caught by the address checker.
-    const QByteArray job = QByteArray::fromRawData(reinterpret_cast<const char *>(data), int(size));
+    const QByteArray job = FuzzBytes(data, size).restView();
     std::vector<ToolpathMove> moves;
     GcodeInterpreter interpreter;
     interpreter.setMoveHandler([&moves](const ToolpathMove &m) { moves.push_back(m); });

@@ -10,15 +10,11 @@ namespace {
 const QString JobName = QStringLiteral("job.gcode");
 }
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    fuzzStart(argc, argv);
-    return 0;
-}
+FUZZ_INITIALIZE()
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    const QByteArray bytes(reinterpret_cast<const char *>(data), int(size));
+    const QByteArray bytes = FuzzBytes(data, size).restCopy();
     MachineLink link;
     JobRunner runner(&link);
     QString error;

@@ -74,18 +74,14 @@ void checkReply(const QByteArray &line)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    fuzzStart(argc, argv);
-    return 0;
-}
+FUZZ_INITIALIZE()
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     FuzzBytes input(data, size);
     // The port hands the bytes over in pieces of any size; 0 means all at once.
     const int chunk = input.byte();
-    const QByteArray bytes(reinterpret_cast<const char *>(input.rest()), int(input.restSize()));
+    const QByteArray bytes = input.restCopy();
 
     LineSplitter whole;
     const QList<QByteArray> lines = whole.feed(bytes);

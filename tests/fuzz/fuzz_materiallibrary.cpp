@@ -15,18 +15,14 @@ bool sameRecord(const MaterialRecord &a, const MaterialRecord &b)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    fuzzStart(argc, argv);
-    return 0;
-}
+FUZZ_INITIALIZE()
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     FuzzBytes in(data, size);
     // Language 1 and 0 have files; 2 has none and must never load.
     const int language = in.intIn(0, 2);
-    const QByteArray bytes(reinterpret_cast<const char *>(in.rest()), int(in.restSize()));
+    const QByteArray bytes = in.restCopy();
     MaterialLibrary library;
     library.setLanguageIndex(language);
     if (language != MaterialLibrary::Korean)

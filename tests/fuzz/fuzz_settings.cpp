@@ -39,20 +39,15 @@ Snapshot readAll()
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    // QSettings keeps every file it parsed; leak checks would then scan the heap per input.
-    fuzzStart(argc, argv, {"-detect_leaks=0"});
-    return 0;
-}
+// QSettings keeps every file it parsed; leak checks would then scan the heap per input.
+FUZZ_INITIALIZE("-detect_leaks=0")
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     FuzzBytes in(data, size);
-    const size_t configSize = std::min<size_t>(in.intIn(0, 4096), in.restSize());
-    const QByteArray config(reinterpret_cast<const char *>(in.rest()), int(configSize));
-    const QByteArray slice(reinterpret_cast<const char *>(in.rest() + configSize),
-                           int(in.restSize() - configSize));
+    const QByteArray config = in.take(size_t(in.intIn(0, 4096)));
+    const int configSize = config.size();
+    const QByteArray slice = in.restCopy();
     // QSettings keeps parsed files by path and date; a new folder per input keeps it honest.
     fuzzFreshFolder();
     fuzzWriteFile(QString::fromLatin1(AppSettings::ConfigFile), config);

@@ -57,11 +57,7 @@ Extent checkImage(const SvgImage &image, const QByteArray &document)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    fuzzStart(argc, argv);
-    return 0;
-}
+FUZZ_INITIALIZE()
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
@@ -73,9 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const double xOffset = in.doubleIn(0, 170);
     const double yOffset = in.doubleIn(0, WorkHeight);
     const int power = in.intIn(0, 255);
-    // No copy and no terminator: a read past the end is caught by the address checker.
-    const QByteArray document = QByteArray::fromRawData(reinterpret_cast<const char *>(in.rest()),
-                                                        int(in.restSize()));
+    const QByteArray document = in.restView();
 
     if (SvgImage *image = SvgReader::parse(document, units, dpi)) {
         checkImage(*image, document);

@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -14,6 +15,14 @@
 // (the readers log a line per call), current directory a private temporary folder.
 // `defaults` are libFuzzer flags ("-name=value") used unless the command line names them.
 void fuzzStart(int *argc, char ***argv, std::initializer_list<const char *> defaults = {});
+
+// Every target's libFuzzer start: fuzzStart with the target's default flags, if any.
+#define FUZZ_INITIALIZE(...)                                     \
+    extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv) \
+    {                                                            \
+        fuzzStart(argc, argv, {__VA_ARGS__});                    \
+        return 0;                                                \
+    }
 
 // A fresh empty folder under the private one, made current; for readers that cache by path.
 QString fuzzFreshFolder();
@@ -38,6 +47,19 @@ public:
     double doubleIn(double low, double high);
     const uint8_t *rest() const { return m_data + m_pos; }
     size_t restSize() const { return m_size - m_pos; }
+    // The next `count` bytes, fewer at the end.
+    QByteArray take(size_t count)
+    {
+        const QByteArray bytes(reinterpret_cast<const char *>(rest()), int(std::min(count, restSize())));
+        m_pos += size_t(bytes.size());
+        return bytes;
+    }
+    QByteArray restCopy() const { return QByteArray(reinterpret_cast<const char *>(rest()), int(restSize())); }
+    // No copy and no terminator: a read past the end is caught by the address checker.
+    QByteArray restView() const
+    {
+        return QByteArray::fromRawData(reinterpret_cast<const char *>(rest()), int(restSize()));
+    }
 
 private:
     const uint8_t *m_data;

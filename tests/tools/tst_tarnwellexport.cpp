@@ -1,5 +1,5 @@
-// tarnwell-export run as a separate process: exit status, the one-line messages,
-// no partial output, and output identical to what the generators write themselves.
+// tarnwell-export run as a separate process: exit status, the one-line messages of every
+// subcommand, no partial output, and output identical to what the generators write themselves.
 #include "bitmap2gcode.h"
 #include "estimatedtime.h"
 #include "exportrunner.h"
@@ -89,6 +89,18 @@ private slots:
                                                       << "tiny.svg";
         QTest::newRow("raster extent not a number") << raster + QStringList{"--width", "1e308", "--x", "1e308"}
                                                     << "pic.png";
+        const QStringList preview{"preview", "--input", "job.gcode", "--output", "out.png"};
+        QTest::newRow("preview of a missing file")
+            << QStringList{"preview", "--input", "missing.gcode", "--output", "out.png"}
+            << "missing.gcode does not exist";
+        QTest::newRow("preview of a folder") << QStringList{"preview", "--input", ".", "--output", "out.png"}
+                                             << "cannot read";
+        QTest::newRow("preview, no output") << QStringList{"preview", "--input", "job.gcode"} << "--output is missing";
+        QTest::newRow("preview into a missing folder")
+            << QStringList{"preview", "--input", "job.gcode", "--output", "no/such/out.png"} << "cannot write";
+        QTest::newRow("preview, scale not a number") << preview + QStringList{"--px-per-mm", "ten"} << "not a number";
+        QTest::newRow("preview, scale 0") << preview + QStringList{"--px-per-mm", "0"} << "more than 0";
+        QTest::newRow("preview, unknown option") << preview + QStringList{"--dpi", "3"} << "unknown option";
     }
 
     void badInput()
@@ -101,6 +113,7 @@ private slots:
         writeFile("junk.svg", "<svg><path d=");
         writeFile("ihdr.png", BadHeaderPng);
         writeFile("square.svg", SquareSvg);
+        writeFile("job.gcode", "G1 X1\n");
         // So narrow that scaling it to 20 mm overflows.
         writeFile("tiny.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
                               "viewBox=\"0 0 20 20\"><path d=\"M0 0 L1e-40 1e-40\"/></svg>");
@@ -109,7 +122,7 @@ private slots:
         QVERIFY2(run.err.endsWith('\n') && run.err.count('\n') == 1, run.err.constData());
         QVERIFY2(run.err.contains(named.toUtf8()), run.err.constData());
         QVERIFY(run.out.isEmpty());
-        QVERIFY(!QFile::exists("out.gcode"));
+        QVERIFY(!QFile::exists("out.gcode") && !QFile::exists("out.png"));
         // Nothing of the generators' working files lands in the caller's folder.
         QVERIFY(!QFile::exists("local.gcode"));
         QVERIFY(!QFile::exists("black_white.svg"));
