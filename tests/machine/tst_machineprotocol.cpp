@@ -16,35 +16,40 @@ private slots:
         QTest::addColumn<int>("code");
         QTest::addColumn<QByteArray>("state");
         QTest::addColumn<QPointF>("position");   // (-1, -1): none
-        const QPointF none(-1, -1);
-        QTest::newRow("ok") << QByteArray("ok\r") << int(MachineReply::Ok) << 0 << QByteArray() << none;
-        QTest::newRow("marlin ok with temps") << QByteArray("ok T:20.0 /0.0") << int(MachineReply::Ok) << 0 << QByteArray() << none;
-        QTest::newRow("grbl error") << QByteArray("error:20") << int(MachineReply::Error) << 20 << QByteArray() << none;
-        QTest::newRow("grbl error without number") << QByteArray("error:") << int(MachineReply::Error) << -1 << QByteArray() << none;
-        QTest::newRow("marlin error") << QByteArray("Error:Printer halted. kill() called!") << int(MachineReply::Error) << 0 << QByteArray() << none;
-        QTest::newRow("alarm") << QByteArray("ALARM:3") << int(MachineReply::Alarm) << 3 << QByteArray() << none;
-        QTest::newRow("status mpos") << QByteArray("<Idle|MPos:1.000,-2.500,0.000|FS:0,0>") << int(MachineReply::Status) << 0 << QByteArray("Idle") << QPointF(1, -2.5);
-        QTest::newRow("status wpos two axes") << QByteArray("<Hold:0|WPos:3,4|Bf:15,128>") << int(MachineReply::Status) << 0 << QByteArray("Hold:0") << QPointF(3, 4);
-        QTest::newRow("status bad number") << QByteArray("<Run|MPos:x,2,0>") << int(MachineReply::Status) << 0 << QByteArray("Run") << none;
-        QTest::newRow("unclosed status") << QByteArray("<Idle|MPos:1,2,0") << int(MachineReply::Other) << 0 << QByteArray() << none;
-        QTest::newRow("grbl banner") << QByteArray("Grbl 1.1h ['$' for help]") << int(MachineReply::GrblBanner) << 0 << QByteArray() << none;
-        QTest::newRow("marlin start") << QByteArray("start") << int(MachineReply::MarlinBanner) << 0 << QByteArray() << none;
-        QTest::newRow("marlin busy") << QByteArray("echo:busy: processing") << int(MachineReply::Busy) << 0 << QByteArray() << none;
-        QTest::newRow("resend") << QByteArray("Resend: 17") << int(MachineReply::Resend) << 17 << QByteArray() << none;
-        QTest::newRow("grbl setting") << QByteArray("$30=255") << int(MachineReply::Setting) << 30 << QByteArray() << none;
-        QTest::newRow("setting not a number") << QByteArray("$30=abc") << int(MachineReply::Other) << 30 << QByteArray() << none;
-        QTest::newRow("marlin M114") << QByteArray("X:10.00 Y:20.50 Z:0.00 E:0.00 Count X:800 Y:1640 Z:0") << int(MachineReply::Status) << 0 << QByteArray() << QPointF(10, 20.5);
-        QTest::newRow("not utf-8") << QByteArray("\xff\xfe\x80ok") << int(MachineReply::Other) << 0 << QByteArray() << none;
-        QTest::newRow("echo") << QByteArray("echo:Unknown command: \"$H\"") << int(MachineReply::Other) << 0 << QByteArray() << none;
+        auto row = [](const char *name, const QByteArray &line, MachineReply::Kind kind, int code = 0,
+                      const QByteArray &state = QByteArray(), QPointF position = QPointF(-1, -1)) {
+            QTest::newRow(name) << line << int(kind) << code << state << position;
+        };
+        row("ok", "ok\r", MachineReply::Ok);
+        row("marlin ok with temps", "ok T:20.0 /0.0", MachineReply::Ok);
+        row("grbl error", "error:20", MachineReply::Error, 20);
+        row("grbl error without number", "error:", MachineReply::Error, -1);
+        row("marlin error", "Error:Printer halted. kill() called!", MachineReply::Error);
+        row("alarm", "ALARM:3", MachineReply::Alarm, 3);
+        row("status mpos", "<Idle|MPos:1.000,-2.500,0.000|FS:0,0>", MachineReply::Status, 0, "Idle", QPointF(1, -2.5));
+        row("status wpos two axes", "<Hold:0|WPos:3,4|Bf:15,128>", MachineReply::Status, 0, "Hold:0", QPointF(3, 4));
+        row("status bad number", "<Run|MPos:x,2,0>", MachineReply::Status, 0, "Run");
+        row("unclosed status", "<Idle|MPos:1,2,0", MachineReply::Other);
+        row("grbl banner", "Grbl 1.1h ['$' for help]", MachineReply::GrblBanner);
+        row("marlin start", "start", MachineReply::MarlinBanner);
+        row("marlin busy", "echo:busy: processing", MachineReply::Busy);
+        row("resend", "Resend: 17", MachineReply::Resend, 17);
+        row("grbl setting", "$30=255", MachineReply::Setting, 30);
+        row("setting not a number", "$30=abc", MachineReply::Other, 30);
+        row("marlin M114", "X:10.00 Y:20.50 Z:0.00 E:0.00 Count X:800 Y:1640 Z:0", MachineReply::Status, 0, {},
+            {10, 20.5});
+        row("not utf-8", "\xff\xfe\x80ok", MachineReply::Other);
+        row("echo", "echo:Unknown command: \"$H\"", MachineReply::Other);
         // Found by fuzzing: signs, infinities and NaN are no setting numbers or positions.
-        QTest::newRow("setting with a sign") << QByteArray("$-30=1000") << int(MachineReply::Other) << 0 << QByteArray() << none;
-        QTest::newRow("setting value nan") << QByteArray("$1=nan") << int(MachineReply::Other) << 1 << QByteArray() << none;
-        QTest::newRow("status infinite position") << QByteArray("<Idle|MPos:inf,1,2>") << int(MachineReply::Status) << 0 << QByteArray("Idle") << none;
-        QTest::newRow("M114 with infinite X") << QByteArray("X:inf Y:2.00 Z:0.00") << int(MachineReply::Other) << 0 << QByteArray() << none;
+        row("setting with a sign", "$-30=1000", MachineReply::Other);
+        row("setting value nan", "$1=nan", MachineReply::Other, 1);
+        row("status infinite position", "<Idle|MPos:inf,1,2>", MachineReply::Status, 0, "Idle");
+        row("M114 with infinite X", "X:inf Y:2.00 Z:0.00", MachineReply::Other);
     }
     void reply()
     {
-        QFETCH(QByteArray, line); QFETCH(int, kind); QFETCH(int, code); QFETCH(QByteArray, state); QFETCH(QPointF, position);
+        QFETCH(QByteArray, line); QFETCH(int, kind); QFETCH(int, code);
+        QFETCH(QByteArray, state); QFETCH(QPointF, position);
         const MachineReply r = MachineReplies::parse(line);
         QCOMPARE(int(r.kind), kind);
         QCOMPARE(r.code, code);
@@ -54,44 +59,35 @@ private slots:
             QCOMPARE(QPointF(r.x, r.y), position);
     }
 
+    // Lines out of a byte stream in chunks. The cap counts kept bytes; what is dropped is
+    // counted, so the stream is accounted for.
     void splitter_data()
     {
-        QTest::addColumn<QList<QByteArray>>("chunks");
-        QTest::addColumn<QList<QByteArray>>("lines");
-        const QByteArray huge(1 << 20, 'x');
-        QTest::newRow("crlf, cr and lf") << QList<QByteArray>{"ok\r\nerror:1\rALARM:2\n"} << QList<QByteArray>{"ok", "error:1", "ALARM:2"};
-        QTest::newRow("line across chunks") << QList<QByteArray>{"o", "k\r", "\nGrbl 1.1"} << QList<QByteArray>{"ok"};
-        QTest::newRow("blank lines skipped") << QList<QByteArray>{"\r\n\r\n\nok\n"} << QList<QByteArray>{"ok"};
-        QTest::newRow("1 MB line cut, next intact") << QList<QByteArray>{huge, "\nok\n"}
-                                                   << QList<QByteArray>{QByteArray(MachineReplies::LineSplitter::MaxLine, 'x') + "...", "ok"};
+        using Bytes = QList<QByteArray>;
+        QTest::addColumn<Bytes>("chunks");
+        QTest::addColumn<Bytes>("lines");
+        QTest::addColumn<int>("dropped");
+        QTest::addColumn<int>("pending");
+        const int cap = MachineReplies::LineSplitter::MaxLine;
+        const QByteArray huge(1 << 20, 'x'), cut = QByteArray(cap, 'x') + "...", full(cap, 'y');
+        QTest::newRow("crlf, cr and lf") << Bytes{"ok\r\nerror:1\rALARM:2\n"} << Bytes{"ok", "error:1", "ALARM:2"}
+                                         << 0 << 0;
+        QTest::newRow("line across chunks") << Bytes{"o", "k\r", "\nGrbl 1.1"} << Bytes{"ok"} << 0 << 8;
+        QTest::newRow("blank lines skipped") << Bytes{"\r\n\r\n\nok\n"} << Bytes{"ok"} << 0 << 0;
+        QTest::newRow("1 MB line cut, next intact") << Bytes{huge, "\nok\n"} << Bytes{cut, "ok"}
+                                                   << huge.size() - cap << 0;
+        QTest::newRow("exactly the cap kept whole") << Bytes{full + "\n"} << Bytes{full} << 0 << 0;
+        QTest::newRow("one byte over is cut") << Bytes{full + "y\rok\r"} << Bytes{full + "...", "ok"} << 1 << 0;
+        QTest::newRow("unfinished long line waits") << Bytes{"ok\n" + full + "yyyyy"} << Bytes{"ok"} << 5 << cap;
     }
     void splitter()
     {
-        QFETCH(QList<QByteArray>, chunks); QFETCH(QList<QByteArray>, lines);
+        QFETCH(QList<QByteArray>, chunks); QFETCH(QList<QByteArray>, lines); QFETCH(int, dropped); QFETCH(int, pending);
         MachineReplies::LineSplitter splitter;
         QList<QByteArray> got;
         for (const QByteArray &chunk : chunks)
             got += splitter.feed(chunk);
         QCOMPARE(got, lines);
-    }
-
-    // The cap counts kept bytes; what is dropped is counted, so the stream is accounted for.
-    void splitterCap_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QList<QByteArray>>("lines");
-        QTest::addColumn<int>("dropped");
-        QTest::addColumn<int>("pending");
-        const int cap = MachineReplies::LineSplitter::MaxLine;
-        QTest::newRow("exactly the cap kept whole") << QByteArray(cap, 'y') + "\n" << QList<QByteArray>{QByteArray(cap, 'y')} << 0 << 0;
-        QTest::newRow("one byte over is cut") << QByteArray(cap + 1, 'y') + "\rok\r" << QList<QByteArray>{QByteArray(cap, 'y') + "...", "ok"} << 1 << 0;
-        QTest::newRow("unfinished long line waits") << "ok\n" + QByteArray(cap + 5, 'y') << QList<QByteArray>{"ok"} << 5 << cap;
-    }
-    void splitterCap()
-    {
-        QFETCH(QByteArray, bytes); QFETCH(QList<QByteArray>, lines); QFETCH(int, dropped); QFETCH(int, pending);
-        MachineReplies::LineSplitter splitter;
-        QCOMPARE(splitter.feed(bytes), lines);
         QCOMPARE(splitter.droppedBytes(), qint64(dropped));
         QCOMPARE(splitter.pendingBytes(), pending);
     }
@@ -116,47 +112,41 @@ private slots:
         QCOMPARE(JobRunner::clockText(seconds), text);
     }
 
+    // What GRBL gets for each line, and which lines are the program's pause (those the runner keeps).
     void grblRewrite_data()
     {
         QTest::addColumn<QByteArray>("line");
         QTest::addColumn<int>("maxPower");
         QTest::addColumn<QByteArray>("sent");
-        QTest::newRow("full power") << QByteArray("M106 S255") << 1000 << QByteArray("M4 S1000");
-        QTest::newRow("frame's weak beam, rounded") << QByteArray("M106 S5") << 1000 << QByteArray("M4 S20");
-        QTest::newRow("half power, $30=255") << QByteArray("M106 S128") << 255 << QByteArray("M4 S128");
-        QTest::newRow("power above range clamped") << QByteArray("M106 S300") << 1000 << QByteArray("M4 S1000");
-        QTest::newRow("no S is full power") << QByteArray("M106") << 1000 << QByteArray("M4 S1000");
-        QTest::newRow("blank between letter and number") << QByteArray("M106 S 51") << 100 << QByteArray("M4 S20");
-        QTest::newRow("fan off") << QByteArray("M107") << 1000 << QByteArray("M5");
-        QTest::newRow("G28 alone") << QByteArray("G28") << 1000 << QByteArray("G0 X0 Y0");
-        QTest::newRow("G28 X0 Y0") << QByteArray("G28 X0 Y0") << 1000 << QByteArray("G0 X0 Y0");
-        QTest::newRow("G28 X Y") << QByteArray("G28 X Y") << 1000 << QByteArray("G0 X0 Y0");
-        QTest::newRow("G28 elsewhere kept") << QByteArray("G28 X10") << 1000 << QByteArray("G28 X10");
-        QTest::newRow("other fan form kept") << QByteArray("M106 P1 S3") << 1000 << QByteArray("M106 P1 S3");
-        QTest::newRow("moves kept") << QByteArray("G1 X5.5 Y2 F1800") << 1000 << QByteArray("G1 X5.5 Y2 F1800");
-        QTest::newRow("system command kept") << QByteArray("$H") << 1000 << QByteArray("$H");
-        QTest::newRow("grbl's own laser kept") << QByteArray("M3 S100") << 1000 << QByteArray("M3 S100");
+        QTest::addColumn<bool>("pause");
+        auto row = [](const char *name, const QByteArray &line, const QByteArray &sent, bool pause = false,
+                      int maxPower = 1000) { QTest::newRow(name) << line << maxPower << sent << pause; };
+        row("full power", "M106 S255", "M4 S1000");
+        row("frame's weak beam, rounded", "M106 S5", "M4 S20");
+        row("half power, $30=255", "M106 S128", "M4 S128", false, 255);
+        row("power above range clamped", "M106 S300", "M4 S1000");
+        row("no S is full power", "M106", "M4 S1000");
+        row("blank between letter and number", "M106 S 51", "M4 S20", false, 100);
+        row("fan off", "M107", "M5");
+        row("G28 alone", "G28", "G0 X0 Y0");
+        row("G28 X0 Y0", "G28 X0 Y0", "G0 X0 Y0");
+        row("G28 X Y", "G28 X Y", "G0 X0 Y0");
+        row("G28 elsewhere kept", "G28 X10", "G28 X10");
+        row("other fan form kept", "M106 P1 S3", "M106 P1 S3");
+        row("moves kept", "G1 X5.5 Y2 F1800", "G1 X5.5 Y2 F1800");
+        row("system command kept", "$H", "$H");
+        row("grbl's own laser kept", "M3 S100", "M3 S100");
+        row("M0", "M0", "M0", true);
+        row("M00", "M00", "M00", true);
+        row("M1", "M1", "M1", true);
+        row("M05 is not", "M05", "M05");
+        row("M0 with a word is not", "M0 P5", "M0 P5");
+        row("G0", "G0", "G0");
     }
     void grblRewrite()
     {
-        QFETCH(QByteArray, line); QFETCH(int, maxPower); QFETCH(QByteArray, sent);
+        QFETCH(QByteArray, line); QFETCH(int, maxPower); QFETCH(QByteArray, sent); QFETCH(bool, pause);
         QCOMPARE(GrblRewrite::line(line, maxPower), sent);
-    }
-
-    void programPause_data()
-    {
-        QTest::addColumn<QByteArray>("line");
-        QTest::addColumn<bool>("pause");
-        QTest::newRow("M0") << QByteArray("M0") << true;
-        QTest::newRow("M00") << QByteArray("M00") << true;
-        QTest::newRow("M1") << QByteArray("M1") << true;
-        QTest::newRow("M05 is not") << QByteArray("M05") << false;
-        QTest::newRow("M0 with a word is not") << QByteArray("M0 P5") << false;
-        QTest::newRow("G0") << QByteArray("G0") << false;
-    }
-    void programPause()
-    {
-        QFETCH(QByteArray, line); QFETCH(bool, pause);
         QCOMPARE(GrblRewrite::isProgramPause(line), pause);
     }
 };
