@@ -9,11 +9,9 @@
 #include "renderform.h"
 
 #include <QComboBox>
-#include <QGraphicsScene>
-#include <QPainter>
-
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -36,112 +34,107 @@ void click(QWidget *panel, const char *name)
     child(panel, name)->click();
 }
 
-// Saves the panel when TARNWELL_SHOT_DIR names a folder (for looking at it; not part of the checks).
-void shot(QWidget *panel, const QString &name)
+void writeFile(const QString &path, const QByteArray &bytes)
 {
-    const QString dir = qEnvironmentVariable("TARNWELL_SHOT_DIR");
-    if (!dir.isEmpty())
-        panel->grab().save(QDir(dir).filePath(name + ".png"));
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qPrintable(path));
 }
+
+using Lines = QList<QByteArray>;
 
 const QByteArray Job = "G1 F1800 \nG28 X0 Y0  ;move X/Y to min endstops \nM106 S5 \nG1 X40 Y0 \nM0 \n"
                        "M106 S255 \nG1 X1 Y1 \nG1 X2 Y1 \nM107 \nG28 \n";
+
+// Connects the panel to the stand-in, framing (10, 20) to (40, 60), and waits until it is ready.
+bool connectPanel(MachinePanel *panel, FirmwareStandIn &fw)
+{
+    if (!fw.start())
+        return false;
+    panel->setFrameSource([] { return QRectF(10, 20, 30, 40); });
+    panel->link()->setDetectTimes(300, 300);
+    child<QLineEdit>(panel, "pathEdit")->setText(fw.pty.endA());
+    child(panel, "connectButton")->click();
+    fw.banner();
+    // Marlin is asked for its position once connected; that line comes first.
+    return QTest::qWaitFor([&] { return panel->link()->state() == MachineLink::Ready
+                                        && (fw.kind == FirmwareStandIn::Grbl || fw.lines.contains("M114")); }, 10000);
+}
 
 } // namespace
 
 class TestMachinePanel : public QObject
 {
     Q_OBJECT
-
-    bool connectPanel(MachinePanel *panel, FirmwareStandIn &fw)
-    {
-        if (!fw.start())
-            return false;
-        panel->link()->setDetectTimes(300, 300);
-        child<QLineEdit>(panel, "pathEdit")->setText(fw.pty.endA());
-        child(panel, "connectButton")->click();
-        fw.banner();
-        // Marlin is asked for its position once connected; that line comes first.
-        return QTest::qWaitFor([&] {
-            return panel->link()->state() == MachineLink::Ready && (fw.kind == FirmwareStandIn::Grbl || fw.lines.contains("M114"));
-        }, 10000);
-    }
-
 private slots:
     void workflow_data()
     {
         QTest::addColumn<int>("kind");
-        QTest::addColumn<QList<QByteArray>>("jog");     // 10 mm in -X
-        QTest::addColumn<QList<QByteArray>>("frame");   // (10, 20) to (40, 60), beam off
-        QTest::addColumn<QList<QByteArray>>("run");     // the job up to its frame pause
-        QTest::newRow("grbl") << int(FirmwareStandIn::Grbl) << QList<QByteArray>{"$J=G91 X-10.00 F2000"}
-                              << QList<QByteArray>{"G90", "M5", "G0 X10.00 Y20.00", "G1 X40.00 Y20.00 F2000", "G1 X40.00 Y60.00",
-                                                   "G1 X10.00 Y60.00", "G1 X10.00 Y20.00", "M5"}
-                              << QList<QByteArray>{"G90", "G1 F1800", "G0 X0 Y0", "M4 S20", "G1 X40 Y0", "M5"};
-        QTest::newRow("marlin") << int(FirmwareStandIn::Marlin) << QList<QByteArray>{"G91", "G1 X-10.00 F2000", "G90", "M114"}
-                                << QList<QByteArray>{"G90", "M107", "G0 X10.00 Y20.00", "G1 X40.00 Y20.00 F2000", "G1 X40.00 Y60.00",
-                                                     "G1 X10.00 Y60.00", "G1 X10.00 Y20.00", "M107", "M114"}
-                                << QList<QByteArray>{"G90", "G1 F1800", "G28 X0 Y0", "M106 S5", "G1 X40 Y0", "M107"};
+        QTest::addColumn<Lines>("jog");     // 10 mm in -X
+        QTest::addColumn<Lines>("frame");   // (10, 20) to (40, 60), beam off
+        QTest::addColumn<Lines>("run");     // the job up to its frame pause
+        const Lines corners{"G0 X10.00 Y20.00", "G1 X40.00 Y20.00 F2000", "G1 X40.00 Y60.00", "G1 X10.00 Y60.00",
+                            "G1 X10.00 Y20.00"};
+        QTest::newRow("grbl") << int(FirmwareStandIn::Grbl) << Lines{"$J=G91 X-10.00 F2000"}
+                              << Lines{"G90", "M5"} + corners + Lines{"M5"}
+                              << Lines{"G90", "G1 F1800", "G0 X0 Y0", "M4 S20", "G1 X40 Y0", "M5"};
+        QTest::newRow("marlin") << int(FirmwareStandIn::Marlin) << Lines{"G91", "G1 X-10.00 F2000", "G90", "M114"}
+                                << Lines{"G90", "M107"} + corners + Lines{"M107", "M114"}
+                                << Lines{"G90", "G1 F1800", "G28 X0 Y0", "M106 S5", "G1 X40 Y0", "M107"};
     }
     void workflow()
     {
-        QFETCH(int, kind); QFETCH(QList<QByteArray>, jog); QFETCH(QList<QByteArray>, frame); QFETCH(QList<QByteArray>, run);
+        QFETCH(int, kind); QFETCH(Lines, jog); QFETCH(Lines, frame); QFETCH(Lines, run);
+        const bool grbl = kind == FirmwareStandIn::Grbl;
         ScopedWorkDir dir;
-        QFile file(dir.file("job.gcode"));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(Job) == Job.size());
-        file.close();
+        writeFile(dir.file("job.gcode"), Job);
         FirmwareStandIn fw(FirmwareStandIn::Kind(kind), dir.path());
-        auto panel = std::make_unique<MachinePanel>();
-        panel->resize(360, 760);
-        panel->setFrameSource([] { return QRectF(10, 20, 30, 40); });
+        auto owner = std::make_unique<MachinePanel>();
+        MachinePanel *panel = owner.get();
         panel->setJobFile(dir.file("job.gcode"));
-        QVERIFY(connectPanel(panel.get(), fw));
-        QCOMPARE(child<QLabel>(panel.get(), "linkLabel")->text(), kind == FirmwareStandIn::Grbl ? "Connected to fwA (GRBL)" : "Connected to fwA (Marlin)");
-        QVERIFY(!child(panel.get(), "connectButton")->isEnabled() && !child<QLineEdit>(panel.get(), "pathEdit")->isEnabled());
-        shot(panel.get(), "connected");
+        QVERIFY(connectPanel(panel, fw));
+        QCOMPARE(child<QLabel>(panel, "linkLabel")->text(),
+                 grbl ? "Connected to fwA (GRBL)" : "Connected to fwA (Marlin)");
+        QVERIFY(!child(panel, "connectButton")->isEnabled() && !child<QLineEdit>(panel, "pathEdit")->isEnabled());
 
-        auto sentSince = [&fw](int mark) { return fw.lines.mid(mark); };
         int mark = fw.lines.size();
-        child<QRadioButton>(panel.get(), "step10Radio")->setChecked(true);
-        click(panel.get(), "xMinusButton");
-        QTRY_COMPARE(sentSince(mark), jog);
+        child<QRadioButton>(panel, "step10Radio")->setChecked(true);
+        click(panel, "xMinusButton");
+        QTRY_COMPARE(fw.lines.mid(mark), jog);
+        mark = fw.lines.size();
+        click(panel, "frameButton");
+        QTRY_COMPARE(fw.lines.mid(mark), frame);
+        mark = fw.lines.size();
+        child<QLineEdit>(panel, "commandEdit")->setText("G0 X1");
+        QTest::keyClick(child<QLineEdit>(panel, "commandEdit"), Qt::Key_Return);
+        QTRY_COMPARE(fw.lines.mid(mark), Lines{"G0 X1"});
 
         mark = fw.lines.size();
-        click(panel.get(), "frameButton");
-        QTRY_COMPARE(sentSince(mark), frame);
-        shot(panel.get(), "framing");
-
-        mark = fw.lines.size();
-        child<QLineEdit>(panel.get(), "commandEdit")->setText("G0 X1");
-        QTest::keyClick(child<QLineEdit>(panel.get(), "commandEdit"), Qt::Key_Return);
-        QTRY_COMPARE(sentSince(mark), QList<QByteArray>{"G0 X1"});
-
-        mark = fw.lines.size();
-        click(panel.get(), "runButton");
+        click(panel, "runButton");
         QTRY_COMPARE(panel->runner()->state(), JobRunner::FramePause);
-        QTRY_COMPARE(sentSince(mark), run);
-        QVERIFY(child<QLabel>(panel.get(), "jobMessageLabel")->text().contains("check the frame, then Resume"));
-        for (const char *name : {"xPlusButton", "homeButton", "frameButton", "runButton", "sendButton", "pauseButton", "disconnectButton"})
-            QCOMPARE(child(panel.get(), name)->isEnabled(), QByteArray(name) == "disconnectButton");
-        QVERIFY(child(panel.get(), "resumeButton")->isEnabled() && child(panel.get(), "stopButton")->isEnabled());
-        click(panel.get(), "resumeButton");
+        QTRY_COMPARE(fw.lines.mid(mark), run);
+        QVERIFY(child<QLabel>(panel, "jobMessageLabel")->text().contains("check the frame, then Resume"));
+        for (const char *name : {"xPlusButton", "homeButton", "frameButton", "runButton", "sendButton", "pauseButton",
+                                  "disconnectButton"})
+            QCOMPARE(child(panel, name)->isEnabled(), QByteArray(name) == "disconnectButton");
+        QVERIFY(child(panel, "resumeButton")->isEnabled() && child(panel, "stopButton")->isEnabled());
+        click(panel, "resumeButton");
         QTRY_COMPARE(panel->runner()->state(), JobRunner::Done);
-        QCOMPARE(child<QProgressBar>(panel.get(), "progressBar")->value(), 100);
-        QVERIFY(child(panel.get(), "xPlusButton")->isEnabled());
-        QCOMPARE(fw.lines.last(), QByteArray(kind == FirmwareStandIn::Grbl ? "G0 X0 Y0" : "G28"));
+        QCOMPARE(child<QProgressBar>(panel, "progressBar")->value(), 100);
+        QVERIFY(child(panel, "xPlusButton")->isEnabled());
+        QCOMPARE(fw.lines.last(), QByteArray(grbl ? "G0 X0 Y0" : "G28"));
 
         // Closing the program in the middle of a job stops the machine and the beam.
         fw.ackDelayMs = 200;
-        QFile slow(dir.file("slow.gcode"));
-        QVERIFY(slow.open(QIODevice::WriteOnly));
+        QByteArray slow;
         for (int i = 0; i < 200; ++i)
-            slow.write("M106 S255\nG1 X" + QByteArray::number(i) + "\n");
-        slow.close();
-        child<QLineEdit>(panel.get(), "jobEdit")->setText(slow.fileName());
-        click(panel.get(), "runButton");
+            slow += "M106 S255\nG1 X" + QByteArray::number(i) + "\n";
+        writeFile(dir.file("slow.gcode"), slow);
+        child<QLineEdit>(panel, "jobEdit")->setText(dir.file("slow.gcode"));
+        click(panel, "runButton");
         QTRY_VERIFY(panel->runner()->acknowledged() > 2);
-        panel.reset();
-        QTRY_VERIFY(fw.wire.replace("?", "").endsWith(kind == FirmwareStandIn::Grbl ? QByteArray("\x18") : QByteArray("M410\nM107\n")));
+        owner.reset();
+        QTRY_VERIFY(fw.wire.replace("?", "").endsWith(grbl ? QByteArray("\x18") : QByteArray("M410\nM107\n")));
     }
 
     // What the user sees on the way: a job about 40% through, paused, and an error (English, then Chinese).
@@ -150,7 +143,8 @@ private slots:
         QTest::addColumn<QString>("language");
         QTest::addColumn<QString>("paused");
         QTest::addColumn<QString>("error");
-        QTest::newRow("en") << "en" << "Paused" << "Line 31: error:20 (Unsupported command.) The job was stopped and the beam turned off.";
+        QTest::newRow("en") << "en" << "Paused"
+                            << "Line 31: error:20 (Unsupported command.) The job was stopped and the beam turned off.";
         QTest::newRow("zh") << "zh" << "已暂停" << "第 31 行：error:20 (Unsupported command.) 作业已停止，光束已关闭。";
     }
     void pausedAndError()
@@ -160,34 +154,27 @@ private slots:
         QVERIFY(translator.load(":/bin_" + language + ".qm"));
         qApp->installTranslator(&translator);
         ScopedWorkDir dir;
-        QFile file(dir.file("job.gcode"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        QByteArray job;
         for (int i = 0; i < 50; ++i)
-            file.write("G1 X" + QByteArray::number(i) + " Y2 F1200\n");
-        file.close();
+            job += "G1 X" + QByteArray::number(i) + " Y2 F1200\n";
+        writeFile(dir.file("job.gcode"), job);
         FirmwareStandIn fw(FirmwareStandIn::Grbl, dir.path());
         fw.ackDelayMs = 40;
         fw.errorAtLine = 31;
         MachinePanel panel;
-        panel.resize(360, 760);
-        panel.setFrameSource([] { return QRectF(10, 20, 30, 40); });
         QVERIFY(connectPanel(&panel, fw));
-        shot(&panel, "connected_" + language);
         click(&panel, "frameButton");
         QTRY_VERIFY(fw.lines.size() > 6 && panel.link()->unansweredLines() == 0);
-        shot(&panel, "framing_" + language);
         fw.jobLines = 0;   // the error comes on line 31 of the job itself
-        child<QLineEdit>(&panel, "jobEdit")->setText(file.fileName());
+        child<QLineEdit>(&panel, "jobEdit")->setText(dir.file("job.gcode"));
         click(&panel, "runButton");
         QTRY_VERIFY(panel.runner()->acknowledged() >= 20);
         click(&panel, "pauseButton");
         QTRY_COMPARE(child<QLabel>(&panel, "jobMessageLabel")->text(), paused);
         QTest::qWait(300);
-        shot(&panel, "job40_paused_" + language);
         click(&panel, "resumeButton");
         QTRY_COMPARE_WITH_TIMEOUT(panel.runner()->state(), JobRunner::Failed, 10000);
         QCOMPARE(child<QLabel>(&panel, "jobMessageLabel")->text(), error);
-        shot(&panel, "error_" + language);
         qApp->removeTranslator(&translator);
     }
 
@@ -196,24 +183,19 @@ private slots:
     void inTheMainWindow()
     {
         ScopedWorkDir dir;
-        QFile config(dir.file("Config.ini"));
-        QVERIFY(config.open(QIODevice::WriteOnly) && config.write("[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n") > 0);
-        config.close();
+        writeFile(dir.file("Config.ini"), "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
         QTemporaryDir elsewhere;   // removing a picture clears every *.svg of the working folder
-        QFile svg(elsewhere.filePath("drawing.svg"));
-        QVERIFY(svg.open(QIODevice::WriteOnly));
-        svg.write("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"23mm\" height=\"17mm\" viewBox=\"0 0 23 17\">"
+        writeFile(elsewhere.filePath("drawing.svg"),
+                  "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"23mm\" height=\"17mm\" viewBox=\"0 0 23 17\">"
                   "<path d=\"M2 2 L21 2 L21 15 L2 15 Z\" fill=\"none\" stroke=\"black\"/></svg>\n");
-        svg.close();
         Draw w;
         w.findChild<QRadioButton *>("radioButtonOut")->setChecked(true);
-        QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, svg.fileName()));
+        QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, elsewhere.filePath("drawing.svg")));
         QImage canvas(400, 400, QImage::Format_ARGB32);   // the canvas learns where items stand when painted
         QPainter painter(&canvas);
         w.renderForm()->scene()->render(&painter);
-        const QString target = dir.file("job.gcode");
-        w.startSaveGcode(target, w.renderForm()->CurrentItemPos());
-        QFile job(target);
+        w.startSaveGcode(dir.file("job.gcode"), w.renderForm()->CurrentItemPos());
+        QFile job(dir.file("job.gcode"));
         QVERIFY(job.open(QIODevice::ReadOnly));
         QSet<QByteArray> exportedCorners;   // the job's own frame, before its pause
         for (QByteArray line; !(line = job.readLine()).startsWith("M0");)
@@ -222,7 +204,7 @@ private slots:
         QCOMPARE(exportedCorners.size(), 4);
 
         MachinePanel *panel = w.machinePanel();
-        QVERIFY(child<QLineEdit>(panel, "jobEdit")->placeholderText() == "job.gcode");
+        QCOMPARE(child<QLineEdit>(panel, "jobEdit")->placeholderText(), QString("job.gcode"));
         w.findChild<QPushButton *>("btnMachinePanel")->click();
         QVERIFY(panel->isVisible() && panel->isWindow());
 
@@ -240,7 +222,8 @@ private slots:
         QCOMPARE(child<QLabel>(panel, "jobMessageLabel")->text(), "The port panel above holds " + fw.pty.endA() + ".");
         QVERIFY(!child(panel, "releaseButton")->isHidden());
         click(panel, "releaseButton");
-        QTRY_VERIFY2_WITH_TIMEOUT(panel->link()->isOpen(), qPrintable(child<QLabel>(panel, "jobMessageLabel")->text()), 5000);
+        QTRY_VERIFY2_WITH_TIMEOUT(panel->link()->isOpen(), qPrintable(child<QLabel>(panel, "jobMessageLabel")->text()),
+                                  5000);
         fw.banner();
         QTRY_COMPARE(panel->link()->state(), MachineLink::Ready);
 
