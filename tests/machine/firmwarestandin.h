@@ -31,8 +31,7 @@ public:
     int resendAtNumber = 0;       // Marlin: ask once for this line number again
     int busyAtLine = 0;           // Marlin: answer "echo:busy" three times before this job line's ok
     bool silent = false;          // answers nothing at all
-    bool held = false;
-    bool overflowed = false;
+    bool held = false, overflowed = false;
     int maxBuffered = 0;          // GRBL: most bytes waiting in its receive buffer
     int jobLines = 0;
 
@@ -61,17 +60,9 @@ public:
                 QTest::qWait(1);
         }
     }
-    void unplug()
-    {
-        delete m_notifier;
-        m_notifier = nullptr;
-        pty.stop();
-    }
-    QByteArray jobWire() const   // what came after the link's own set-up
-    {
-        const int at = wire.indexOf("G90\n");
-        return at < 0 ? QByteArray() : wire.mid(at);
-    }
+    void unplug() { delete m_notifier; m_notifier = nullptr; pty.stop(); }
+    // What came after the link's own set-up.
+    QByteArray jobWire() const { return wire.contains("G90\n") ? wire.mid(wire.indexOf("G90\n")) : QByteArray(); }
 
 private:
     QSocketNotifier *m_notifier = nullptr;
@@ -97,18 +88,16 @@ private:
             realtime(c);
             return;
         }
+        if (kind == Grbl && ++m_buffered > GrblBuffer)   // the line end takes its byte too
+            overflowed = true;
+        maxBuffered = qMax(maxBuffered, m_buffered);
         if (c != '\n') {
             m_partial.append(c);
-            if (kind == Grbl && ++m_buffered > GrblBuffer)
-                overflowed = true;
-            maxBuffered = qMax(maxBuffered, m_buffered);
             return;
         }
         const QByteArray line = m_partial.trimmed();
         m_partial.clear();
         if (kind == Grbl) {
-            ++m_buffered;
-            maxBuffered = qMax(maxBuffered, m_buffered);
             lines << line;
             m_buffer.push_back(line);
             if (!m_tick.isActive() && !held)
