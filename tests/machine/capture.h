@@ -21,8 +21,8 @@ inline QStringList args(const QSignalSpy &spy)
 // Debug lines written by the test's own thread while it lives.
 struct MessageCapture {
     static QStringList &lines() { static QStringList l; return l; }
-    MessageCapture() { lines().clear(); m_old = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &s) {
-        if (QThread::currentThread() == qApp->thread()) lines().append(s); }); }
+    MessageCapture() : m_old(qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &s) {
+        if (QThread::currentThread() == qApp->thread()) lines().append(s); })) { lines().clear(); }
     ~MessageCapture() { qInstallMessageHandler(m_old); }
     QStringList starting(const QString &prefix) const { return lines().filter(QRegExp("^" + QRegExp::escape(prefix))); }
     QtMessageHandler m_old;

@@ -168,14 +168,16 @@ private:
             for (int i = 0; i < star; ++i)
                 sum ^= static_cast<unsigned char>(line[i]);
             if (star < 0 || line.mid(star + 1).toInt() != sum) {
-                say("Error:checksum mismatch, Last Line: " + QByteArray::number(number - 1) + "\nResend: " + QByteArray::number(number) + "\nok\n");
+                say("Error:checksum mismatch, Last Line: " + QByteArray::number(number - 1)
+                    + "\nResend: " + QByteArray::number(number) + "\nok\n");
                 return;
             }
             line = line.mid(blank + 1, star - blank - 1);
         }
         if (number > 0 && number == resendAtNumber) {
             resendAtNumber = 0;
-            say("Error:Line Number is not Last Line Number+1, Last Line: " + QByteArray::number(number - 1) + "\nResend: " + QByteArray::number(number) + "\nok\n");
+            say("Error:Line Number is not Last Line Number+1, Last Line: " + QByteArray::number(number - 1)
+                + "\nResend: " + QByteArray::number(number) + "\nok\n");
             return;
         }
         lines << line;

@@ -15,7 +15,8 @@ struct PtyPair {
     QProcess socat;
     int fd = -1;   // the test's end
 
-    PtyPair(const QString &dir, const QString &tag) : a(QDir(dir).filePath(tag + "A")), b(QDir(dir).filePath(tag + "B")) {}
+    PtyPair(const QString &dir, const QString &tag)
+        : a(QDir(dir).filePath(tag + "A")), b(QDir(dir).filePath(tag + "B")) {}
     ~PtyPair() { stop(); }
     QString endA() const { return a; }
 

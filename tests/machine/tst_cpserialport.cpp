@@ -24,6 +24,13 @@ struct Rig {
     CPSerialPort panel;
     QComboBox *combo = panel.findChild<QComboBox *>("portCombo");
     QPushButton *button = panel.findChild<QPushButton *>("btnConnect");
+    QStringList listed() const
+    {
+        QStringList l;
+        for (int i = 0; i < combo->count(); ++i)
+            l << combo->itemText(i);
+        return l;
+    }
     bool start()
     {
         panel.SlotRestBox({pty.endA()});
@@ -69,7 +76,8 @@ private slots:
     {
         Rig rig;
         QVERIFY(rig.start());
-        QSignalSpy connects(&rig.panel, &CPSerialPort::Sig_connect), disconnects(&rig.panel, &CPSerialPort::Sig_disconnect);
+        QSignalSpy connects(&rig.panel, &CPSerialPort::Sig_connect);
+        QSignalSpy disconnects(&rig.panel, &CPSerialPort::Sig_disconnect);
         ModalCloser closer;
         rig.button->click();  // 1: opens
         rig.panel.retranslateUi();
@@ -97,8 +105,7 @@ private slots:
             if (QSerialPort(info).open(QIODevice::ReadWrite))
                 expected << info.portName();
         Rig rig;
-        const auto listed = [&] { QStringList l; for (int i = 0; i < rig.combo->count(); ++i) l << rig.combo->itemText(i); return l; };
-        QCOMPARE(listed(), expected);  // the first list is in before the worker's thread runs
+        QCOMPARE(rig.listed(), expected);  // the first list is in before the worker's thread runs
         QVERIFY(rig.start());
         QSerialPort held(expected.value(0));  // a port open elsewhere is left out, until it is closed
         QVERIFY(expected.isEmpty() || held.open(QIODevice::ReadWrite));
@@ -106,7 +113,7 @@ private slots:
             rig.panel.findChild<QPushButton *>("updateUart")->click();
             QCOMPARE(rig.combo->count(), 0);
             QVERIFY(rig.drainWorker());
-            QCOMPARE(listed(), now);
+            QCOMPARE(rig.listed(), now);
             held.close();
         }
     }

@@ -12,16 +12,19 @@ private slots:
     {
         QTest::addColumn<QRectF>("rect");
         QTest::addColumn<QStringList>("xy");  // x1, y1, x2, y2 as written
-        QTest::newRow("rectangle 100 200 300 400") << QRectF(100, 200, 300, 400) << QStringList{"10", "20", "40", "60"};
-        QTest::newRow("fractions") << QRectF(15, 25, 7, 3) << QStringList{"1.5", "2.5", "2.2", "2.8"};
-        QTest::newRow("six significant digits") << QRectF(1234567, 10000000, 5, 0) << QStringList{"123457", "1e+06", "123457", "1e+06"};
+        using L = QStringList;
+        QTest::newRow("rectangle 100 200 300 400") << QRectF(100, 200, 300, 400) << L{"10", "20", "40", "60"};
+        QTest::newRow("fractions") << QRectF(15, 25, 7, 3) << L{"1.5", "2.5", "2.2", "2.8"};
+        QTest::newRow("six significant digits") << QRectF(1234567, 10000000, 5, 0)
+                                                << L{"123457", "1e+06", "123457", "1e+06"};
     }
     void frame()
     {
         QFETCH(QRectF, rect); QFETCH(QStringList, xy);
-        const QStringList trace{"G0 X" + xy[0] + " Y" + xy[1] + " F3000\n", "M4 P30 \n", "G1 X" + xy[2] + " Y" + xy[1] + " F3000 \n",
-                                "G1 X" + xy[2] + " Y" + xy[3] + " \n", "G1 X" + xy[0] + " Y" + xy[3] + " \n", "G1 X" + xy[0] + " Y" + xy[1] + " \n"};
-        const QStringList one = QStringList{"G90 \n", "M4 P0 \n"} + trace + trace + QStringList{"M4 P0 \n", "G1 F2000 X0 Y0 \n"};
+        const auto at = [&xy](int x, int y) { return "X" + xy[x] + " Y" + xy[y]; };
+        const QStringList trace{"G0 " + at(0, 1) + " F3000\n", "M4 P30 \n", "G1 " + at(2, 1) + " F3000 \n",
+                                "G1 " + at(2, 3) + " \n", "G1 " + at(0, 3) + " \n", "G1 " + at(0, 1) + " \n"};
+        const QStringList one = QStringList{"G90 \n", "M4 P0 \n"} + trace + trace << "M4 P0 \n" << "G1 F2000 X0 Y0 \n";
         FrontEnd front;
         QSignalSpy sent(&front, &FrontEnd::Sig_toarduino);
         front.GenBounding(rect);
@@ -38,13 +41,14 @@ private slots:
         QTest::addColumn<QStringList>("sent");
         QTest::addColumn<int>("state");
         QTest::addColumn<bool>("finished");
-        QTest::newRow("print when idle") << QStringList{"job.gcode"} << QStringList{"G90"} << 0 << false;
-        QTest::newRow("print refused while stopped") << QStringList{"stop", "job.gcode"} << QStringList{"M107"} << 2 << true;
-        QTest::newRow("print refused after resume") << QStringList{"recov", "job.gcode"} << QStringList{"1"} << 1 << false;
-        QTest::newRow("cancel allows a print again") << QStringList{"stop", "cancel", "job.gcode"}
-                                                     << QStringList{"M107", "M107", "G28 X Y", "G90"} << 0 << false;
-        QTest::newRow("missing file still sends G90") << QStringList{"missing.gcode"} << QStringList{"G90"} << 0 << false;
-        QTest::newRow("typed line unchanged") << QStringList{"ui"} << QStringList{"G1 X5 F2000"} << 0 << true;
+        using L = QStringList;
+        QTest::newRow("print when idle") << L{"job.gcode"} << L{"G90"} << 0 << false;
+        QTest::newRow("print refused while stopped") << L{"stop", "job.gcode"} << L{"M107"} << 2 << true;
+        QTest::newRow("print refused after resume") << L{"recov", "job.gcode"} << L{"1"} << 1 << false;
+        QTest::newRow("cancel allows a print again") << L{"stop", "cancel", "job.gcode"}
+                                                     << L{"M107", "M107", "G28 X Y", "G90"} << 0 << false;
+        QTest::newRow("missing file still sends G90") << L{"missing.gcode"} << L{"G90"} << 0 << false;
+        QTest::newRow("typed line unchanged") << L{"ui"} << L{"G1 X5 F2000"} << 0 << true;
     }
     void jobStates()
     {

@@ -27,32 +27,33 @@ private slots:
         QTest::addColumn<QStringList>("debug");  // layer, time and open-failure lines
         QTest::addColumn<QStringList>("commands");
         const QRectF none(99999, 99999, -199998, -199998);
-        QTest::newRow("four lines") << QByteArray("G90\nG0 X10 Y20\nG1 X30 Y5 S255\n;end\n") << 3 << QRectF(10, 5, 20, 15)
-                                    << QStringList() << QStringList{"G90\n", "G0 X10 Y20\n", "G1 X30 Y5 S255\n", "end"};
-        QTest::newRow("negative, feed-first and lower-case moves ignored")
-            << QByteArray("G1 X-5 Y3\nG1 F2000 X0 Y0\ng1 X9 Y9\n G1 X2.5 Y4\nG0 sd X6Y1\nG1 X Y8\n") << 4
-            << QRectF(0, 1, 6, 7) << QStringList() << QStringList{"G1 X-5 Y3\n"};
-        QTest::newRow("trailing comment kept up to the last ;, last line dropped")
-            << QByteArray("G1 X1 Y2 ; move\nG1 X1;a ;b\nG1 X3 Y4\n") << 3 << QRectF(1, 2, 2, 2) << QStringList()
-            << QStringList{"G1 X1 Y2 \n", "G1 X1;a \n", "end"};
-        QTest::newRow("comments, empty lines and heater waits skipped")
-            << QByteArray(";head\n\nM109 S200\nG0 X1 Y1\nG4 M109\n\nG91\nG90") << 4 << QRectF(1, 1, 0, 0) << QStringList()
-            << QStringList{"G0 X1 Y1\n", "G91\n", "end"};
-        QTest::newRow("crlf; skipping into the end repeats the previous command")
-            << QByteArray("M3 S100\r\n\r\n;c\r\nG90") << 1 << none << QStringList() << QStringList{"M3 S100\n", "M3 S100\n", "end"};
-        QTest::newRow("a number too large for a float reads as 0")
-            << QByteArray("G1 X3" + QByteArray(60, '0') + " Y5\nG1 X2 Y1" + QByteArray(60, '0') + "\n") << 2
-            << QRectF(0, 0, 2, 5) << QStringList() << QStringList{"G1 X3" + QString(60, '0') + " Y5\n", "end"};
-        QTest::newRow("blank-only line handed out") << QByteArray("   \nG90\n") << 1 << none << QStringList() << QStringList{"   \n", "end"};
-        QTest::newRow("layer count anywhere, time not at line start")
-            << QByteArray(";Layer count: 12\n;TIME: 300\nM1 ;TIME:42\n;LAYER: 3\n") << 0 << none
-            << QStringList{"total layers is : 12", "total time is : 42"} << QStringList{"M1 \n", "end"};
-        QTest::newRow("unopenable file") << QByteArray() << 0 << none
-                                         << QStringList{"Can't open the g-code file! missing.gcode"} << QStringList{"end", "end"};
+        auto row = [](const char *name, const QByteArray &content, int count, const QRectF &bounds,
+                      const QStringList &commands, const QStringList &debug = {}) {
+            QTest::newRow(name) << content << count << bounds << debug << commands;
+        };
+        row("four lines", "G90\nG0 X10 Y20\nG1 X30 Y5 S255\n;end\n", 3, {10, 5, 20, 15},
+            {"G90\n", "G0 X10 Y20\n", "G1 X30 Y5 S255\n", "end"});
+        row("negative, feed-first and lower-case moves ignored",
+            "G1 X-5 Y3\nG1 F2000 X0 Y0\ng1 X9 Y9\n G1 X2.5 Y4\nG0 sd X6Y1\nG1 X Y8\n", 4, {0, 1, 6, 7},
+            {"G1 X-5 Y3\n"});
+        row("trailing comment kept up to the last ;, last line dropped", "G1 X1 Y2 ; move\nG1 X1;a ;b\nG1 X3 Y4\n", 3,
+            {1, 2, 2, 2}, {"G1 X1 Y2 \n", "G1 X1;a \n", "end"});
+        row("comments, empty lines and heater waits skipped", ";head\n\nM109 S200\nG0 X1 Y1\nG4 M109\n\nG91\nG90", 4,
+            {1, 1, 0, 0}, {"G0 X1 Y1\n", "G91\n", "end"});
+        row("crlf; skipping into the end repeats the previous command", "M3 S100\r\n\r\n;c\r\nG90", 1, none,
+            {"M3 S100\n", "M3 S100\n", "end"});
+        const QByteArray zeros(60, '0');
+        row("a number too large for a float reads as 0", "G1 X3" + zeros + " Y5\nG1 X2 Y1" + zeros + "\n", 2,
+            {0, 0, 2, 5}, {"G1 X3" + QString(zeros) + " Y5\n", "end"});
+        row("blank-only line handed out", "   \nG90\n", 1, none, {"   \n", "end"});
+        row("layer count anywhere, time not at line start", ";Layer count: 12\n;TIME: 300\nM1 ;TIME:42\n;LAYER: 3\n", 0,
+            none, {"M1 \n", "end"}, {"total layers is : 12", "total time is : 42"});
+        row("unopenable file", QByteArray(), 0, none, {"end", "end"}, {"Can't open the g-code file! missing.gcode"});
     }
     void read()
     {
-        QFETCH(QByteArray, content); QFETCH(int, count); QFETCH(QRectF, bounds); QFETCH(QStringList, debug); QFETCH(QStringList, commands);
+        QFETCH(QByteArray, content); QFETCH(int, count); QFETCH(QRectF, bounds);
+        QFETCH(QStringList, debug); QFETCH(QStringList, commands);
         ScopedWorkDir dir;
         GSendModel model;
         model.OpenFile(writeJob(dir, "G0 X50 Y50\nG90\n"));  // a new file starts from its first line
@@ -83,9 +84,11 @@ private slots:
         const QList<QByteArray> letters = {"", "", "w", "ds", "s ", "wx", " d"};
         const QList<QByteArray> spaces = {"", "", " ", "  "};
         const QList<QByteArray> numbers = {"", "0", "7", "00.5", "12.5", "3.", ".25", "170.0", "1.2.3", "-4", "1e5",
-                                           "123456789012345", "1.23456789012345", "1234567890123456.5", "9.99999999", "0.1000000000000001"};
+                                           "123456789012345", "1.23456789012345", "1234567890123456.5", "9.99999999",
+                                           "0.1000000000000001"};
         const QList<QByteArray> tails = {"", "", " S255", " ;c", "Y2", " G1 X5 Y6", "\r"};
-        QRegExp g1("G1 [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)"), g0("G0 [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)");
+        const QString xy = " [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)";
+        QRegExp g1("G1" + xy), g0("G0" + xy);
         QRandomGenerator random(11);
         auto pick = [&random](const QList<QByteArray> &list) { return list[random.bounded(list.size())]; };
         ScopedWorkDir dir;
@@ -98,7 +101,8 @@ private slots:
             QRectF expected(99999, 99999, -199998, -199998);
             const QString text = QString::fromLatin1(line).remove('\r');
             QRegExp *move = g1.indexIn(text) != -1 ? &g1 : g0.indexIn(text) != -1 ? &g0 : nullptr;
-            if (move) {  // one point against the start values: a low one moves only the corner, a high one only the size
+            // One point against the start values: a low one moves only the corner, a high one only the size.
+            if (move) {
                 const float x = move->cap(1).toFloat(), y = move->cap(2).toFloat();
                 const float left = std::min(x, 99999.0f), top = std::min(y, 99999.0f);
                 expected = QRectF(left, top, std::max(x, -99999.0f) - left, std::max(y, -99999.0f) - top);

@@ -23,7 +23,10 @@ struct Worker : QObject {
         thread.start();
     }
     ~Worker() override { thread.quit(); thread.wait(5000); }
-    void call(const char *slot, const QString &arg) { QMetaObject::invokeMethod(port, slot, Qt::QueuedConnection, Q_ARG(QString, arg)); }
+    void call(const char *slot, const QString &arg)
+    {
+        QMetaObject::invokeMethod(port, slot, Qt::QueuedConnection, Q_ARG(QString, arg));
+    }
     // Asks for a list; once it is back, everything queued before it has run.
     bool sync()
     {
@@ -46,13 +49,16 @@ private slots:
         QTest::addColumn<QList<bool>>("opens");
         QTest::addColumn<QByteArray>("onA");
         QTest::addColumn<QByteArray>("onB");
+        using L = QStringList;
+        using Opens = QList<bool>;
         QTest::newRow("exact bytes; same name twice opens then closes")
-            << QStringList{"A", "A"} << QStringList{"G28", "m1"} << QList<bool>{true, false} << QByteArray("G28") << QByteArray();
+            << L{"A", "A"} << L{"G28", "m1"} << Opens{true, false} << QByteArray("G28") << QByteArray();
         QTest::newRow("latin-1 kept, others become ?; other name while open only closes, next call opens it")
-            << QStringList{"A", "B", "B"} << QStringList{QString::fromUtf8("G92 X0 \n\xC3\xA9\xE4\xB8\xAD"), "m1", "m2"}
-            << QList<bool>{true, false, true} << QByteArray("G92 X0 \n\xE9?") << QByteArray("m2");
+            << L{"A", "B", "B"} << L{QString::fromUtf8("G92 X0 \n\xC3\xA9\xE4\xB8\xAD"), "m1", "m2"}
+            << Opens{true, false, true} << QByteArray("G92 X0 \n\xE9?") << QByteArray("m2");
         QTest::newRow("failed opens stay closed")
-            << QStringList{"", "none", "A"} << QStringList{"m0", "m1", "m2"} << QList<bool>{false, false, true} << QByteArray("m2") << QByteArray();
+            << L{"", "none", "A"} << L{"m0", "m1", "m2"} << Opens{false, false, true}
+            << QByteArray("m2") << QByteArray();
     }
     void toggleAndWrite()
     {
