@@ -143,7 +143,7 @@ private:
         } else if (line.startsWith("$X")) {
             say("[MSG:Caution: Unlocked]\r\nok\r\n");
         } else {
-            if (line != "G90" && !line.startsWith('$') && jobLines >= 0)
+            if (line != "G90" && !line.startsWith('$'))
                 ++jobLines;
             if (alarmAtLine && jobLines == alarmAtLine) {
                 m_buffer.clear();
