@@ -34,6 +34,7 @@ public:
     bool held = false, overflowed = false;
     int maxBuffered = 0;          // GRBL: most bytes waiting in its receive buffer
     int jobLines = 0;
+    int grblMaxPower = 1000;      // GRBL: the $30 setting it reports
 
     FirmwareStandIn(Kind k, const QString &dir, const QString &tag = "fw") : kind(k), pty(dir, tag) {}
 
@@ -139,7 +140,7 @@ private:
         if (overflowed) {
             say("error:overflow\r\n");
         } else if (line == "$$") {
-            say("$0=10\r\n$30=1000\r\n$32=1\r\nok\r\n");
+            say("$0=10\r\n$30=" + QByteArray::number(grblMaxPower) + "\r\n$32=1\r\nok\r\n");
         } else if (line.startsWith("$X")) {
             say("[MSG:Caution: Unlocked]\r\nok\r\n");
         } else {

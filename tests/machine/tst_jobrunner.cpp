@@ -136,18 +136,21 @@ private slots:
     {
         QTest::addColumn<int>("ackDelayMs");
         QTest::addColumn<bool>("framePause");
-        QTest::newRow("answers at once") << 0 << false;
-        QTest::newRow("answers late") << 3 << false;
-        QTest::newRow("frame pause") << 0 << true;
+        QTest::addColumn<int>("maxPower");   // the board's $30: full power goes out as M4 S<$30>
+        QTest::newRow("answers at once") << 0 << false << 1000;
+        QTest::newRow("answers late") << 3 << false << 1000;
+        QTest::newRow("frame pause") << 0 << true << 1000;
+        QTest::newRow("$30=500") << 0 << false << 500;
     }
     void grblStream()
     {
-        QFETCH(int, ackDelayMs); QFETCH(bool, framePause);
+        QFETCH(int, ackDelayMs); QFETCH(bool, framePause); QFETCH(int, maxPower);
         Rig r;
         r.fw.ackDelayMs = ackDelayMs;
+        r.fw.grblMaxPower = maxPower;
         QVERIFY(r.ready());
         QCOMPARE(r.link.firmware(), Firmware::Grbl);
-        QCOMPARE(r.link.grblMaxPower(), 1000);
+        QCOMPARE(r.link.grblMaxPower(), maxPower);
         r.runner.setPauseAtFrame(framePause);
         if (framePause)
             r.runner.setLaserOffText("M107 ");   // the machine settings' text, in GRBL's words
@@ -165,6 +168,8 @@ private slots:
         QByteArray expected = "G90\n" + job.grblWire;
         if (!framePause)
             expected.replace("M4 S20\nG1 X40 Y0\nM5\n", "M4 S20\nG1 X40 Y0\n");
+        expected.replace("M4 S1000\n", "M4 S" + QByteArray::number(maxPower) + "\n");
+        expected.replace("M4 S20\n", "M4 S" + QByteArray::number(qRound(5.0 * maxPower / 255)) + "\n");
         QCOMPARE(withoutPolls(r.fw.jobWire()), expected);
         QVERIFY(!r.fw.overflowed);
         QVERIFY(r.fw.maxBuffered <= MachineLink::GrblWindow);
