@@ -177,6 +177,18 @@ int truncatedToInt(float value)
     return int(value);
 }
 
+// The travel clock of an export starts at the picture's top-left corner on the machine.
+TravelClock clockAtCorner(const QPointF &offset, float *total)
+{
+    return TravelClock(float(offset.x()), float(WorkArea::machineY(offset.y())), total);
+}
+
+// Machine Y of picture row r: rows run down from the top of the work area.
+double rowMachineY(qint64 r, double scale, const QPointF &offset)
+{
+    return WorkArea::Height - r * scale - offset.y();
+}
+
 // Rows (and, for grayscale, columns) taken for a scale: lines never closer than the pitch.
 qint64 rowStride(double scale)
 {
@@ -377,11 +389,11 @@ void Bitmap2Gcode::ExportBlackPix(QImage image, QString savefile, double scale)
     std::vector<float> columnX(size_t(std::max(width, 0)));
     for (int c = 0; c < width; ++c)
         columnX[size_t(c)] = float(offset.x() + c * scale);
-    TravelClock clock(float(offset.x()), float(WorkArea::machineY(offset.y())), &m_estimatedTime);
+    TravelClock clock = clockAtCorner(offset, &m_estimatedTime);
 
     const qint64 stride = rowStride(scale);
     for (qint64 r = 0; r < height; r += stride) {
-        const double y = WorkArea::Height - r * scale - offset.y();
+        const double y = rowMachineY(r, scale, offset);
         const float rowY = float(y);
         out.setRow(y);
         const QRgb *line = reinterpret_cast<const QRgb *>(picture.constScanLine(int(r)));
@@ -469,10 +481,10 @@ void Bitmap2Gcode::exportGray(const QImage &image, const QString &savefile, doub
     const int closeAtEnd = out.addGroup({burnTo, laserOff, travelSpeed, {tr("G0 X%1 Y%2 Z%3\n "), xyz}});
     const int closeAtWhite = out.addGroup({burnTo, laserOff, travelSpeed, moveTo});
 
-    TravelClock clock(float(offset.x()), float(WorkArea::machineY(offset.y())), &m_estimatedTime);
+    TravelClock clock = clockAtCorner(offset, &m_estimatedTime);
     const qint64 stride = rowStride(scale);
     for (qint64 r = 0; r < height; r += stride) {
-        const double y = WorkArea::Height - r * scale - offset.y();
+        const double y = rowMachineY(r, scale, offset);
         const float rowY = float(y);
         out.setRow(y);
         const uchar *row = picture.row(r);
