@@ -85,11 +85,8 @@ Preview preview(const QString &file, bool draw)
 
 int main(int argc, char *argv[])
 {
-    preferOffscreen();
-    QApplication app(argc, argv);
-    qSetMessagePattern(QStringLiteral("%{if-warning}%{message}%{endif}"));
+    BenchApplication app(argc, argv);
     const ScratchGcode scratch;
-    const QString &file = scratch.file;
     QTextStream out(stdout);
 
     // Half the rows and then all of them: the preview's memory must not follow the file.
@@ -104,18 +101,18 @@ int main(int argc, char *argv[])
         for (int i = 0; i < Repeats; ++i) {
             QElapsedTimer timer;
             timer.start();
-            generator.ExportBlackPix(picture, file, 0.1);
+            generator.ExportBlackPix(picture, scratch.file, 0.1);
             exportTimes.push_back(timer.nsecsElapsed() / 1e9);
             exportEstimate = generator.TakeEstimatedTime();
         }
-        const qint64 bytes = QFileInfo(file).size();
+        const qint64 bytes = QFileInfo(scratch.file).size();
         ToolpathSummary summary;
         double peak = 0;
         for (int i = 0; i < Repeats; ++i) {
-            parseTimes.push_back(preview(file, false).seconds);
+            parseTimes.push_back(preview(scratch.file, false).seconds);
             resetPeak();
             const double before = peakMegabytes();
-            const Preview p = preview(file, true);
+            const Preview p = preview(scratch.file, true);
             peak = std::max(peak, peakMegabytes() - before);
             previewTimes.push_back(p.seconds);
             summary = p.summary;

@@ -98,11 +98,8 @@ void report(QTextStream &out, const QString &name, const Result &r)
 
 int main(int argc, char *argv[])
 {
-    preferOffscreen();
-    QApplication app(argc, argv);
-    qSetMessagePattern(QStringLiteral("%{if-warning}%{message}%{endif}"));
+    BenchApplication app(argc, argv);
     const ScratchGcode scratch;
-    const QString &file = scratch.file;
     QTextStream out(stdout);
     out << "Raster export, median of " << Repeats << " runs, output written to " << scratch.dir.path() << "\n";
 
@@ -123,11 +120,11 @@ int main(int argc, char *argv[])
         const int width = int(std::lround(AreaWidth / job.scale));
         const int height = int(std::lround(AreaHeight / job.scale));
         const QImage picture = job.text ? blackText(width, height) : ditheredGradient(width, height);
-        const Result fast = measure(picture, job.scale, file, false);
+        const Result fast = measure(picture, job.scale, scratch.file, false);
         report(out, job.name, fast);
         if (job.alsoPlain) {
             // The floor: the same bytes, already made, written to a file of their own.
-            QFile made(file);
+            QFile made(scratch.file);
             made.open(QIODevice::ReadOnly);
             const QByteArray bytes = made.readAll();
             made.close();
@@ -135,19 +132,19 @@ int main(int argc, char *argv[])
             for (int i = 0; i < Repeats; ++i) {
                 QElapsedTimer timer;
                 timer.start();
-                QFile copy(file + QStringLiteral(".copy"));
+                QFile copy(scratch.file + QStringLiteral(".copy"));
                 copy.open(QIODevice::WriteOnly | QIODevice::Truncate);
                 copy.write(bytes);
                 copy.close();
                 copies.push_back(timer.nsecsElapsed() / 1e9);
             }
             std::sort(copies.begin(), copies.end());
-            QFile::remove(file + QStringLiteral(".copy"));
+            QFile::remove(scratch.file + QStringLiteral(".copy"));
             out << QStringLiteral("  writing the same bytes from memory: %1 s, the export takes %2 times as long\n")
                        .arg(copies[copies.size() / 2], 0, 'f', 3)
                        .arg(fast.seconds / copies[copies.size() / 2], 0, 'f', 2);
             // The same job formatted line by line through QString::arg, for comparison.
-            const Result plain = measure(picture, job.scale, file, true);
+            const Result plain = measure(picture, job.scale, scratch.file, true);
             report(out, job.name + QStringLiteral(" plain"), plain);
             out << "  fast and plain output identical: " << (fast.digest == plain.digest ? "yes" : "NO") << "\n";
         }
@@ -155,6 +152,6 @@ int main(int argc, char *argv[])
 
     // For reference: the corrected grayscale export of the undithered gradient.
     const QImage photo = ditheredGradient(1700, 2000, false).convertToFormat(QImage::Format_Grayscale8);
-    report(out, QStringLiteral("(d) gray gradient 1700x2000 @ 0.1, corrected"), measure(photo, 0.1, file, false, true));
+    report(out, QStringLiteral("(d) gray gradient 1700x2000 @ 0.1, corrected"), measure(photo, 0.1, scratch.file, false, true));
     return 0;
 }

@@ -3,6 +3,7 @@
 #ifndef BENCHSUPPORT_H
 #define BENCHSUPPORT_H
 
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QFont>
 #include <QImage>
@@ -22,6 +23,18 @@ inline void preferOffscreen()
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 }
+
+// The application of an export benchmark: offscreen unless told otherwise, and only
+// warnings printed, since the generators log every step at debug level.
+class BenchApplication : public QApplication
+{
+public:
+    // The comma runs preferOffscreen() before QApplication reads the platform.
+    BenchApplication(int &argc, char **argv) : QApplication((preferOffscreen(), argc), argv)
+    {
+        qSetMessagePattern(QStringLiteral("%{if-warning}%{message}%{endif}"));
+    }
+};
 
 // A G-code file name in a temporary folder of its own, removed with it.
 struct ScratchGcode
