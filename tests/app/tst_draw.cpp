@@ -29,13 +29,6 @@ private:
         return found;
     }
 
-    static void writeConfig(const QByteArray &text)
-    {
-        QFile f("Config.ini");
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(text);
-    }
-
 private slots:
     void modeFromConfig_data()
     {
@@ -65,7 +58,7 @@ private slots:
         QFETCH(QString, storedAfter);
         ScopedWorkDir dir;
         if (!config.isEmpty())
-            writeConfig(config);
+            TestFiles::write("Config.ini", config);
         Draw w;
         QCOMPARE(child<QRadioButton>(w, "radioButtonLaser")->isChecked(), laser);
         QCOMPARE(child<QRadioButton>(w, "radioButtonCNC")->isChecked(), cnc);
@@ -96,7 +89,7 @@ private slots:
         QFETCH(QString, key);
         QFETCH(QString, text);
         ScopedWorkDir dir;
-        writeConfig("[Tarnwy]\n" + key.toLatin1() + "=old value\n");
+        TestFiles::write("Config.ini", "[Tarnwy]\n" + key.toLatin1() + "=old value\n");
         Draw w;
         QLineEdit *edit = w.findChild<QLineEdit *>(field);
         QVERIFY(edit);
@@ -165,7 +158,7 @@ private slots:
     void modeButtonsWriteMode()
     {
         ScopedWorkDir dir;
-        writeConfig("[Tarnwy]\nmode=laser\n");
+        TestFiles::write("Config.ini", "[Tarnwy]\nmode=laser\n");
         Draw w;
         QRadioButton *cnc = child<QRadioButton>(w, "radioButtonCNC");
         cnc->click();

@@ -21,14 +21,6 @@
 
 namespace {
 
-void writeFile(const QString &name, const QByteArray &bytes)
-{
-    QFile f(name);
-    if (!f.open(QIODevice::WriteOnly))
-        qFatal("cannot write %s", qPrintable(name));
-    f.write(bytes);
-}
-
 // Stands in for the window's dialogs: every file question gets `answer` (empty cancels)
 // and every notice is recorded. Make it after the window and let it go first.
 struct DialogAnswerer {
@@ -49,12 +41,6 @@ const char *const SquareSvg =
     "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" viewBox=\"0 0 20 20\">"
     "<path d=\"M2 2 L18 2 L18 18 L2 18 Z\" fill=\"none\" stroke=\"black\"/></svg>\n";
 
-QString readFileText(const QString &name)
-{
-    QFile f(name);
-    return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
-}
-
 // The canvas learns where its items stand when it paints them.
 void paintCanvas(Draw &w)
 {
@@ -68,7 +54,7 @@ void paintCanvas(Draw &w)
 void dropOutlineDrawing(Draw &w, const QTemporaryDir &elsewhere)
 {
     const QString drawing = elsewhere.filePath("drawing.svg");
-    writeFile(drawing, SquareSvg);
+    TestFiles::write(drawing, SquareSvg);
     w.findChild<QRadioButton *>("radioButtonOut")->setChecked(true);
     QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, drawing));
     paintCanvas(w);
@@ -108,7 +94,7 @@ private slots:
     void svgIsCopiedAndPlaced()
     {
         ScopedWorkDir dir;
-        writeFile("drawing.svg", SquareSvg);
+        TestFiles::write("drawing.svg", SquareSvg);
         Draw w;
         w.SlotPrint("drawing.svg");
         QFile copy("black_white.svg");
@@ -127,7 +113,7 @@ private slots:
         ScopedWorkDir dir;
         // Name patterns match regardless of letter case, so "E.JPG" goes too.
         for (const char *name : {"a.svg", "b.png", "c.jpg", "d.gcode", "keep.bmp", "Config.ini", "E.JPG", "f.jpeg"})
-            writeFile(name, "x");
+            TestFiles::write(name, "x");
         Draw w;
         w.on_btndelete_clicked();
         QStringList left = QDir().entryList(QDir::Files, QDir::Name);
@@ -205,8 +191,8 @@ private slots:
         QFETCH(int, boxes);
         QFETCH(QString, boxText);
         ScopedWorkDir dir;
-        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n" + config);
-        writeFile("drawing.svg", SquareSvg);
+        TestFiles::write("Config.ini", "[Tarnwy]\nmode=laser\n" + config);
+        TestFiles::write("drawing.svg", SquareSvg);
         Draw w;
         if (!picture.isEmpty())
             w.SlotPrint(picture);
@@ -255,16 +241,16 @@ private slots:
         QFETCH(QString, boxText);
         QFETCH(int, fileDialogs);
         ScopedWorkDir dir;
-        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
+        TestFiles::write("Config.ini", "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
         QTemporaryDir elsewhere;
-        writeFile(elsewhere.filePath(file), content);
+        TestFiles::write(elsewhere.filePath(file), content);
         Draw w;
         w.findChild<QRadioButton *>(style)->setChecked(true);
         QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, elsewhere.filePath(file)));
         if (file.endsWith(".png"))
             w.imageEditor()->on_btnFinish_clicked();   // Done on the editor's refusal
         paintCanvas(w);
-        writeFile("local.gcode", "G1 X1 Y1 ; stale\n");
+        TestFiles::write("local.gcode", "G1 X1 Y1 ; stale\n");
         const QString target = dir.file("job.gcode");
         DialogAnswerer answerer(w, target);
         w.on_btnExportGcode_clicked();
@@ -278,7 +264,7 @@ private slots:
     void fileChoices()
     {
         ScopedWorkDir dir;
-        writeFile("Config.ini", "[Tarnwy]\nmode=laser\npre_vector_path=/a/b\n");
+        TestFiles::write("Config.ini", "[Tarnwy]\nmode=laser\npre_vector_path=/a/b\n");
         QTemporaryDir elsewhere;
         auto remembered = [] {
             return QSettings("Config.ini", QSettings::IniFormat).value("Tarnwy/pre_vector_path").toString();
@@ -289,28 +275,28 @@ private slots:
         QCOMPARE(cancel.fileDialogs, 1);
         QCOMPARE(remembered(), QString("/a/b"));
 
-        writeFile(elsewhere.filePath("drawing.svg"), SquareSvg);
+        TestFiles::write(elsewhere.filePath("drawing.svg"), SquareSvg);
         DialogAnswerer pick(w, elsewhere.filePath("drawing.svg"));
         w.on_file_clicked();
         QCOMPARE(remembered(), elsewhere.path());
         paintCanvas(w);
         QVERIFY(w.renderForm()->CurrentItemPos().x() != PGraphicsScene::NoPosition.x());
 
-        writeFile(elsewhere.filePath("first.gcode"), "G21\n");
-        writeFile(elsewhere.filePath("second.gcode"), "G20\n");
+        TestFiles::write(elsewhere.filePath("first.gcode"), "G21\n");
+        TestFiles::write(elsewhere.filePath("second.gcode"), "G20\n");
         DialogAnswerer first(w, elsewhere.filePath("first.gcode"));
         w.on_btnLoadGcodeHead_clicked();
         w.on_btnLoadGcodeEnd_clicked();
         DialogAnswerer second(w, elsewhere.filePath("second.gcode"));
         w.on_btnLoadGcodeHead_clicked();
-        QCOMPARE(readFileText("start.gm"), QString("G21\n"));
-        QCOMPARE(readFileText("end.gm"), QString("G21\n"));
+        QCOMPARE(QString::fromUtf8(TestFiles::read("start.gm")), QString("G21\n"));
+        QCOMPARE(QString::fromUtf8(TestFiles::read("end.gm")), QString("G21\n"));
     }
 
     void cancelledSaveMovesFolderUp()
     {
         ScopedWorkDir dir;
-        writeFile("Config.ini", "[Tarnwy]\nmode=laser\npre_vector_path=/a/b/c\n");
+        TestFiles::write("Config.ini", "[Tarnwy]\nmode=laser\npre_vector_path=/a/b/c\n");
         QTemporaryDir elsewhere;
         Draw w;
         dropOutlineDrawing(w, elsewhere);
@@ -328,7 +314,7 @@ private slots:
     void outlineExportWritesTheFile()
     {
         ScopedWorkDir dir;
-        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
+        TestFiles::write("Config.ini", "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
         QTemporaryDir elsewhere;
         Draw w;
         dropOutlineDrawing(w, elsewhere);
@@ -357,7 +343,7 @@ private slots:
         QVERIFY(w.findChild<QTextBrowser *>("textBrowser")->toPlainText().contains("Estimated time:"));
 
         // Generating again over an existing, longer file replaces it whole.
-        writeFile(target, QByteArray(generated.size() * 2, 'x'));
+        TestFiles::write(target, QByteArray(generated.size() * 2, 'x'));
         w.startSaveGcode(target, QPointF(0, 0));
         QFile again(target);
         QVERIFY(again.open(QIODevice::ReadOnly));
@@ -383,8 +369,8 @@ private slots:
         QFETCH(bool, enabled);
         ScopedWorkDir dir;
         if (!language.isEmpty())
-            writeFile("Config.ini", "[Language]\nlanguage=" + language + "\n");
-        writeFile(file, "[{\"name\": \"Wood\", \"currentPower\": 40, \"currentSpeed\": 20,"
+            TestFiles::write("Config.ini", "[Language]\nlanguage=" + language + "\n");
+        TestFiles::write(file, "[{\"name\": \"Wood\", \"currentPower\": 40, \"currentSpeed\": 20,"
                         " \"initPower\": 50, \"initSpeed\": 25, \"thickness\": 3}]");
         Draw w;
         QComboBox *box = w.findChild<QComboBox *>("materialComboBox");
@@ -398,7 +384,7 @@ private slots:
         // The init button restores defaults in memory only.
         w.on_initButton_clicked();
         QCOMPARE(w.findChild<QSlider *>("powerHorizontalSlider")->value(), 50);
-        QVERIFY(readFileText(file).contains("40"));
+        QVERIFY(QString::fromUtf8(TestFiles::read(file)).contains("40"));
         // A name differing only in letter case is a new material.
         box->setEditText("wood");
         w.on_addMaterialButton_clicked();
@@ -414,13 +400,13 @@ private slots:
         w.on_deleteMaterialButton_clicked();
         QCOMPARE(box->count(), 1);
         QCOMPARE(box->itemText(0), QString("wood"));
-        QVERIFY(!readFileText(file).contains("\"Wood\""));
+        QVERIFY(!QString::fromUtf8(TestFiles::read(file)).contains("\"Wood\""));
     }
 
     void qrCodePicture()
     {
         ScopedWorkDir dir;
-        writeFile("Config.ini", "[Tarnwy]\nmode=cnc\n");
+        TestFiles::write("Config.ini", "[Tarnwy]\nmode=cnc\n");
         Draw w;
         w.findChild<QTextEdit *>("textEdit")->setPlainText("TarnwellLaser");
         w.on_TextToQRcodeButton_clicked();
@@ -468,7 +454,7 @@ private slots:
     void languageButtonsKeepLiveTexts()
     {
         ScopedWorkDir dir;
-        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n");
+        TestFiles::write("Config.ini", "[Tarnwy]\nmode=laser\n");
         QTemporaryDir elsewhere;
         Draw w;
         dropOutlineDrawing(w, elsewhere);

@@ -34,13 +34,6 @@ void click(QWidget *panel, const char *name)
     child(panel, name)->click();
 }
 
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
-
 using Lines = QList<QByteArray>;
 
 const QByteArray Job = "G1 F1800 \nG28 X0 Y0  ;move X/Y to min endstops \nM106 S5 \nG1 X40 Y0 \nM0 \n"
@@ -87,7 +80,7 @@ private slots:
         QFETCH(int, kind); QFETCH(Lines, jog); QFETCH(Lines, frame); QFETCH(Lines, run);
         const bool grbl = kind == FirmwareStandIn::Grbl;
         ScopedWorkDir dir;
-        writeFile(dir.file("job.gcode"), Job);
+        TestFiles::write(dir.file("job.gcode"), Job);
         FirmwareStandIn fw(FirmwareStandIn::Kind(kind), dir.path());
         auto owner = std::make_unique<MachinePanel>();
         MachinePanel *panel = owner.get();
@@ -129,7 +122,7 @@ private slots:
         QByteArray slow;
         for (int i = 0; i < 200; ++i)
             slow += "M106 S255\nG1 X" + QByteArray::number(i) + "\n";
-        writeFile(dir.file("slow.gcode"), slow);
+        TestFiles::write(dir.file("slow.gcode"), slow);
         child<QLineEdit>(panel, "jobEdit")->setText(dir.file("slow.gcode"));
         click(panel, "runButton");
         QTRY_VERIFY(panel->runner()->acknowledged() > 2);
@@ -157,7 +150,7 @@ private slots:
         QByteArray job;
         for (int i = 0; i < 50; ++i)
             job += "G1 X" + QByteArray::number(i) + " Y2 F1200\n";
-        writeFile(dir.file("job.gcode"), job);
+        TestFiles::write(dir.file("job.gcode"), job);
         FirmwareStandIn fw(FirmwareStandIn::Grbl, dir.path());
         fw.ackDelayMs = 40;
         fw.errorAtLine = 31;
@@ -183,9 +176,9 @@ private slots:
     void inTheMainWindow()
     {
         ScopedWorkDir dir;
-        writeFile(dir.file("Config.ini"), "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
+        TestFiles::write(dir.file("Config.ini"), "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
         QTemporaryDir elsewhere;   // removing a picture clears every *.svg of the working folder
-        writeFile(elsewhere.filePath("drawing.svg"),
+        TestFiles::write(elsewhere.filePath("drawing.svg"),
                   "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"23mm\" height=\"17mm\" viewBox=\"0 0 23 17\">"
                   "<path d=\"M2 2 L21 2 L21 15 L2 15 Z\" fill=\"none\" stroke=\"black\"/></svg>\n");
         Draw w;

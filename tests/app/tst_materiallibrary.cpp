@@ -5,12 +5,6 @@
 
 #include <QFile>
 
-static QByteArray readFile(const QString &name)
-{
-    QFile f(name);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
 static bool put(const QString &name, const QByteArray &bytes)
 {
     QFile f(name);
@@ -135,17 +129,17 @@ private slots:
         ScopedWorkDir dir;
         MaterialLibrary library;
         QVERIFY(library.save());
-        QCOMPARE(readFile(QStringLiteral("dataFile_zh.json")), QByteArray("[]\n"));
+        QCOMPARE(TestFiles::read(QStringLiteral("dataFile_zh.json")), QByteArray("[]\n"));
         QVERIFY(library.add(material(QStringLiteral("亚克力 \"黑\""), 80, 20.5f)));
         const QByteArray text("[\n    {\n        \"name\": \"亚克力 \\\"黑\\\"\",\n"
                               "        \"currentPower\": 80.0,\n        \"currentSpeed\": 20.5,\n"
                               "        \"initPower\": 81.0,\n        \"initSpeed\": 22.5,\n"
                               "        \"thickness\": 0.5\n    }\n]\n");
-        QCOMPARE(readFile(QStringLiteral("dataFile_zh.json")), text);
+        QCOMPARE(TestFiles::read(QStringLiteral("dataFile_zh.json")), text);
         library.find(QStringLiteral("亚克力 \"黑\""))->currentPower = 81;
-        QCOMPARE(readFile(QStringLiteral("dataFile_zh.json")), text);
+        QCOMPARE(TestFiles::read(QStringLiteral("dataFile_zh.json")), text);
         QVERIFY(library.save());
-        QCOMPARE(readFile(QStringLiteral("dataFile_zh.json")), QByteArray(text).replace("80.0", "81.0"));
+        QCOMPARE(TestFiles::read(QStringLiteral("dataFile_zh.json")), QByteArray(text).replace("80.0", "81.0"));
     }
 
     // Floats go to the file as the shortest text that reads back the same, as typed.
@@ -170,7 +164,7 @@ private slots:
         MaterialRecord record = material(QStringLiteral("Birch"), 10, 20);
         record.thickness = thickness;
         QVERIFY(library.add(record));
-        QVERIFY(readFile(QStringLiteral("dataFile_zh.json")).contains("\"thickness\": " + written + "\n"));
+        QVERIFY(TestFiles::read(QStringLiteral("dataFile_zh.json")).contains("\"thickness\": " + written + "\n"));
         MaterialLibrary reread;
         QVERIFY(reread.load());
         QCOMPARE(reread.materials().at(0).thickness, thickness);

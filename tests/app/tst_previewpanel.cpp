@@ -23,13 +23,6 @@ namespace {
 
 constexpr int LoadTimeout = 60000;   // ms; the machine is shared
 
-void writeFile(const QString &name, const QByteArray &bytes)
-{
-    QFile f(name);
-    if (!f.open(QIODevice::WriteOnly) || f.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qPrintable(name));
-}
-
 bool waitShown(PreviewPanel &panel, QSignalSpy &spy)
 {
     return spy.count() > 0 || spy.wait(LoadTimeout) || !panel.isLoading();
@@ -104,7 +97,7 @@ private slots:
         QFETCH(QString, figures);
         QFETCH(QString, warnings);
         ScopedWorkDir dir;
-        writeFile(dir.file("job.gcode"), gcode);
+        TestFiles::write(dir.file("job.gcode"), gcode);
         PreviewPanel panel;
         QSignalSpy shown(&panel, &PreviewPanel::shown);
         panel.showFile(dir.file("job.gcode"));
@@ -124,8 +117,8 @@ private slots:
         QByteArray big = "M106 S255\n";
         for (int i = 0; i < 100000; ++i)
             big += "G1 X" + QByteArray::number(i % 170) + " Y" + QByteArray::number(i % 200) + " F600\n";
-        writeFile(dir.file("big.gcode"), big);
-        writeFile(dir.file("small.gcode"), "M106\nG1 X1 F600\n");
+        TestFiles::write(dir.file("big.gcode"), big);
+        TestFiles::write(dir.file("small.gcode"), "M106\nG1 X1 F600\n");
         PreviewPanel panel;
         QSignalSpy shown(&panel, &PreviewPanel::shown);
         panel.showFile(dir.file("big.gcode"));
@@ -145,10 +138,10 @@ private slots:
     void showsEveryExport()
     {
         ScopedWorkDir dir;
-        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
+        TestFiles::write("Config.ini", "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
         QTemporaryDir elsewhere;
         const QString drawing = elsewhere.filePath("drawing.svg");
-        writeFile(drawing, "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
+        TestFiles::write(drawing, "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
                            "viewBox=\"0 0 20 20\"><path d=\"M2 2 L18 2 L18 18 L2 18 Z\" "
                            "fill=\"none\" stroke=\"black\"/></svg>\n");
         Draw w;

@@ -134,12 +134,6 @@ QList<QGraphicsItem *> designs(QGraphicsScene *scene)
     return found;
 }
 
-QByteArray readFile(const QString &name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 // A focusable item that records the keys reaching it.
 struct KeyRecorder : QGraphicsRectItem
 {
@@ -513,12 +507,12 @@ private slots:
         if (auto *svg = qgraphicsitem_cast<SvgItem *>(item)) {
             QCOMPARE(svg->filePath(), QString("tmp.svg"));
             QVERIFY(svg->renderer()->isValid());
-            QCOMPARE(readFile(name), content); // the source is left as it was
+            QCOMPARE(TestFiles::read(name), content); // the source is left as it was
         } else {
             QCOMPARE(static_cast<PixmapItem *>(item)->filePath(), name);
             QCOMPARE(static_cast<PixmapItem *>(item)->pixmap().size(), rect.size().toSize());
         }
-        QCOMPARE(readFile("tmp.svg"), tmpSvg);
+        QCOMPARE(TestFiles::read("tmp.svg"), tmpSvg);
     }
 
     void badInput_data()

@@ -15,12 +15,6 @@ namespace {
 
 const char *const Drawing = "drawing.svg";
 
-QByteArray readFile(const QString &name)
-{
-    QFile f(name);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<no file>");
-}
-
 // The converter chats on standard output; the test's own output stays readable without it.
 class SilentStdout
 {
@@ -120,9 +114,9 @@ void TestSvgPlacement::offsetAsArguments()
     QCOMPARE(QFile::exists("drawing.gcode"), !refused);
     if (refused)
         return;
-    const QByteArray expected = readFile("stored.gcode");
-    QCOMPARE(readFile("file.gcode"), expected);
-    QCOMPARE(readFile("drawing.gcode"), expected);
+    const QByteArray expected = TestFiles::read("stored.gcode");
+    QCOMPARE(TestFiles::read("file.gcode"), expected);
+    QCOMPARE(TestFiles::read("drawing.gcode"), expected);
     // The frame starts at the offset; machine Y is flipped against the 200 mm height.
     const QByteArray frame = QStringLiteral("\nG0 X%1 Y%2 F4600\n").arg(x, 0, 'f', 2).arg(200 - y, 0, 'f', 2).toLatin1();
     QVERIFY2(expected.contains(frame), expected.constData());

@@ -10,13 +10,6 @@ class TestAppSettings : public QObject
     Q_OBJECT
 
 private:
-    static void writeFile(const QString &name, const QByteArray &bytes)
-    {
-        QFile f(name);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
-
 private slots:
     void languageLookup_data()
     {
@@ -40,7 +33,7 @@ private slots:
         QFETCH(int, index);
         ScopedWorkDir dir;
         if (!config.isNull())
-            writeFile("Config.ini", config);
+            TestFiles::write("Config.ini", config);
         int looked = -7;
         QCOMPARE(AppSettings::lookupLanguage(&looked), found);
         if (found)
@@ -94,14 +87,14 @@ private slots:
         QCOMPARE(AppSettings::mode(), QString("cnc"));
         // Another program (or the user) edits the file between two calls.
         QFile::remove("Config.ini");
-        writeFile("Config.ini", "[Tarnwy]\nmode=laser\n");
+        TestFiles::write("Config.ini", "[Tarnwy]\nmode=laser\n");
         QCOMPARE(AppSettings::mode(), QString("laser"));
     }
 
     void otherKeyNameIsNotRead()
     {
         ScopedWorkDir dir;
-        writeFile("Config.ini", "[Tarnwy]\ncure_speed=900\nCrue_Speed=800\n");
+        TestFiles::write("Config.ini", "[Tarnwy]\ncure_speed=900\nCrue_Speed=800\n");
         QCOMPARE(AppSettings::tarnwyString("crue_speed"), QString());
     }
 
@@ -120,8 +113,8 @@ private slots:
             QByteArray junk;
             for (int i = 0; i < 4096; ++i)
                 junk.append(char((i * 131 + 7) & 0xff));
-            writeFile("Config.ini", junk);
-            writeFile("Slice.ini", junk);
+            TestFiles::write("Config.ini", junk);
+            TestFiles::write("Slice.ini", junk);
         } else {
             QVERIFY(QDir().mkdir("Config.ini"));
             QVERIFY(QDir().mkdir("Slice.ini"));
@@ -160,7 +153,7 @@ private slots:
         QFETCH(QByteArray, line);
         QFETCH(QString, mode);
         ScopedWorkDir dir;
-        writeFile("Config.ini", "[Language]\nlanguage=English\n[Tarnwy]\n" + line + "\nxoffset=7\n");
+        TestFiles::write("Config.ini", "[Language]\nlanguage=English\n[Tarnwy]\n" + line + "\nxoffset=7\n");
         const bool refused = mode == "<none>";
         QCOMPARE(AppSettings::mode(), refused ? QString() : mode);
         QCOMPARE(AppSettings::languageIndex(), refused ? 0 : 1);

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -25,6 +26,26 @@ private:
     QString m_previous;
     QTemporaryDir m_dir;
 };
+
+// Files the tests set up and read back.
+namespace TestFiles {
+
+// Writes the whole file; a test whose files cannot be set up cannot run at all.
+inline void write(const QString &name, const QByteArray &bytes)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qPrintable(name));
+}
+
+// The file's bytes; empty when it cannot be read.
+inline QByteArray read(const QString &name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace TestFiles
 
 // Like QTEST_MAIN, but offscreen by default and run inside its own work directory.
 #define TARNWELL_TEST_MAIN(TestObject)                                   \

@@ -1,9 +1,7 @@
-// Shared by the tests of tarnwell-export: the built binary run as users run it, and the
-// files it reads and writes.
+// Shared by the tests of tarnwell-export: the built binary run as users run it.
 #ifndef EXPORTRUNNER_H
 #define EXPORTRUNNER_H
 
-#include <QFile>
 #include <QProcess>
 #include <QStringList>
 
@@ -29,19 +27,6 @@ inline ExportRun runExport(const QStringList &args)
     run.out = process.readAllStandardOutput();
     run.err = process.readAllStandardError();
     return run;
-}
-
-inline void writeFile(const QString &name, const QByteArray &bytes)
-{
-    QFile f(name);
-    if (!f.open(QIODevice::WriteOnly) || f.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qPrintable(name));
-}
-
-inline QByteArray readFile(const QString &name)
-{
-    QFile f(name);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 #endif

@@ -162,7 +162,7 @@ private slots:
             QCOMPARE(runExport({"trace", "--input", "shapes.png", "--output", "drawing.svg"}).status, 0);
         } else {
             // The same shapes drawn as an SVG, as a user's CNC drawing would come.
-            writeFile(dir.file("drawing.svg"),
+            TestFiles::write(dir.file("drawing.svg"),
                       "<svg xmlns='http://www.w3.org/2000/svg' width='400' height='300' viewBox='0 0 400 300'>"
                       "<g fill='black'><path d='M0 0 H400 V300 H0 Z M8 8 V292 H392 V8 Z'/>"
                       "<ellipse cx='133' cy='100' rx='80' ry='50'/><rect x='200' y='150' width='133' height='75'/>"
@@ -245,7 +245,7 @@ private slots:
         QFETCH(int, darkPixels);
         QFETCH(int, travelPixels);
         ScopedWorkDir dir;
-        writeFile(dir.file("job.gcode"), gcode);
+        TestFiles::write(dir.file("job.gcode"), gcode);
         const ExportRun run =
             runExport(QStringList{"preview", "--input", "job.gcode", "--output", "job.png"} + options);
         QCOMPARE(run.status, 0);

@@ -17,7 +17,7 @@ void startSend(QProcess &tool, FirmwareStandIn &fw, const QByteArray &perLine, i
     QByteArray job;
     for (int i = 0; i < 300; ++i)
         job += perLine + QByteArray::number(i) + " F600\n";
-    writeFile("job.gcode", job);
+    TestFiles::write("job.gcode", job);
     fw.ackDelayMs = ackDelayMs;
     QVERIFY(fw.start());
     tool.start(TARNWELL_EXPORT, {"send", "--port", fw.pty.endA(), "--input", "job.gcode", "--firmware", "grbl"});
@@ -65,7 +65,7 @@ private slots:
         QFETCH(int, kind); QFETCH(QStringList, options); QFETCH(QByteArray, stdinText); QFETCH(QString, fault);
         QFETCH(int, status); QFETCH(QString, message); QFETCH(QByteArray, wireEnd);
         ScopedWorkDir dir;
-        writeFile("job.gcode", FramedJob);
+        TestFiles::write("job.gcode", FramedJob);
         FirmwareStandIn fw(FirmwareStandIn::Kind(kind), dir.path());
         fw.silent = fault == "silent";
         fw.errorAtLine = fault == "error" ? 5 : 0;
@@ -141,8 +141,8 @@ private slots:
     {
         QFETCH(QString, port); QFETCH(QString, input); QFETCH(QStringList, options); QFETCH(QString, message);
         ScopedWorkDir dir;
-        writeFile("job.gcode", FramedJob);
-        writeFile("picture.png", QByteArray("\x89PNG\r\n\x1a\n\0\0", 10));
+        TestFiles::write("job.gcode", FramedJob);
+        TestFiles::write("picture.png", QByteArray("\x89PNG\r\n\x1a\n\0\0", 10));
         FirmwareStandIn fw(FirmwareStandIn::Grbl, dir.path());
         QVERIFY(fw.start());
         MachineLink holder;

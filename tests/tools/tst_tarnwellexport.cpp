@@ -109,13 +109,13 @@ private slots:
         QFETCH(QString, named);
         ScopedWorkDir dir;
         QVERIFY(samplePicture().save("pic.png"));
-        writeFile("junk.png", "this is not a picture at all");
-        writeFile("junk.svg", "<svg><path d=");
-        writeFile("ihdr.png", BadHeaderPng);
-        writeFile("square.svg", SquareSvg);
-        writeFile("job.gcode", "G1 X1\n");
+        TestFiles::write("junk.png", "this is not a picture at all");
+        TestFiles::write("junk.svg", "<svg><path d=");
+        TestFiles::write("ihdr.png", BadHeaderPng);
+        TestFiles::write("square.svg", SquareSvg);
+        TestFiles::write("job.gcode", "G1 X1\n");
         // So narrow that scaling it to 20 mm overflows.
-        writeFile("tiny.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
+        TestFiles::write("tiny.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
                               "viewBox=\"0 0 20 20\"><path d=\"M0 0 L1e-40 1e-40\"/></svg>");
         const ExportRun run = runExport(args);
         QCOMPARE(run.status, 2);
@@ -173,16 +173,16 @@ private slots:
         QCOMPARE(run.status, 0);
         QCOMPARE(run.err, QByteArray());
         QCOMPARE(QString::fromLatin1(run.out), QString("Estimated time: %1\n").arg(time));
-        const QByteArray expected = readFile("expected.gcode");
+        const QByteArray expected = TestFiles::read("expected.gcode");
         QVERIFY(!expected.isEmpty());
-        QCOMPARE(readFile("out.gcode"), expected);
+        QCOMPARE(TestFiles::read("out.gcode"), expected);
         QVERIFY(!QFile::exists("local.gcode"));
     }
 
     void vectorIsRepeatableWithSeed()
     {
         ScopedWorkDir dir;
-        writeFile("square.svg", SquareSvg);
+        TestFiles::write("square.svg", SquareSvg);
         const QStringList args{"vector", "--input", "square.svg", "--output", "a.gcode", "--width", "20",
                                "--height", "20", "--x", "5", "--y", "5", "--seed", "7"};
         ExportRun first = runExport(args);
@@ -191,10 +191,10 @@ private slots:
         QStringList again = args;
         again[4] = "b.gcode";
         QCOMPARE(runExport(again).status, 0);
-        const QByteArray a = readFile("a.gcode");
+        const QByteArray a = TestFiles::read("a.gcode");
         QVERIFY(a.contains("G1"));
         QVERIFY(!a.contains("nan"));
-        QCOMPARE(readFile("b.gcode"), a);
+        QCOMPARE(TestFiles::read("b.gcode"), a);
     }
 
     void qrWritesBitmap()
@@ -202,7 +202,7 @@ private slots:
         ScopedWorkDir dir;
         const ExportRun run = runExport({"qr", "--text", "TarnwellLaser", "--output", "tag.bmp"});
         QCOMPARE(run.status, 0);
-        const QByteArray bmp = readFile("tag.bmp");
+        const QByteArray bmp = TestFiles::read("tag.bmp");
         QVERIFY(bmp.startsWith("BM"));
         const QImage image("tag.bmp");
         QVERIFY(!image.isNull());
