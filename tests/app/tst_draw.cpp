@@ -32,6 +32,7 @@ private:
 private slots:
     void modeFromConfig_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("config");
         QTest::addColumn<bool>("laser");
         QTest::addColumn<bool>("cnc");
@@ -47,6 +48,7 @@ private slots:
         for (int i = 0; i < 2000; ++i)
             junk.append(char((i * 37 + 11) & 0xff));
         QTest::newRow("binary garbage") << junk << false << false << false << "";
+        // clang-format on
     }
 
     void modeFromConfig()
@@ -69,6 +71,7 @@ private slots:
 
     void fieldsWriteTheirKey_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("field");
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("text");
@@ -81,6 +84,7 @@ private slots:
         QTest::newRow("feed z") << "lineCNCFeedZ" << "cnc_feed_z" << "-0.5";
         QTest::newRow("travel z") << "lineCNCTravelZ" << "cnc_travel_z" << "3";
         QTest::newRow("empty text is written") << "lineLaserOn" << "laser_on" << "";
+        // clang-format on
     }
 
     void fieldsWriteTheirKey()

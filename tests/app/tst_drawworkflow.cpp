@@ -69,6 +69,7 @@ class TestDrawWorkflow : public QObject
 private slots:
     void pictureSizeIsCapped_data()
     {
+        // clang-format off
         QTest::addColumn<QSize>("picture");
         QTest::addColumn<QSize>("kept");
         QTest::newRow("wide 1500x500") << QSize(1500, 500) << QSize(1000, 333);
@@ -76,6 +77,7 @@ private slots:
         QTest::newRow("999x999 kept") << QSize(999, 999) << QSize(999, 999);
         QTest::newRow("square 1000") << QSize(1000, 1000) << QSize(1000, 1000);
         QTest::newRow("1000x999 truncates") << QSize(1000, 999) << QSize(1000, 998);
+        // clang-format on
     }
 
     void pictureSizeIsCapped()
@@ -165,6 +167,7 @@ private slots:
 
     void exportRefusals_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("config");
         QTest::addColumn<QString>("picture");
         QTest::addColumn<QString>("style");
@@ -181,6 +184,7 @@ private slots:
                                                      << "radioButtonBlackWhite" << 1 << "请选择轮廓模式!!!";
         QTest::newRow("svg in grayscale, Korean") << QByteArray("[Language]\nlanguage=Korean\n") << "drawing.svg"
                                                   << "radioButtonGray" << 0 << "";
+        // clang-format on
     }
 
     void exportRefusals()
@@ -215,6 +219,7 @@ private slots:
     // no job. Neither may hand the user a file, old or new.
     void unusableInputWritesNothing_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("style");
         QTest::addColumn<QString>("file");
         QTest::addColumn<QByteArray>("content");
@@ -231,6 +236,7 @@ private slots:
             << QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
                           "viewBox=\"0 0 20 20\"><path d=\"M5 2 L5 18\" stroke=\"black\"/></svg>")
             << "The drawing cannot be read or has no width to scale; no file was written!!!" << 1;
+        // clang-format on
     }
 
     void unusableInputWritesNothing()
@@ -353,6 +359,7 @@ private slots:
 
     void materialControls_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("language");
         QTest::addColumn<QString>("file");
         QTest::addColumn<bool>("enabled");
@@ -360,6 +367,7 @@ private slots:
         QTest::newRow("English") << QByteArray("English") << "dataFile_en.json" << true;
         QTest::newRow("Korean has no library") << QByteArray("Korean") << "dataFile_en.json" << false;
         QTest::newRow("Chinese without a file") << QByteArray() << "dataFile_en.json" << false;
+        // clang-format on
     }
 
     void materialControls()
@@ -422,6 +430,7 @@ private slots:
 
     void jogCommands_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("step");
         QTest::addColumn<QString>("button");
         QTest::addColumn<QStringList>("sent");
@@ -432,6 +441,7 @@ private slots:
         QTest::newRow("home") << "radioButton1mm" << "home" << QStringList({"G28 X Y"});
         QTest::newRow("set home") << "radioButton1mm" << "setHome" << QStringList({"G92 X0 Y0 \n"});
         QTest::newRow("back home") << "radioButton1mm" << "backHome" << QStringList({"G1 X0 Y0 \n"});
+        // clang-format on
     }
 
     void jogCommands()

@@ -62,6 +62,7 @@ class TestMachinePanel : public QObject
 private slots:
     void workflow_data()
     {
+        // clang-format off
         QTest::addColumn<int>("kind");
         QTest::addColumn<Lines>("jog");     // 10 mm in -X
         QTest::addColumn<Lines>("frame");   // (10, 20) to (40, 60), beam off
@@ -74,6 +75,7 @@ private slots:
         QTest::newRow("marlin") << int(FirmwareStandIn::Marlin) << Lines{"G91", "G1 X-10.00 F2000", "G90", "M114"}
                                 << Lines{"G90", "M107"} + corners + Lines{"M107", "M114"}
                                 << Lines{"G90", "G1 F1800", "G28 X0 Y0", "M106 S5", "G1 X40 Y0", "M107"};
+        // clang-format on
     }
     void workflow()
     {
@@ -133,12 +135,14 @@ private slots:
     // What the user sees on the way: a job about 40% through, paused, and an error (English, then Chinese).
     void pausedAndError_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("language");
         QTest::addColumn<QString>("paused");
         QTest::addColumn<QString>("error");
         QTest::newRow("en") << "en" << "Paused"
                             << "Line 31: error:20 (Unsupported command.) The job was stopped and the beam turned off.";
         QTest::newRow("zh") << "zh" << "已暂停" << "第 31 行：error:20 (Unsupported command.) 作业已停止，光束已关闭。";
+        // clang-format on
     }
     void pausedAndError()
     {

@@ -23,6 +23,7 @@ class TestMaterialLibrary : public QObject
 private slots:
     void load_data()
     {
+        // clang-format off
         QTest::addColumn<int>("language");
         QTest::addColumn<QByteArray>("zh");   // null: no file; the en file always holds Felt
         QTest::addColumn<bool>("ok");
@@ -39,6 +40,7 @@ private slots:
         QTest::newRow("key missing") << 0 << QByteArray(R"([{"name":"Felt"}])") << false << QStringList();
         QTest::newRow("power as text") << 0 << QString(R"([{"name":"a",%1}])").arg(keys).replace("10", "\"10\"").toUtf8() << false << QStringList();
         QTest::newRow("beyond float") << 0 << QString(R"([{"name":"a",%1}])").arg(keys).replace("40", "4e300").toUtf8() << false << QStringList();
+        // clang-format on
     }
 
     void load()
@@ -71,6 +73,7 @@ private slots:
     // Steps: "+name" adds, "-name" removes; results holds each step's return value.
     void edits_data()
     {
+        // clang-format off
         QTest::addColumn<int>("language");
         QTest::addColumn<QStringList>("steps");
         QTest::addColumn<QString>("results");
@@ -87,6 +90,7 @@ private slots:
         QTest::newRow("composed and decomposed differ") << 0 << QStringList{"+橡木", QStringLiteral("+caf\u00e9")} << "11"
             << QStringList{"橡木", QStringLiteral("caf\u00e9")} << QStringList{QStringLiteral("cafe\u0301")};
         QTest::newRow("Korean writes nothing") << 2 << QStringList{"+Wood"} << "0" << QStringList() << QStringList{"Wood"};
+        // clang-format on
     }
 
     void edits()
@@ -145,6 +149,7 @@ private slots:
     // Floats go to the file as the shortest text that reads back the same, as typed.
     void numbersAsTyped_data()
     {
+        // clang-format off
         QTest::addColumn<float>("thickness");
         QTest::addColumn<QByteArray>("written");
         QTest::newRow("0.2") << 0.2f << QByteArray("0.2");
@@ -153,6 +158,7 @@ private slots:
         QTest::newRow("whole number") << 3.0f << QByteArray("3.0");
         QTest::newRow("tiny") << 1e-7f << QByteArray("1e-07");
         QTest::newRow("beyond float precision") << 16777217.0f << QByteArray("16777216.0");
+        // clang-format on
     }
 
     void numbersAsTyped()
@@ -172,9 +178,11 @@ private slots:
 
     void shippedLibraries_data()
     {
+        // clang-format off
         QTest::addColumn<int>("language");
         QTest::newRow("zh") << 0;
         QTest::newRow("en") << 1;
+        // clang-format on
     }
 
     void shippedLibraries()

@@ -61,6 +61,7 @@ class TestPreviewPanel : public QObject
 private slots:
     void texts_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("gcode");
         QTest::addColumn<QString>("figures");
         QTest::addColumn<QString>("warnings");
@@ -89,6 +90,7 @@ private slots:
         QTest::newRow("garbage") << QByteArray("M106\nG1 X5 F600\nwhat\nG1 X6 Q1\n")
                                  << "Lines: 4   Burn moves: 1   Extent: X 0..5, Y 0..0 mm   Estimated time: 0s"
                                  << "2 lines were not understood and are left out (the first is line 3).";
+        // clang-format on
     }
 
     void texts()
@@ -167,11 +169,13 @@ private slots:
 
     void fitShowsAreaAndLabels_data()
     {
+        // clang-format off
         QTest::addColumn<QSize>("window");
         QTest::addColumn<int>("dockWidth");   // after show, as the window's layout may do
         QTest::newRow("narrow dock") << QSize(1200, 800) << 260;
         QTest::newRow("wide dock") << QSize(1400, 800) << 700;
         QTest::newRow("low window") << QSize(1000, 360) << 320;
+        // clang-format on
     }
 
     // On show, after the dock is resized and on Fit, the whole area and every label are in view;

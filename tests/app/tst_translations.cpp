@@ -15,6 +15,7 @@ class TestTranslations : public QObject
 private slots:
     void catalogue_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("resource");
         QTest::addColumn<QStringList>("known");   // "context|source|translation"; empty: none
         // The paired warnings keep the start-up language; G-code and times never change.
@@ -31,6 +32,7 @@ private slots:
                                                             "CPSerialPort|Notice|알림", "Bitmap2Gcode|提示|알림",
                                                             "ImgBinaryEdit|The picture cannot be opened|사진을 열 수 없습니다",
                                                             "ImgBinaryEdit|The picture is too large to process|사진이 너무 커서 처리할 수 없습니다"} + fixed;
+        // clang-format on
     }
 
     // A text with no translation falls through to an older translator, so the Chinese

@@ -194,6 +194,7 @@ class TestCanvas : public QObject
 private slots:
     void cornerZone_data()
     {
+        // clang-format off
         QTest::addColumn<bool>("throughView");
         QTest::addColumn<bool>("bitmap");
         QTest::addColumn<QPointF>("offset");   // from the bottom-right corner at (120, 70)
@@ -213,6 +214,7 @@ private slots:
         QTest::newRow("view: svg on its handle") << true << false << QPointF(4, 4) << true;
         QTest::newRow("view: svg 7 right") << true << false << QPointF(7, 0) << true;
         QTest::newRow("view: svg 10 right") << true << false << QPointF(10, 0) << false;
+        // clang-format on
     }
 
     void cornerZone()
@@ -259,6 +261,7 @@ private slots:
 
     void drag_data()
     {
+        // clang-format off
         QTest::addColumn<bool>("bitmap");
         QTest::addColumn<QPointF>("to");
         QTest::addColumn<QRectF>("stepReport");
@@ -278,6 +281,7 @@ private slots:
         row("bitmap body to 0,0 dropped", true, {0, 0}, {}, {20, 20}, 1);
         row("bitmap body to 1,0 moves", true, {1, 0}, {}, {-49, -25}, 1);
         row("svg body to 0,0 moves", false, {0, 0}, {}, {-50, -25}, 1);
+        // clang-format on
     }
 
     void drag()
@@ -326,6 +330,7 @@ private slots:
 
     void paintInArea_data()
     {
+        // clang-format off
         QTest::addColumn<bool>("bitmap");
         QTest::addColumn<QPointF>("pos");
         QTest::addColumn<bool>("selected");
@@ -340,6 +345,7 @@ private slots:
         QTest::newRow("bitmap bottom edge 201") << true << QPointF(10, 151) << true << false;
         QTest::newRow("svg left of origin") << false << QPointF(-1, 20) << true << false;
         QTest::newRow("bitmap outside unselected") << true << QPointF(71, 20) << false << false;
+        // clang-format on
     }
 
     void paintInArea()
@@ -397,6 +403,7 @@ private slots:
 
     void reloadFollowsFile_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("file");
         QTest::addColumn<QRgb>("colour");
         QTest::addColumn<QSizeF>("shown");
@@ -408,6 +415,7 @@ private slots:
         QTest::newRow("unchanged, shown smaller") << same << qRgb(0, 0, 255) << QSizeF(10, 5);
         QTest::newRow("file gone") << QByteArray() << qRgb(0, 0, 0) << QSizeF(100, 50);
         QTest::newRow("file no longer a picture") << QByteArray("garbage") << qRgb(0, 0, 0) << QSizeF(100, 50);
+        // clang-format on
     }
 
     void reloadFollowsFile()
@@ -431,6 +439,7 @@ private slots:
 
     void outlineBounds_data()
     {
+        // clang-format off
         QTest::addColumn<QVector<QPolygonF>>("outlines");
         QTest::addColumn<QRectF>("bounds");
 
@@ -440,6 +449,7 @@ private slots:
             << QVector<QPolygonF>{QPolygonF(QVector<QPointF>{{10, 20}, {30, 5}}), QPolygonF(),
                                   QPolygonF(QVector<QPointF>{{-2, 8}, {4, 40}})}
             << QRectF(-2, 5, 32, 35);
+        // clang-format on
     }
 
     void outlineBounds()
@@ -456,6 +466,7 @@ private slots:
 
     void load_data()
     {
+        // clang-format off
         QTest::addColumn<bool>("cleaning");
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("content");
@@ -481,6 +492,7 @@ private slots:
             svgText(" width=\"100\" height=\"200\"", 100, 200), {0, 0, 85, 170}, {0, 0, 85, 170});
         // Read as it stands, 100 mm is 354 by 177 units, fitted to 170 by 85.
         row("uncleaned svg in mm keeps its size", false, "mm.svg", mmSvg, {0, 0, 100, 50}, {0, 0, 170, 85});
+        // clang-format on
     }
 
     void load()
@@ -517,6 +529,7 @@ private slots:
 
     void badInput_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<int>("placed");
@@ -528,6 +541,7 @@ private slots:
         QTest::newRow("upper-case picture suffix") << "PIC.PNG" << QByteArray("picture:20x20") << 0;
         QTest::newRow("upper-case svg suffix") << "DRAW.SVG" << QByteArray("<svg/>") << 0;
         QTest::newRow("one pixel wide") << "thin.png" << QByteArray("picture:1x20000") << 1;
+        // clang-format on
     }
 
     void badInput()
@@ -584,6 +598,7 @@ private slots:
 
     void wheelZoom_data()
     {
+        // clang-format off
         QTest::addColumn<QList<int>>("deltas");
         QTest::addColumn<bool>("handDrag");
         QTest::addColumn<double>("scale");
@@ -592,6 +607,7 @@ private slots:
         QTest::newRow("up then down") << QList<int>{120, -120} << true << 1.2;
         QTest::newRow("up once") << QList<int>{120} << true << 1.44;
         QTest::newRow("no zoom without hand drag") << QList<int>{120} << false << 1.2;
+        // clang-format on
     }
 
     void wheelZoom()
@@ -622,6 +638,7 @@ private slots:
 
     void geometryReports_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("gesture");
         QTest::addColumn<QList<QRectF>>("reports");
@@ -643,6 +660,7 @@ private slots:
         row("typed width, bitmap", "p.png", "width", {}, {20, 20, 85, 25}, {20, 20});
         row("typed width, svg", "d.svg", "width", {}, {0, 0, 85, 25}, {20, 20});
         row("typed width, nothing selected", "p.png", "unselected", {}, loaded, {20, 20});
+        // clang-format on
     }
 
     void geometryReports()
@@ -685,6 +703,7 @@ private slots:
 
     void droppedFiles_data()
     {
+        // clang-format off
         QTest::addColumn<QStringList>("files");
         QTest::addColumn<QPointF>("at");
         QTest::addColumn<QStringList>("reported");
@@ -698,6 +717,7 @@ private slots:
         // A design already placed does not swallow the next file.
         QTest::newRow("on a placed design") << QStringList{"/tmp/next.png"} << QPointF(85, 20)
                                             << QStringList{"/tmp/next.png"};
+        // clang-format on
     }
 
     void droppedFiles()
@@ -759,6 +779,7 @@ private slots:
 
     void keys_data()
     {
+        // clang-format off
         QTest::addColumn<int>("key");
         QTest::addColumn<bool>("selected");
         QTest::addColumn<bool>("removed");
@@ -766,6 +787,7 @@ private slots:
         QTest::newRow("delete with a selection") << int(Qt::Key_Delete) << true << true;
         QTest::newRow("delete without a selection") << int(Qt::Key_Delete) << false << false;
         QTest::newRow("other key swallowed") << int(Qt::Key_A) << true << false;
+        // clang-format on
     }
 
     // A click on the design gives the canvas the keyboard, as a user would do it; a

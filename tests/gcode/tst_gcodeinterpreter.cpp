@@ -67,6 +67,7 @@ class TestGcodeInterpreter : public QObject
 private slots:
     void pixels_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("gcode");
         QTest::addColumn<double>("pxPerMm");
         QTest::addColumn<bool>("travel");
@@ -105,6 +106,7 @@ private slots:
         row("along the bottom and right edges", "M106 S255\nG1 X2 F600\nG0 X170 Y2\nG1 Y0\n",
             "169,198 0,199 1,199 169,199");
         row("outside is not drawn", "M106 S255\nG0 X-5 Y1\nG1 X2 F600\nG0 X168 Y-1\nG1 X175\n", "0,199 1,199");
+        // clang-format on
     }
 
     void pixels()
@@ -120,6 +122,7 @@ private slots:
 
     void figures_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("gcode");
         QTest::addColumn<QString>("expected");   // lines, not understood (first), moves, burns, outside
 
@@ -148,6 +151,7 @@ private slots:
         QTest::newRow("leaving the area, counted per move")
             << QByteArray("M106 S255\nG1 X180 Y10 F100\nG1 X10\nG0 X-2 Y-3\nG0 X5 Y5\nG2 X-95 Y105 I0 J100\n")
             << "6 0(0) 5 3 -95..180 x 0..105 mm 3/2";
+        // clang-format on
     }
 
     void figures()
@@ -235,6 +239,7 @@ private slots:
 
     void timeAgreesWithExports_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("style");
         QTest::addColumn<int>("width");        // mm, for the vector styles
         QTest::addColumn<double>("tolerance"); // part of the export's figure
@@ -246,6 +251,7 @@ private slots:
         QTest::newRow("vector, laser") << "laser" << 60 << 0.002;
         QTest::newRow("vector, laser, 15 mm") << "laser" << 15 << 0.01;
         QTest::newRow("vector, CNC") << "cnc" << 60 << 0.002;
+        // clang-format on
     }
 
     // The preview's time for the program's own files is the time the export showed.

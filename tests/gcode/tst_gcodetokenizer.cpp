@@ -10,6 +10,7 @@ class TestGcodeTokenizer : public QObject
 private slots:
     void split_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("line");
         QTest::addColumn<QString>("words");   // letter=value, space separated
         QTest::addColumn<bool>("understood");
@@ -30,6 +31,7 @@ private slots:
         // The words up to the limit are kept; the line as a whole is not understood.
         QTest::newRow("too many words") << QByteArray("X1 ").repeated(GcodeTokenizer::MaxWords + 1)
                                         << QString("X=1 ").repeated(GcodeTokenizer::MaxWords).trimmed() << false;
+        // clang-format on
     }
 
     void split()
@@ -61,6 +63,7 @@ private slots:
 
     void stripComments_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("line");
         QTest::addColumn<QByteArray>("code");
         QTest::newRow("plain") << QByteArray("G1 X5 F1000") << QByteArray("G1 X5 F1000");
@@ -69,6 +72,7 @@ private slots:
         QTest::newRow("only comment") << QByteArray("(header) ; more") << QByteArray();
         QTest::newRow("blank") << QByteArray(" \t\r") << QByteArray();
         QTest::newRow("system command kept") << QByteArray("$J=G91 X1 F100 ;jog") << QByteArray("$J=G91 X1 F100");
+        // clang-format on
     }
 
     void stripComments()

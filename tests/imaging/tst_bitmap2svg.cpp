@@ -86,6 +86,7 @@ class TestBitmap2Svg : public QObject
 private slots:
     void traceShapes_data()
     {
+        // clang-format off
         QTest::addColumn<QImage>("picture");
         QTest::addColumn<OutlineList>("expected");
 
@@ -100,6 +101,7 @@ private slots:
         const QImage grays = withRects(40, 40, {{QRect(5, 5, 10, 10), qRgb(127, 127, 127)},
                                                 {QRect(20, 5, 10, 10), qRgb(128, 128, 128)}});
         QTest::newRow("gray 127 is ink, 128 is paper") << grays << OutlineList{{QRectF(5, 5, 10, 10)}};
+        // clang-format on
     }
 
     void traceShapes()
@@ -144,6 +146,7 @@ private slots:
     // One-bit pictures are packed without a 32-bit copy: the outlines must be those of the copy.
     void monoAsColour_data()
     {
+        // clang-format off
         QTest::addColumn<int>("format");
         QTest::addColumn<QRgb>("colour0");
         QTest::addColumn<QRgb>("colour1");
@@ -153,6 +156,7 @@ private slots:
         QTest::newRow("least significant bit first") << int(QImage::Format_MonoLSB) << Paper << Ink << 77;
         QTest::newRow("transparent black is paper") << int(QImage::Format_Mono) << 0x20000000u << Ink << 70;
         QTest::newRow("both colours ink") << int(QImage::Format_Mono) << 0xFF404040u << Ink << 9;
+        // clang-format on
     }
     void monoAsColour()
     {
@@ -217,6 +221,7 @@ private slots:
 
     void svg_data()
     {
+        // clang-format off
         QTest::addColumn<QStringList>("traced");  // files traced in turn before writing
         QTest::addColumn<int>("outlines");        // outlines in the SVG
         QTest::addColumn<double>("allowed");      // mismatching pixels per ink pixel
@@ -228,6 +233,7 @@ private slots:
         QTest::newRow("rings and island") << QStringList{"rings.png"} << 5 << 0.01;
         QTest::newRow("rings as the editor's JPEG") << QStringList{"rings.jpg"} << 5 << 0.01;
         QTest::newRow("circle ring") << QStringList{"circle.png"} << 2 << 0.03;
+        // clang-format on
     }
 
     void svg()

@@ -81,6 +81,7 @@ class TestImgBinaryEdit : public QObject
 private slots:
     void pixels_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("op");
         QTest::addColumn<QImage>("picture");
         QTest::addColumn<int>("threshold");
@@ -121,6 +122,7 @@ private slots:
         row("adaptive: dark dot on white", "adaptive", dot(32, {16, 16}), 0, {16, 16}, Black);
         row("adaptive: dark dot in the corner", "adaptive", dot(32, {0, 0}), 0, {0, 0}, Black);
         row("adaptive: narrower than 8 pixels has no window", "adaptive", dot(7, {3, 3}), 0, {3, 3}, White);
+        // clang-format on
     }
 
     void pixels()
@@ -144,6 +146,7 @@ private slots:
     // Noise with blobs, so that pixels sit on both sides of and right at their window's mean.
     void adaptiveAsIntegral_data()
     {
+        // clang-format off
         QTest::addColumn<QSize>("size");
         QTest::newRow("square") << QSize(64, 64);
         QTest::newRow("wide, window taller than the picture") << QSize(300, 9);
@@ -152,6 +155,7 @@ private slots:
         QTest::newRow("one row") << QSize(97, 1);
         QTest::newRow("large enough for two bands") << QSize(1030, 1021);
         QTest::newRow("wide enough for 64-bit sums") << QSize(12000, 3);
+        // clang-format on
     }
     void adaptiveAsIntegral()
     {
@@ -168,6 +172,7 @@ private slots:
 
     void finish_data()
     {
+        // clang-format off
         QTest::addColumn<QStringList>("actions");
         QTest::addColumn<int>("left");      // gray written at x = 10
         QTest::addColumn<int>("right");     // gray written at x = 54
@@ -181,6 +186,7 @@ private slots:
         QTest::newRow("outline") << QStringList{"on_btnBorder_clicked"} << 0 << 0;
         QTest::newRow("grayscale mode writes gray levels") << QStringList{"gray"} << 40 << 216;
         QTest::newRow("back to black and white") << QStringList{"gray", "bw"} << 0 << 255;
+        // clang-format on
     }
 
     void finish()
@@ -229,6 +235,7 @@ private slots:
 
     void badInput_data()
     {
+        // clang-format off
         QTest::addColumn<QImage>("picture");    // saved as the file to open; null: no file
         QTest::addColumn<QSize>("resultSize");  // 0 x 0: no result
         QTest::addColumn<int>("blackPixels");
@@ -251,6 +258,7 @@ private slots:
         QTest::newRow("65.6 MP taken") << large << QSize(8200, 8000) << 0;
         // Terabytes at 4 bytes a pixel: refused before any decoding.
         QTest::newRow("beyond memory") << QImage() << QSize(0, 0) << 0;
+        // clang-format on
     }
 
     void badInput()

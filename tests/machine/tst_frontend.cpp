@@ -10,6 +10,7 @@ class TestFrontEnd : public QObject
 private slots:
     void frame_data()
     {
+        // clang-format off
         QTest::addColumn<QRectF>("rect");
         QTest::addColumn<QStringList>("xy");  // x1, y1, x2, y2 as written
         using L = QStringList;
@@ -17,6 +18,7 @@ private slots:
         QTest::newRow("fractions") << QRectF(15, 25, 7, 3) << L{"1.5", "2.5", "2.2", "2.8"};
         QTest::newRow("six significant digits") << QRectF(1234567, 10000000, 5, 0)
                                                 << L{"123457", "1e+06", "123457", "1e+06"};
+        // clang-format on
     }
     void frame()
     {
@@ -37,6 +39,7 @@ private slots:
 
     void jobStates_data()
     {
+        // clang-format off
         QTest::addColumn<QStringList>("actions");  // slot names; other texts are files to print
         QTest::addColumn<QStringList>("sent");
         QTest::addColumn<int>("state");
@@ -49,6 +52,7 @@ private slots:
                                                      << L{"M107", "M107", "G28 X Y", "G90"} << 0 << false;
         QTest::newRow("missing file still sends G90") << L{"missing.gcode"} << L{"G90"} << 0 << false;
         QTest::newRow("typed line unchanged") << L{"ui"} << L{"G1 X5 F2000"} << 0 << true;
+        // clang-format on
     }
     void jobStates()
     {

@@ -21,6 +21,7 @@ class TestGSendModel : public QObject
 private slots:
     void read_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("content");  // empty: a file that cannot be opened
         QTest::addColumn<int>("count");
         QTest::addColumn<QRectF>("bounds");
@@ -49,6 +50,7 @@ private slots:
         row("layer count anywhere, time not at line start", ";Layer count: 12\n;TIME: 300\nM1 ;TIME:42\n;LAYER: 3\n", 0,
             none, {"M1 \n", "end"}, {"total layers is : 12", "total time is : 42"});
         row("unopenable file", QByteArray(), 0, none, {"end", "end"}, {"Can't open the g-code file! missing.gcode"});
+        // clang-format on
     }
     void read()
     {
@@ -114,6 +116,7 @@ private slots:
 
     void hostileFiles_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("content");
         QByteArray random(256 * 1024, '\0');
         QRandomGenerator(7).fillRange(reinterpret_cast<quint32 *>(random.data()), random.size() / 4);
@@ -122,6 +125,7 @@ private slots:
         QTest::newRow("one 10 MB line") << longLine;
         QTest::newRow("10 MB line then more") << longLine + "\nG1 X1 Y1\n;x\n";
         QTest::newRow("10 MB line without ; then more") << QByteArray(longLine).replace(';', ' ') + "\nG1 X1 Y1\n;x\n";
+        // clang-format on
     }
     void hostileFiles()
     {

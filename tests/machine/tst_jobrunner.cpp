@@ -74,6 +74,7 @@ class TestJobRunner : public QObject
 private slots:
     void load_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<QString>("error");   // empty: loads
         QTest::addColumn<int>("lines");
@@ -87,6 +88,7 @@ private slots:
         row("only comments", "; nothing\n\n", "holds no G-code");
         row("a picture", QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16), "is not G-code (line 1)");
         row("prose on line 3", "G0 X1\nG1 X2\nhello world\n", "is not G-code (line 3)");
+        // clang-format on
     }
     void load()
     {
@@ -104,6 +106,7 @@ private slots:
 
     void estimate_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<double>("seconds");
         const QByteArray huge = "1" + QByteArray(400, '0');
@@ -115,6 +118,7 @@ private slots:
         QTest::newRow("out and back") << "G1 X" + huge + "\nG1 X0\nG1 Y" + huge + "\n" << 3 * cap;
         const QByteArray far = huge.left(300);
         QTest::newRow("relative out beyond") << "G91\nG1 X" + far + "\nG1 X" + far + "\n" << 2 * cap;
+        // clang-format on
     }
     void estimate()
     {
@@ -134,6 +138,7 @@ private slots:
     // no M0 reaches GRBL.
     void grblStream_data()
     {
+        // clang-format off
         QTest::addColumn<int>("ackDelayMs");
         QTest::addColumn<bool>("framePause");
         QTest::addColumn<int>("maxPower");   // the board's $30: full power goes out as M4 S<$30>
@@ -141,6 +146,7 @@ private slots:
         QTest::newRow("answers late") << 3 << false << 1000;
         QTest::newRow("frame pause") << 0 << true << 1000;
         QTest::newRow("$30=500") << 0 << false << 500;
+        // clang-format on
     }
     void grblStream()
     {
@@ -234,6 +240,7 @@ private slots:
     // turns the beam off.
     void errors_data()
     {
+        // clang-format off
         QTest::addColumn<int>("kind");
         QTest::addColumn<QString>("fault");       // "error", "alarm", "silent", or "continue" for an error gone past
         QTest::addColumn<int>("failure");
@@ -252,6 +259,7 @@ private slots:
                                        << "Line 7: Error:Printer halted" << QByteArray("M410\nM107\n");
         QTest::newRow("no answer") << grbl << "silent" << int(JobRunner::Timeout)
                                    << "The machine did not answer within 0.5 s; last acknowledged line 0" << reset;
+        // clang-format on
     }
     void errors()
     {
@@ -317,6 +325,7 @@ private slots:
 
     void detection_data()
     {
+        // clang-format off
         QTest::addColumn<int>("kind");
         QTest::addColumn<bool>("banner");
         QTest::addColumn<bool>("silent");
@@ -327,6 +336,7 @@ private slots:
         QTest::newRow("marlin banner") << marlin << true << false << int(Firmware::Marlin);
         QTest::newRow("marlin found by M115") << marlin << false << false << int(Firmware::Marlin);
         QTest::newRow("nothing answers") << grbl << false << true << int(Firmware::Unknown);
+        // clang-format on
     }
     void detection()
     {

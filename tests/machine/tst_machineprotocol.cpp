@@ -11,6 +11,7 @@ class TestMachineProtocol : public QObject
 private slots:
     void reply_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("line");
         QTest::addColumn<int>("kind");
         QTest::addColumn<int>("code");
@@ -45,6 +46,7 @@ private slots:
         row("setting value nan", "$1=nan", MachineReply::Other, 1);
         row("status infinite position", "<Idle|MPos:inf,1,2>", MachineReply::Status, 0, "Idle");
         row("M114 with infinite X", "X:inf Y:2.00 Z:0.00", MachineReply::Other);
+        // clang-format on
     }
     void reply()
     {
@@ -63,6 +65,7 @@ private slots:
     // counted, so the stream is accounted for.
     void splitter_data()
     {
+        // clang-format off
         using Bytes = QList<QByteArray>;
         QTest::addColumn<Bytes>("chunks");
         QTest::addColumn<Bytes>("lines");
@@ -79,6 +82,7 @@ private slots:
         QTest::newRow("exactly the cap kept whole") << Bytes{full + "\n"} << Bytes{full} << 0 << 0;
         QTest::newRow("one byte over is cut") << Bytes{full + "y\rok\r"} << Bytes{full + "...", "ok"} << 1 << 0;
         QTest::newRow("unfinished long line waits") << Bytes{"ok\n" + full + "yyyyy"} << Bytes{"ok"} << 5 << cap;
+        // clang-format on
     }
     void splitter()
     {
@@ -94,6 +98,7 @@ private slots:
 
     void clockText_data()
     {
+        // clang-format off
         QTest::addColumn<double>("seconds");
         QTest::addColumn<QString>("text");
         QTest::newRow("nothing") << 0.0 << "0:00";
@@ -105,6 +110,7 @@ private slots:
         // Found by fuzzing: a job with coordinates near 1e58 mm takes longer than any integer holds.
         QTest::newRow("beyond an integer") << 3.2e57 << "99999:59:59";
         QTest::newRow("infinite") << qInf() << "99999:59:59";
+        // clang-format on
     }
     void clockText()
     {
@@ -115,6 +121,7 @@ private slots:
     // What GRBL gets for each line, and which lines are the program's pause (those the runner keeps).
     void grblRewrite_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("line");
         QTest::addColumn<int>("maxPower");
         QTest::addColumn<QByteArray>("sent");
@@ -142,6 +149,7 @@ private slots:
         row("M05 is not", "M05", "M05");
         row("M0 with a word is not", "M0 P5", "M0 P5");
         row("G0", "G0", "G0");
+        // clang-format on
     }
     void grblRewrite()
     {

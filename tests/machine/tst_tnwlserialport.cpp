@@ -42,6 +42,7 @@ class TestTNWLserialport : public QObject
 private slots:
     void toggleAndWrite_data()
     {
+        // clang-format off
         // "A" and "B" are two pty pairs, "none" a path that does not exist. Each
         // connect request is followed by a write of the text with the same index.
         QTest::addColumn<QStringList>("names");
@@ -59,6 +60,7 @@ private slots:
         QTest::newRow("failed opens stay closed")
             << L{"", "none", "A"} << L{"m0", "m1", "m2"} << Opens{false, false, true}
             << QByteArray("m2") << QByteArray();
+        // clang-format on
     }
     void toggleAndWrite()
     {

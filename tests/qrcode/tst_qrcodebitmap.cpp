@@ -16,6 +16,7 @@ private slots:
     // Only the lowest bit marks a dark module: libqrencode keeps flags in the others.
     void bitmap_data()
     {
+        // clang-format off
         QTest::addColumn<int>("width");
         QTest::addColumn<QByteArray>("modules");
         QTest::addColumn<QByteArray>("expected");   // empty: refused
@@ -29,6 +30,7 @@ private slots:
         QTest::newRow("right column") << 2 << QByteArray("\x00\x81\x80\x01", 4) << head2 + (white + black).repeated(32);
         QTest::newRow("zero width") << 0 << QByteArray(4, '\1') << QByteArray();
         QTest::newRow("too few modules") << 3 << QByteArray(8, '\1') << QByteArray();
+        // clang-format on
     }
 
     void bitmap()
@@ -42,6 +44,7 @@ private slots:
     // Level H holds 7 bytes in version 1, 14 in version 2 and 1273 in version 40.
     void write_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("path");
         QTest::addColumn<int>("modules");   // 0: nothing written
@@ -54,6 +57,7 @@ private slots:
         QTest::newRow("1274 bytes") << QString(1274, 'a') << "q.bmp" << 0 << QByteArray();
         QTest::newRow("empty") << QString() << QrCodeBitmap::FileName << 0 << QByteArray();
         QTest::newRow("missing folder") << "abc" << "no/dir/q.bmp" << 0 << QByteArray();
+        // clang-format on
     }
 
     void write()

@@ -13,6 +13,7 @@ private:
 private slots:
     void languageLookup_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("config");
         QTest::addColumn<bool>("found");
         QTest::addColumn<int>("index");
@@ -24,6 +25,7 @@ private slots:
         QTest::newRow("upper case KOREAN") << QByteArray("[Language]\nlanguage=KOREAN\n") << false << 0;
         QTest::newRow("French") << QByteArray("[Language]\nlanguage=French\n") << false << 0;
         QTest::newRow("wrong group") << QByteArray("[Tarnwy]\nlanguage=English\n") << false << 0;
+        // clang-format on
     }
 
     void languageLookup()
@@ -100,9 +102,11 @@ private slots:
 
     void damagedFiles_data()
     {
+        // clang-format off
         QTest::addColumn<int>("kind");
         QTest::newRow("binary garbage") << 0;
         QTest::newRow("directory in its place") << 1;
+        // clang-format on
     }
 
     void damagedFiles()
@@ -134,6 +138,7 @@ private slots:
     // for any amount of memory. Such a file reads as empty and is started afresh on a write.
     void storedObjects_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("line");
         QTest::addColumn<QString>("mode");   // what mode() reads; "<none>": the file is refused
         const QByteArray polygon = "@Variant(\\0\\0\\0G\\0\\xff\\xff\\xff\\xff)";
@@ -147,6 +152,7 @@ private slots:
         QTest::newRow("text form") << QByteArray("mode=@String(laser)") << "laser";
         QTest::newRow("at sign inside a value is text") << QByteArray("mode=me@host") << "me@host";
         QTest::newRow("in a comment line") << "; mode=" + polygon << "";
+        // clang-format on
     }
     void storedObjects()
     {

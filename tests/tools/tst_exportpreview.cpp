@@ -145,9 +145,11 @@ private slots:
 
     void vectorRoundTrip_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("mode");
         QTest::newRow("traced picture, laser") << "laser";
         QTest::newRow("CNC SVG export") << "cnc";
+        // clang-format on
     }
 
     // Outlines: every burned pixel lies on an edge of the drawing, and every edge is burned.
@@ -215,6 +217,7 @@ private slots:
 
     void files_data()
     {
+        // clang-format off
         QTest::addColumn<QByteArray>("gcode");
         QTest::addColumn<QStringList>("options");
         QTest::addColumn<QString>("output");
@@ -235,6 +238,7 @@ private slots:
                "Outside the work area: 1 burn move and 0 travel moves reach X up to 180 mm "
                "(the area is X 0..170 x Y 0..200 mm)\n"
             << 10 << 0;
+        // clang-format on
     }
 
     void files()

@@ -32,6 +32,7 @@ class TestExportSend : public QObject
 private slots:
     void send_data()
     {
+        // clang-format off
         QTest::addColumn<int>("kind");
         QTest::addColumn<QStringList>("options");
         QTest::addColumn<QByteArray>("stdinText");   // written, then closed
@@ -59,6 +60,7 @@ private slots:
             << QByteArray("\x18M5\n");
         QTest::newRow("no answer") << grbl << QStringList{"--firmware", "grbl", "--timeout", "1"} << QByteArray()
                                    << "silent" << 4 << "The machine did not answer within 1 s" << QByteArray("$$\n");
+        // clang-format on
     }
     void send()
     {
@@ -124,6 +126,7 @@ private slots:
 
     void badInput_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("port");      // "pty": the stand-in's; "held": the same, already open
         QTest::addColumn<QString>("input");
         QTest::addColumn<QStringList>("options");
@@ -136,6 +139,7 @@ private slots:
         QTest::newRow("bad firmware name") << "pty" << "job.gcode" << QStringList{"--firmware", "smoothie"}
                                            << "is not auto, grbl or marlin";
         QTest::newRow("bad timeout") << "pty" << "job.gcode" << QStringList{"--timeout", "soon"} << "is not";
+        // clang-format on
     }
     void badInput()
     {

@@ -40,12 +40,14 @@ class TestTarnwellExport : public QObject
 private slots:
     void helpExitsZero_data()
     {
+        // clang-format off
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<QString>("expected");  // start of standard output
         QTest::newRow("command") << QStringList{"--help"} << "Usage";
         for (const char *sub : {"raster", "vector", "trace", "qr", "preview", "send"})
             QTest::newRow(sub) << QStringList{sub, "--help"} << QStringLiteral("Usage: tarnwell-export %1").arg(sub);
         QTest::newRow("version") << QStringList{"--version"} << "tarnwell-export " TARNWELL_VERSION "\n";
+        // clang-format on
     }
 
     void helpExitsZero()
@@ -59,6 +61,7 @@ private slots:
 
     void badInput_data()
     {
+        // clang-format off
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<QString>("named");   // what the message must mention
         const QStringList raster{"raster", "--input", "pic.png", "--output", "out.gcode"};
@@ -101,6 +104,7 @@ private slots:
         QTest::newRow("preview, scale not a number") << preview + QStringList{"--px-per-mm", "ten"} << "not a number";
         QTest::newRow("preview, scale 0") << preview + QStringList{"--px-per-mm", "0"} << "more than 0";
         QTest::newRow("preview, unknown option") << preview + QStringList{"--dpi", "3"} << "unknown option";
+        // clang-format on
     }
 
     void badInput()
@@ -130,12 +134,14 @@ private slots:
 
     void rasterMatchesTheGenerator_data()
     {
+        // clang-format off
         QTest::addColumn<QString>("style");
         QTest::addColumn<int>("speed");
         QTest::addColumn<int>("power");
         QTest::newRow("bw defaults") << "bw" << 33 << 91;
         QTest::newRow("gray") << "gray" << 50 << 100;
         QTest::newRow("gray-linear") << "gray-linear" << 7 << 3;
+        // clang-format on
     }
 
     void rasterMatchesTheGenerator()
