@@ -12,10 +12,9 @@ const char *const ResultFile = "print.jpg";
 const char *const VoronoiProgram = "./voronoi.exe";
 constexpr int VoronoiTimeoutMs = 60000;
 constexpr int SketchBlurRadius = 4;
-} // namespace
+}  // namespace
 
-AllKindPic::AllKindPic(QWidget *parent)
-    : QDialog(parent), ui(new Ui::AllKindPic)
+AllKindPic::AllKindPic(QWidget *parent) : QDialog(parent), ui(new Ui::AllKindPic)
 {
     ui->setupUi(this);
     connect(ui->comboEffect, SIGNAL(currentIndexChanged(int)), this, SLOT(SlotEffectChosen(int)));
@@ -23,10 +22,7 @@ AllKindPic::AllKindPic(QWidget *parent)
     connect(ui->buttonBox, SIGNAL(rejected()), this, SLOT(reject()));
 }
 
-AllKindPic::~AllKindPic()
-{
-    delete ui;
-}
+AllKindPic::~AllKindPic() { delete ui; }
 
 void AllKindPic::SetImageFile(const QString &path)
 {
@@ -110,8 +106,8 @@ void AllKindPic::showPreview()
         ui->labelPreview->setText(tr("没有图片"));
         return;
     }
-    ui->labelPreview->setPixmap(QPixmap::fromImage(m_result).scaled(
-        ui->labelPreview->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    ui->labelPreview->setPixmap(
+        QPixmap::fromImage(m_result).scaled(ui->labelPreview->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
 }
 
 void AllKindPic::SlotAccepted()
@@ -124,8 +120,7 @@ void AllKindPic::SlotAccepted()
     if (ui->comboEffect->currentIndex() == Voronoi) {
         // The stippling program reads the picture and writes the result file itself.
         QProcess voronoi;
-        voronoi.start(QString::fromLatin1(VoronoiProgram),
-                      {m_sourcePath, QString::fromLatin1(ResultFile)});
+        voronoi.start(QString::fromLatin1(VoronoiProgram), {m_sourcePath, QString::fromLatin1(ResultFile)});
         if (!voronoi.waitForFinished(VoronoiTimeoutMs) || !QFile::exists(ResultFile)) {
             QMessageBox::warning(this, tr("Warning"), tr("无法运行 %1").arg(VoronoiProgram));
             return;

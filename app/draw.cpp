@@ -36,13 +36,11 @@ constexpr int FontSizeMaximum = 500;
 constexpr int StartFontSize = 99;
 
 const char *const Catalogues[] = {":/bin_zh.qm", ":/bin_en.qm", ":/bin_ko.qm"};
-} // namespace
+}  // namespace
 
-Draw::Draw(QWidget *parent)
-    : QMainWindow(parent), ui(new Ui::Draw)
+Draw::Draw(QWidget *parent) : QMainWindow(parent), ui(new Ui::Draw)
 {
-    m_chooseFile = [this](FileQuestion question, const QString &title, const QString &folder,
-                          const QString &filter) {
+    m_chooseFile = [this](FileQuestion question, const QString &title, const QString &folder, const QString &filter) {
         return question == FileQuestion::Open ? QFileDialog::getOpenFileName(this, title, folder, filter)
                                               : QFileDialog::getSaveFileName(this, title, folder, filter);
     };
@@ -159,12 +157,10 @@ void Draw::applyMode()
 void Draw::hideSettingsWidgets()
 {
     const QList<QWidget *> hidden = {
-        ui->frame_6,      ui->lineCNCOn,    ui->lineCNCOff,      ui->lineCNCFeedZ,
-        ui->lineCNCTravelZ, ui->lineLaserOff, ui->lineLaserOn,   ui->lineTravel,
-        ui->lineCureSpeed, ui->label_5,     ui->label_6,         ui->label_7,
-        ui->label_8,      ui->label_9,      ui->label_10,        ui->label_11,
-        ui->label_12,     ui->label_16,     ui->label_17,        ui->label_18,
-        ui->label_19,     ui->btnLoadGcodeEnd, ui->btnLoadGcodeHead};
+        ui->frame_6,     ui->lineCNCOn,  ui->lineCNCOff,    ui->lineCNCFeedZ,    ui->lineCNCTravelZ,  ui->lineLaserOff,
+        ui->lineLaserOn, ui->lineTravel, ui->lineCureSpeed, ui->label_5,         ui->label_6,         ui->label_7,
+        ui->label_8,     ui->label_9,    ui->label_10,      ui->label_11,        ui->label_12,        ui->label_16,
+        ui->label_17,    ui->label_18,   ui->label_19,      ui->btnLoadGcodeEnd, ui->btnLoadGcodeHead};
     for (QWidget *w : hidden)
         w->hide();
     ui->carTabWidget->removeTab(0);
@@ -243,15 +239,9 @@ void Draw::on_radioButtonCNC_clicked(bool checked)
     ui->frame_grayout->hide();
 }
 
-void Draw::SlotSetPowerText(int value)
-{
-    ui->labelPower->setText(tr("%1").arg(value));
-}
+void Draw::SlotSetPowerText(int value) { ui->labelPower->setText(tr("%1").arg(value)); }
 
-void Draw::SlotSetSpeedText(int value)
-{
-    ui->labelSpeed->setText(tr("%1").arg(value));
-}
+void Draw::SlotSetSpeedText(int value) { ui->labelSpeed->setText(tr("%1").arg(value)); }
 
 void Draw::SlotLogMsg(QString text)
 {
@@ -259,10 +249,7 @@ void Draw::SlotLogMsg(QString text)
     ui->textBrowser->moveCursor(QTextCursor::End);
 }
 
-void Draw::SlotConnected(bool connected)
-{
-    ui->frame_2->setEnabled(connected);
-}
+void Draw::SlotConnected(bool connected) { ui->frame_2->setEnabled(connected); }
 
 // ---- Messages -------------------------------------------------------------
 

@@ -202,21 +202,22 @@ private:
     bool m_pictureLoaded = false;
     QFont m_textFont;
     QImage m_image;
-    QString m_timeText;   // the last estimated time shown, put back after a language switch
+    QString m_timeText;  // the last estimated time shown, put back after a language switch
 
-    int m_textPixelSize = -1;   // not yet chosen
-    int m_language = 0;         // 0 Chinese, 1 English, 2 Korean
+    int m_textPixelSize = -1;  // not yet chosen
+    int m_language = 0;        // 0 Chinese, 1 English, 2 Korean
 
     // Worker objects, in the order they are made.
     CPSerialPort *m_serialPanel = nullptr;
     FrontEnd *m_frontEnd = nullptr;
     Bitmap2Svg *m_tracer = nullptr;
     Svg2GcodeP *m_svgGcode = nullptr;
-    struct JobRecord {
+    struct JobRecord
+    {
         double x = 0, y = 0, width = 0, height = 0;
         QByteArray header, footer;
         QString name;
-    } m_record;   // kept for the job format to come; nothing reads it yet
+    } m_record;  // kept for the job format to come; nothing reads it yet
     Bitmap2Gcode *m_bitmapGcode = nullptr;
     ImgBinaryEdit *m_imgEdit = nullptr;
     QHBoxLayout *m_serialLayout = nullptr;
@@ -226,7 +227,7 @@ private:
     MachinePanel *m_machinePanel = nullptr;
 
     QTranslator *m_translator = nullptr;
-    struct MaterialRecord *m_material = nullptr;   // the record selected in the combo box
+    struct MaterialRecord *m_material = nullptr;  // the record selected in the combo box
 };
 
 #endif

@@ -32,7 +32,7 @@ const char *const BlackWhiteJpg = "black_white.jpg";
 const char *const BlackWhiteSvg = "black_white.svg";
 const char *const LocalGcode = "local.gcode";
 const char *const StaleJobFile = "printfile";
-} // namespace
+}  // namespace
 
 // ---- Choosing, preparing and placing a picture -----------------------------
 
@@ -41,8 +41,8 @@ void Draw::on_file_clicked()
     on_btndelete_clicked();
     const QString stored = AppSettings::preVectorPath();
     const QString folder = stored.isEmpty() ? QStringLiteral(".") : stored;
-    const QString fileName = m_chooseFile(FileQuestion::Open, tr("Open File"), folder,
-                                          tr("Images (*.jpeg *.jpg *.png *.bmp *.svg)"));
+    const QString fileName =
+        m_chooseFile(FileQuestion::Open, tr("Open File"), folder, tr("Images (*.jpeg *.jpg *.png *.bmp *.svg)"));
     if (fileName.isEmpty()) {
         AppSettings::setPreVectorPath(stored);
         return;
@@ -85,20 +85,17 @@ void Draw::SlotPixitemDropped(QString pixName)
     on_btndelete_clicked();
     m_picturePath = pixName;
     if (!ui->radioButtonLaser->isChecked())
-        return;   // CNC: the canvas is cleared and the path kept, nothing is loaded
+        return;  // CNC: the canvas is cleared and the path kept, nothing is loaded
     m_imgEdit->raise();
     routePicture(pixName);
 }
 
-void Draw::SlotPrint(QString path)
-{
-    loadPicture(path);
-}
+void Draw::SlotPrint(QString path) { loadPicture(path); }
 
 void Draw::SlotLoadBlackWhite()
 {
-    const bool trace = ui->radioButtonCNC->isChecked()
-        || (ui->radioButtonLaser->isChecked() && ui->radioButtonOut->isChecked());
+    const bool trace =
+        ui->radioButtonCNC->isChecked() || (ui->radioButtonLaser->isChecked() && ui->radioButtonOut->isChecked());
     if (!trace) {
         loadPicture(QString::fromLatin1(BlackWhiteJpg));
         return;
@@ -254,7 +251,7 @@ void Draw::on_btnExportGcode_clicked()
     }
     const QString title = message("保存文件", "Save file");
     if (title.isNull())
-        return;   // no dialog without its title text
+        return;  // no dialog without its title text
     const QString folder = stored.isEmpty() ? QStringLiteral(".") : stored;
     const QString name = m_chooseFile(FileQuestion::Save, title, folder, QStringLiteral("Gcode (*.gcode)"));
     if (name.isEmpty()) {
@@ -291,7 +288,7 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
         QThread *thread = blackWhite ? new QThread : nullptr;
         Bitmap2Gcode *generator = new Bitmap2Gcode;
         if (thread)
-            generator->moveToThread(thread);   // never started: the call below is direct
+            generator->moveToThread(thread);  // never started: the call below is direct
         generator->offset = pos;
         generator->SetTravelSpeed(travel);
         generator->SetFeedSpeed(feed);

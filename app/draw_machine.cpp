@@ -46,22 +46,16 @@ void Draw::on_home_clicked() { emit Sig_toarduino(QStringLiteral("G28 X Y")); }
 void Draw::on_setHome_clicked() { emit Sig_toarduino(QStringLiteral("G92 X0 Y0 \n")); }
 void Draw::on_backHome_clicked() { emit Sig_toarduino(QStringLiteral("G1 X0 Y0 \n")); }
 
-void Draw::on_btnSend_clicked()
-{
-    m_serialPanel->WritePort(ui->lineEditGcodeLine->text());
-}
+void Draw::on_btnSend_clicked() { m_serialPanel->WritePort(ui->lineEditGcodeLine->text()); }
 
-void Draw::on_lineEditGcodeLine_returnPressed()
-{
-    m_serialPanel->WritePort(ui->lineEditGcodeLine->text());
-}
+void Draw::on_lineEditGcodeLine_returnPressed() { m_serialPanel->WritePort(ui->lineEditGcodeLine->text()); }
 
 void Draw::loadSnippet(const QString &target)
 {
     const QString chosen =
         m_chooseFile(FileQuestion::Open, tr("Gcode Header"), QStringLiteral("."), QStringLiteral("Gcode(*.gcode)"));
     if (!chosen.isEmpty())
-        QFile::copy(chosen, target);   // an existing snippet is kept
+        QFile::copy(chosen, target);  // an existing snippet is kept
 }
 
 void Draw::on_btnLoadGcodeHead_clicked() { loadSnippet(QStringLiteral("./start.gm")); }

@@ -168,7 +168,7 @@ void Draw::on_TextToQRcodeButton_clicked()
 {
     const QString file = QString::fromLatin1(QrCodeBitmap::FileName);
     if (!QrCodeBitmap::write(ui->textEdit->toPlainText(), file))
-        return;   // encoding or file errors end quietly
+        return;  // encoding or file errors end quietly
     m_picturePath = file;
     SlotPixitemDropped(file);
 }

@@ -26,15 +26,13 @@ QByteArray gcodeLine(const QString &text)
     return GcodeTokenizer::stripComments(text.section(QLatin1Char('\n'), 0, 0).toUtf8());
 }
 
-QByteArray mm(double v)
-{
-    return QByteArray::number(v, 'f', 2);
-}
+QByteArray mm(double v) { return QByteArray::number(v, 'f', 2); }
 
-} // namespace
+}  // namespace
 
 MachinePanel::MachinePanel(QWidget *parent)
-    : QWidget(parent, Qt::Window), ui(new Ui::MachinePanel), m_link(new MachineLink(this)), m_runner(new JobRunner(m_link, this))
+    : QWidget(parent, Qt::Window), ui(new Ui::MachinePanel), m_link(new MachineLink(this)),
+      m_runner(new JobRunner(m_link, this))
 {
     ui->setupUi(this);
     for (const int baud : BaudRates)
@@ -56,9 +54,8 @@ MachinePanel::MachinePanel(QWidget *parent)
     connect(m_link, &MachineLink::fault, this, &MachinePanel::onFault);
     connect(m_runner, &JobRunner::progressChanged, this, &MachinePanel::onProgress);
     connect(m_runner, &JobRunner::stateChanged, this, &MachinePanel::onJobStateChanged);
-    connect(m_runner, &JobRunner::lineFailed, this, [this](int line, const QString &text) {
-        log(tr("Line %1: %2").arg(line).arg(text));
-    });
+    connect(m_runner, &JobRunner::lineFailed, this,
+            [this](int line, const QString &text) { log(tr("Line %1: %2").arg(line).arg(text)); });
     retranslateUi();
     on_refreshButton_clicked();
     updateControls();
@@ -114,7 +111,8 @@ void MachinePanel::on_refreshButton_clicked()
     const QString current = ui->portCombo->currentData().toString();
     ui->portCombo->clear();
     for (const QSerialPortInfo &info : QSerialPortInfo::availablePorts())
-        ui->portCombo->addItem(info.description().isEmpty() ? info.portName() : info.portName() + " - " + info.description(),
+        ui->portCombo->addItem(info.description().isEmpty() ? info.portName()
+                                                            : info.portName() + " - " + info.description(),
                                info.systemLocation());
     const int index = ui->portCombo->findData(current);
     if (index >= 0)
@@ -137,7 +135,8 @@ bool MachinePanel::holderHoldsPort(const QString &port) const
     if (!combo || !button || button->text() != QCoreApplication::translate("CPSerialPort", "断开"))
         return false;
     const QString held = combo->currentText();
-    return !held.isEmpty() && (port == held || QFileInfo(port).fileName() == held || QSerialPortInfo(held).systemLocation() == port);
+    return !held.isEmpty()
+           && (port == held || QFileInfo(port).fileName() == held || QSerialPortInfo(held).systemLocation() == port);
 }
 
 void MachinePanel::on_connectButton_clicked()
@@ -189,8 +188,11 @@ void MachinePanel::send(const QList<QByteArray> &lines)
 
 void MachinePanel::jog(char axis, int direction)
 {
-    const double step = ui->step01Radio->isChecked() ? JogSteps[0] : ui->step10Radio->isChecked() ? JogSteps[2] : JogSteps[1];
-    const QByteArray move = QByteArray(1, axis) + mm(step * direction) + " F" + QByteArray::number(ui->feedSpin->value());
+    const double step = ui->step01Radio->isChecked()   ? JogSteps[0]
+                        : ui->step10Radio->isChecked() ? JogSteps[2]
+                                                       : JogSteps[1];
+    const QByteArray move =
+        QByteArray(1, axis) + mm(step * direction) + " F" + QByteArray::number(ui->feedSpin->value());
     // GRBL's jog leaves the modal state alone; Marlin goes back to absolute moves at once.
     if (m_link->firmware() == Firmware::Grbl)
         send({"$J=G91 " + move});
@@ -208,24 +210,20 @@ void MachinePanel::on_unlockButton_clicked()
     send({m_link->firmware() == Firmware::Grbl ? QByteArrayLiteral("$X") : QByteArrayLiteral("M999")});
 }
 
-void MachinePanel::on_setOriginButton_clicked()
-{
-    send({"G92 X0 Y0"});
-}
+void MachinePanel::on_setOriginButton_clicked() { send({"G92 X0 Y0"}); }
 
-void MachinePanel::on_goOriginButton_clicked()
-{
-    send({"G90", "G0 X0 Y0"});
-}
+void MachinePanel::on_goOriginButton_clicked() { send({"G90", "G0 X0 Y0"}); }
 
-QList<QByteArray> MachinePanel::frameLines(const QRectF &area, Firmware firmware, int powerPercent, int feed, int grblMaxPower)
+QList<QByteArray> MachinePanel::frameLines(const QRectF &area, Firmware firmware, int powerPercent, int feed,
+                                           int grblMaxPower)
 {
     const bool grbl = firmware == Firmware::Grbl;
     const QByteArray off = grbl ? "M5" : "M107";
     const QByteArray l = mm(area.left()), r = mm(area.right()), b = mm(area.top()), t = mm(area.bottom());
     QList<QByteArray> lines{"G90", off, "G0 X" + l + " Y" + b};
     if (powerPercent > 0)
-        lines << (grbl ? "M3 S" + QByteArray::number(powerPercent * grblMaxPower / 100) : "M106 S" + QByteArray::number(powerPercent * 255 / 100));
+        lines << (grbl ? "M3 S" + QByteArray::number(powerPercent * grblMaxPower / 100)
+                       : "M106 S" + QByteArray::number(powerPercent * 255 / 100));
     lines << "G1 X" + r + " Y" + b + " F" + QByteArray::number(feed) << "G1 X" + r + " Y" + t << "G1 X" + l + " Y" + t
           << "G1 X" + l + " Y" + b << off;
     return lines;
@@ -238,13 +236,17 @@ void MachinePanel::on_frameButton_clicked()
         showMessage(tr("Place a picture inside the work area first"), true);
         return;
     }
-    send(frameLines(area, m_link->firmware(), ui->framePowerSpin->value(), ui->feedSpin->value(), m_link->grblMaxPower()));
-    showMessage(tr("Framing X %1 to %2, Y %3 to %4 mm").arg(area.left()).arg(area.right()).arg(area.top()).arg(area.bottom()), false);
+    send(frameLines(area, m_link->firmware(), ui->framePowerSpin->value(), ui->feedSpin->value(),
+                    m_link->grblMaxPower()));
+    showMessage(
+        tr("Framing X %1 to %2, Y %3 to %4 mm").arg(area.left()).arg(area.right()).arg(area.top()).arg(area.bottom()),
+        false);
 }
 
 void MachinePanel::on_chooseButton_clicked()
 {
-    const QString name = QFileDialog::getOpenFileName(this, tr("Job to run"), QString(), tr("G-code (*.gcode *.nc *.gc);;All files (*)"));
+    const QString name = QFileDialog::getOpenFileName(this, tr("Job to run"), QString(),
+                                                      tr("G-code (*.gcode *.nc *.gc);;All files (*)"));
     if (!name.isEmpty())
         ui->jobEdit->setText(name);
 }
@@ -273,10 +275,7 @@ void MachinePanel::on_runButton_clicked()
     showMessage(tr("Running %1").arg(QFileInfo(file).fileName()), false);
 }
 
-void MachinePanel::on_pauseButton_clicked()
-{
-    m_runner->pause();
-}
+void MachinePanel::on_pauseButton_clicked() { m_runner->pause(); }
 
 void MachinePanel::on_resumeButton_clicked()
 {
@@ -284,10 +283,7 @@ void MachinePanel::on_resumeButton_clicked()
     showMessage(QString(), false);
 }
 
-void MachinePanel::on_stopButton_clicked()
-{
-    m_runner->stop();
-}
+void MachinePanel::on_stopButton_clicked() { m_runner->stop(); }
 
 void MachinePanel::on_sendButton_clicked()
 {
@@ -315,7 +311,9 @@ void MachinePanel::onLinkStateChanged()
         ui->linkLabel->setText(tr("Connecting to %1...").arg(QFileInfo(m_link->portName()).fileName()));
         break;
     case MachineLink::Ready:
-        ui->linkLabel->setText(tr("Connected to %1 (%2)").arg(QFileInfo(m_link->portName()).fileName(), QLatin1String(Names[int(m_link->firmware())])));
+        ui->linkLabel->setText(
+            tr("Connected to %1 (%2)")
+                .arg(QFileInfo(m_link->portName()).fileName(), QLatin1String(Names[int(m_link->firmware())])));
         if (m_link->firmware() == Firmware::Marlin)
             m_link->requestPosition();
         break;
@@ -326,14 +324,13 @@ void MachinePanel::onLinkStateChanged()
 void MachinePanel::onStatus(const QByteArray &state, double x, double y)
 {
     m_state = state;
-    ui->machineLabel->setText(tr("State: %1   X %2  Y %3").arg(state.isEmpty() ? QStringLiteral("-") : QString::fromUtf8(state))
-                                  .arg(x, 0, 'f', 2).arg(y, 0, 'f', 2));
+    ui->machineLabel->setText(tr("State: %1   X %2  Y %3")
+                                  .arg(state.isEmpty() ? QStringLiteral("-") : QString::fromUtf8(state))
+                                  .arg(x, 0, 'f', 2)
+                                  .arg(y, 0, 'f', 2));
 }
 
-void MachinePanel::log(const QString &text)
-{
-    ui->consoleView->appendPlainText(text);
-}
+void MachinePanel::log(const QString &text) { ui->consoleView->appendPlainText(text); }
 
 void MachinePanel::onBytesSent(const QByteArray &bytes)
 {
@@ -373,7 +370,8 @@ void MachinePanel::onFault(const MachineReply &reply)
         return;
     QString text = QString::fromUtf8(reply.text);
     if (reply.kind == MachineReply::Alarm)
-        text += QStringLiteral(" - ") + MachineReplies::grblAlarmText(reply.code) + tr(" Unlock the machine before going on.");
+        text += QStringLiteral(" - ") + MachineReplies::grblAlarmText(reply.code)
+                + tr(" Unlock the machine before going on.");
     showMessage(text, true);
 }
 
@@ -383,8 +381,10 @@ void MachinePanel::onProgress()
     const int done = m_runner->acknowledged();
     ui->progressBar->setValue(total ? int(qint64(done) * 100 / total) : 0);
     ui->progressLabel->setText(tr("%1 / %2 lines   elapsed %3   left %4")
-                                   .arg(done).arg(total)
-                                   .arg(JobRunner::clockText(m_runner->elapsedMs() / 1000.0), JobRunner::clockText(m_runner->remainingSeconds())));
+                                   .arg(done)
+                                   .arg(total)
+                                   .arg(JobRunner::clockText(m_runner->elapsedMs() / 1000.0),
+                                        JobRunner::clockText(m_runner->remainingSeconds())));
 }
 
 void MachinePanel::onJobStateChanged()
@@ -403,7 +403,11 @@ void MachinePanel::onJobStateChanged()
         showMessage(tr("Stopped; the beam is off"), false);
         break;
     case JobRunner::Failed:
-        showMessage(m_runner->message() + (m_runner->failure() == JobRunner::Alarm ? QString() : tr(" The job was stopped and the beam turned off.")), true);
+        showMessage(m_runner->message()
+                        + (m_runner->failure() == JobRunner::Alarm
+                               ? QString()
+                               : tr(" The job was stopped and the beam turned off.")),
+                    true);
         break;
     default:
         break;
@@ -429,11 +433,12 @@ void MachinePanel::updateControls()
     const bool idle = ready && !job;
     ui->connectButton->setEnabled(!open);
     ui->disconnectButton->setEnabled(open);
-    for (QWidget *w : {static_cast<QWidget *>(ui->portCombo), static_cast<QWidget *>(ui->pathEdit), static_cast<QWidget *>(ui->baudCombo),
-                       static_cast<QWidget *>(ui->firmwareCombo), static_cast<QWidget *>(ui->refreshButton)})
+    for (QWidget *w : {static_cast<QWidget *>(ui->portCombo), static_cast<QWidget *>(ui->pathEdit),
+                       static_cast<QWidget *>(ui->baudCombo), static_cast<QWidget *>(ui->firmwareCombo),
+                       static_cast<QWidget *>(ui->refreshButton)})
         w->setEnabled(!open);
-    for (QWidget *w : {ui->xPlusButton, ui->xMinusButton, ui->yPlusButton, ui->yMinusButton, ui->homeButton, ui->setOriginButton,
-                       ui->goOriginButton, ui->frameButton, ui->runButton, ui->sendButton})
+    for (QWidget *w : {ui->xPlusButton, ui->xMinusButton, ui->yPlusButton, ui->yMinusButton, ui->homeButton,
+                       ui->setOriginButton, ui->goOriginButton, ui->frameButton, ui->runButton, ui->sendButton})
         w->setEnabled(idle);
     ui->commandEdit->setEnabled(idle);
     ui->chooseButton->setEnabled(!job);

@@ -40,7 +40,8 @@ public:
     void retranslateUi();
 
     // The frame's lines for a rectangle in machine millimetres.
-    static QList<QByteArray> frameLines(const QRectF &area, Firmware firmware, int powerPercent, int feed, int grblMaxPower);
+    static QList<QByteArray> frameLines(const QRectF &area, Firmware firmware, int powerPercent, int feed,
+                                        int grblMaxPower);
 
 protected:
     void changeEvent(QEvent *event) override;

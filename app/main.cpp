@@ -36,14 +36,14 @@ int main(int argc, char *argv[])
     }
 
     QSplashScreen splash(QPixmap(QStringLiteral(":/img/earth.jpg")));
-    splash.setEnabled(false);   // takes no clicks
+    splash.setEnabled(false);  // takes no clicks
     splash.show();
 
     QElapsedTimer elapsed;
     elapsed.start();
     while (elapsed.elapsed() < SplashMilliseconds) {
         app.processEvents();
-        QThread::msleep(10);   // no need to spin a core at full speed
+        QThread::msleep(10);  // no need to spin a core at full speed
     }
 
     splash.close();

@@ -58,11 +58,9 @@ double asTyped(float value)
     return shortest;
 }
 
-} // namespace
+}  // namespace
 
-MaterialLibrary::MaterialLibrary() : m_languages(AppSettings::languageList())
-{
-}
+MaterialLibrary::MaterialLibrary() : m_languages(AppSettings::languageList()) {}
 
 MaterialLibrary &MaterialLibrary::instance()
 {
@@ -70,10 +68,7 @@ MaterialLibrary &MaterialLibrary::instance()
     return library;
 }
 
-void MaterialLibrary::lookupLanguage()
-{
-    m_languageIndex = AppSettings::languageIndex();
-}
+void MaterialLibrary::lookupLanguage() { m_languageIndex = AppSettings::languageIndex(); }
 
 QString MaterialLibrary::fileName(int languageIndex)
 {

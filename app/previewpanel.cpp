@@ -20,12 +20,11 @@
 
 namespace {
 
-constexpr int InitialDockWidth = 300;   // pixels
+constexpr int InitialDockWidth = 300;  // pixels
 
-} // namespace
+}  // namespace
 
-PreviewPanel::PreviewPanel(QWidget *parent)
-    : QWidget(parent), ui(new Ui::PreviewPanel), m_loader(new PreviewLoader)
+PreviewPanel::PreviewPanel(QWidget *parent) : QWidget(parent), ui(new Ui::PreviewPanel), m_loader(new PreviewLoader)
 {
     ui->setupUi(this);
     ui->progress->hide();
@@ -42,7 +41,7 @@ PreviewPanel::PreviewPanel(QWidget *parent)
 
 PreviewPanel::~PreviewPanel()
 {
-    m_loader->want(-1);   // a running read stops at its next block
+    m_loader->want(-1);  // a running read stops at its next block
     m_thread.quit();
     m_thread.wait();
     delete ui;
@@ -97,8 +96,8 @@ void PreviewPanel::reload()
 void PreviewPanel::on_btnOpen_clicked()
 {
     const QString folder = m_path.isEmpty() ? QDir::currentPath() : QFileInfo(m_path).absolutePath();
-    const QString path = QFileDialog::getOpenFileName(
-        this, tr("Open G-code file"), folder, tr("G-code (*.gcode *.nc *.ngc *.gc *.txt);;All files (*)"));
+    const QString path = QFileDialog::getOpenFileName(this, tr("Open G-code file"), folder,
+                                                      tr("G-code (*.gcode *.nc *.ngc *.gc *.txt);;All files (*)"));
     if (!path.isEmpty())
         showFile(path, false);
 }
@@ -116,15 +115,9 @@ void PreviewPanel::on_btnFit_clicked()
         ui->view->fitMachineRect(QRectF());
 }
 
-void PreviewPanel::on_checkTravel_toggled(bool)
-{
-    reload();
-}
+void PreviewPanel::on_checkTravel_toggled(bool) { reload(); }
 
-void PreviewPanel::on_checkDepth_toggled(bool)
-{
-    reload();
-}
+void PreviewPanel::on_checkDepth_toggled(bool) { reload(); }
 
 void PreviewPanel::loaderProgressed(int ticket, int percent)
 {
@@ -143,8 +136,8 @@ void PreviewPanel::loaderFinished(int ticket, const QImage &picture, const Toolp
     ui->view->setPicture(picture, PreviewLoader::PxPerMm);
     // Where the job goes beyond the area: the box of everything that lies outside it.
     if (summary.burnMovesOutside + summary.travelMovesOutside > 0)
-        ui->view->setOverreach(QRectF(QPointF(summary.outMinX, summary.outMinY),
-                                      QPointF(summary.outMaxX, summary.outMaxY)));
+        ui->view->setOverreach(
+            QRectF(QPointF(summary.outMinX, summary.outMinY), QPointF(summary.outMaxX, summary.outMaxY)));
     else
         ui->view->setOverreach(QRectF());
     if (m_fitPending) {
@@ -174,11 +167,11 @@ QString PreviewPanel::figuresText() const
     if (!m_hasSummary)
         return QString();
     const ToolpathSummary &s = m_summary;
-    const QString extent =
-        s.hasExtent ? tr("X %1..%2, Y %3..%4 mm")
-                          .arg(ToolpathReport::millimetres(s.minX), ToolpathReport::millimetres(s.maxX),
-                               ToolpathReport::millimetres(s.minY), ToolpathReport::millimetres(s.maxY))
-                    : tr("none");
+    const QString extent = s.hasExtent
+                               ? tr("X %1..%2, Y %3..%4 mm")
+                                     .arg(ToolpathReport::millimetres(s.minX), ToolpathReport::millimetres(s.maxX),
+                                          ToolpathReport::millimetres(s.minY), ToolpathReport::millimetres(s.maxY))
+                               : tr("none");
     QString text = tr("Lines: %1   Burn moves: %2   Extent: %3   Estimated time: %4")
                        .arg(s.lines)
                        .arg(s.burnMoves)

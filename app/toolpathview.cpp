@@ -23,8 +23,8 @@ constexpr double LabelStep = 50;  // mm
 constexpr double Margin = 12;     // mm of room around the area for the labels
 constexpr double FitPadding = 4;  // pixels between the fitted labels and the view's edge
 constexpr double WheelStep = 1.25;
-constexpr int MaxDetailLevel = 5;  // down to 1/32 of the picture
-constexpr double MinZoom = 0.2, MaxZoom = 400;   // screen pixels per mm
+constexpr int MaxDetailLevel = 5;               // down to 1/32 of the picture
+constexpr double MinZoom = 0.2, MaxZoom = 400;  // screen pixels per mm
 
 QGraphicsSimpleTextItem *label(QGraphicsScene *scene, const QString &text, QPointF at, bool alignRight)
 {
@@ -33,11 +33,12 @@ QGraphicsSimpleTextItem *label(QGraphicsScene *scene, const QString &text, QPoin
     item->setBrush(QColor(90, 90, 90));
     const QRectF box = item->boundingRect();
     item->setPos(at);
-    item->setTransform(QTransform::fromTranslate(alignRight ? -box.width() - 3 : -box.width() / 2, alignRight ? -box.height() / 2 : 2));
+    item->setTransform(QTransform::fromTranslate(alignRight ? -box.width() - 3 : -box.width() / 2,
+                                                 alignRight ? -box.height() / 2 : 2));
     return item;
 }
 
-} // namespace
+}  // namespace
 
 ToolpathView::ToolpathView(QWidget *parent) : QGraphicsView(parent)
 {
@@ -102,16 +103,16 @@ void ToolpathView::updateDetail()
         m_picture->setPixmap(QPixmap());
         return;
     }
-    const double ratio = zoom() / m_pxPerMm;   // screen pixels per picture pixel
+    const double ratio = zoom() / m_pxPerMm;  // screen pixels per picture pixel
     const int level = ratio >= 1 ? 0 : std::min(MaxDetailLevel, int(std::floor(std::log2(1 / ratio))));
     if (level == m_level)
         return;
     m_level = level;
     const int step = 1 << level;
-    const QImage shown = level == 0 ? m_full
-                                    : m_full.scaled(std::max(1, m_full.width() / step),
-                                                    std::max(1, m_full.height() / step), Qt::IgnoreAspectRatio,
-                                                    Qt::SmoothTransformation);
+    const QImage shown = level == 0
+                             ? m_full
+                             : m_full.scaled(std::max(1, m_full.width() / step), std::max(1, m_full.height() / step),
+                                             Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     m_picture->setPixmap(QPixmap::fromImage(shown));
     m_picture->setScale(double(m_full.width()) / shown.width() / m_pxPerMm);
 }
@@ -187,8 +188,8 @@ void ToolpathView::applyFit()
     const double zoom = std::clamp(std::min((port.width() - room.left() - room.right()) / m_fit.width(),
                                             (port.height() - room.top() - room.bottom()) / m_fit.height()),
                                    MinZoom, MaxZoom);
-    const QRectF padded = m_fit.adjusted(-room.left() / zoom, -room.top() / zoom,
-                                         room.right() / zoom, room.bottom() / zoom);
+    const QRectF padded =
+        m_fit.adjusted(-room.left() / zoom, -room.top() / zoom, room.right() / zoom, room.bottom() / zoom);
     // A pixel short of the viewport each way, so that rounding never calls for scroll bars.
     QRectF visible(0, 0, (port.width() - 2) / zoom, (port.height() - 2) / zoom);
     visible.moveCenter(padded.center());

@@ -49,8 +49,8 @@ private:
     QImage m_full;
     double m_pxPerMm = 1;
     int m_level = -1;
-    QRectF m_fit;          // scene rectangle to fit
-    bool m_autoFit = true; // until the user zooms or pans, the fit follows the view's size
+    QRectF m_fit;           // scene rectangle to fit
+    bool m_autoFit = true;  // until the user zooms or pans, the fit follows the view's size
 };
 
 #endif

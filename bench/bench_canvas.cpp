@@ -48,8 +48,8 @@ QImage makePhoto()
     return image;
 }
 
-void sendMouse(QGraphicsScene *scene, QEvent::Type type, const QPointF &p, const QPointF &down,
-               Qt::MouseButton button, Qt::MouseButtons buttons)
+void sendMouse(QGraphicsScene *scene, QEvent::Type type, const QPointF &p, const QPointF &down, Qt::MouseButton button,
+               Qt::MouseButtons buttons)
 {
     QGraphicsSceneMouseEvent ev(type);
     ev.setScenePos(p);
@@ -60,7 +60,10 @@ void sendMouse(QGraphicsScene *scene, QEvent::Type type, const QPointF &p, const
     QApplication::sendEvent(scene, &ev);
 }
 
-struct Figures { double median, mean, max; };
+struct Figures
+{
+    double median, mean, max;
+};
 
 // A 2000 x 2000 page of text traced as the program traces it.
 bool writeTracedPage(const QString &svgPath)
@@ -130,8 +133,8 @@ int tracedPageSteps(const QString &shots)
         plain.push_back(timer.nsecsElapsed() / 1e6);
     }
     const Figures p = summarise(plain);
-    std::printf("traced page (%d bytes of SVG), %.1f x %.1f mm at %.2f px/mm\n",
-                int(QFileInfo(svg).size()), item->rect().width(), item->rect().height(), view.transform().m11());
+    std::printf("traced page (%d bytes of SVG), %.1f x %.1f mm at %.2f px/mm\n", int(QFileInfo(svg).size()),
+                item->rect().width(), item->rect().height(), view.transform().m11());
     std::printf("  outlines stroked at the view's scale (each paint before): median %.2f ms, max %.2f ms\n", p.median,
                 p.max);
 
@@ -182,7 +185,7 @@ int tracedPageSteps(const QString &shots)
     return 0;
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char *argv[])
 {
@@ -264,12 +267,13 @@ int main(int argc, char *argv[])
     const double release = timer.nsecsElapsed() / 1e6;
 
     const Figures s = summarise(steps);
-    std::printf("resize step (reload from file at the shown size): median %.2f ms, mean %.2f ms, max %.2f ms (%d steps)\n",
-                s.median, s.mean, s.max, Steps);
+    std::printf(
+        "resize step (reload from file at the shown size): median %.2f ms, mean %.2f ms, max %.2f ms (%d steps)\n",
+        s.median, s.mean, s.max, Steps);
     std::printf("release after resize: %.2f ms\n", release);
-    std::printf("item placed at %.2f x %.2f mm, now %.2f x %.2f mm, picture %d x %d px\n",
-                placed.width(), placed.height(), item->rect().width(), item->rect().height(),
-                item->pixmap().width(), item->pixmap().height());
+    std::printf("item placed at %.2f x %.2f mm, now %.2f x %.2f mm, picture %d x %d px\n", placed.width(),
+                placed.height(), item->rect().width(), item->rect().height(), item->pixmap().width(),
+                item->pixmap().height());
     // A folder as first argument keeps pictures of the view after the drag, during the
     // corner drag and after its release.
     return tracedPageSteps(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString());

@@ -36,8 +36,7 @@ bool writeJob(const QString &path)
         } else if (written % 2 == 0) {
             out << "G0 X" << (written % 1700) / 10.0 << " Y" << row / 10.0 << "\n";
         } else {
-            out << "G1 X" << (written % 1700) / 10.0 + 0.1 << " Y" << row / 10.0 << " S"
-                << (written * 7) % 256 << "\n";
+            out << "G1 X" << (written % 1700) / 10.0 + 0.1 << " Y" << row / 10.0 << " S" << (written * 7) % 256 << "\n";
             ++row;
         }
         ++written;
@@ -80,7 +79,7 @@ double median(std::vector<double> v)
     std::sort(v.begin(), v.end());
     return v[v.size() / 2];
 }
-}
+}  // namespace
 
 int main(int argc, char *argv[])
 {
@@ -145,8 +144,8 @@ int main(int argc, char *argv[])
                 *std::min_element(walk.begin(), walk.end()));
     std::printf("  commands %d, extent (%g, %g, %g x %g), commands handed out %lld, "
                 "characters received %lld\n",
-                commands, bounds.x(), bounds.y(), bounds.width(), bounds.height(),
-                static_cast<long long>(handedOut), static_cast<long long>(received));
+                commands, bounds.x(), bounds.y(), bounds.width(), bounds.height(), static_cast<long long>(handedOut),
+                static_cast<long long>(received));
     std::printf("  line-by-line: commands %d, extent (%g, %g, %g x %g)\n", plainCommands, plainBounds.x(),
                 plainBounds.y(), plainBounds.width(), plainBounds.height());
     return 0;

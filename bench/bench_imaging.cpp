@@ -97,7 +97,7 @@ QImage plainAdaptiveThreshold(const QImage &in)
     return out;
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char *argv[])
 {
@@ -113,30 +113,32 @@ int main(int argc, char *argv[])
 
     int t = 100;
     out << "global threshold, new image: " << medianMs(Runs, [&] { PixelOps::GlobalThreshold(photo, t++); }) << " ms\n";
-    out << "  the same in one thread:    " << medianMs(Runs, [&] { plainGlobalThreshold(photo, t++); }) << " ms (before)\n";
+    out << "  the same in one thread:    " << medianMs(Runs, [&] { plainGlobalThreshold(photo, t++); })
+        << " ms (before)\n";
     // As the editor runs it on a dragged slider: into the buffer of the previous result.
     QImage previous;
-    out << "global threshold:            " << medianMs(Runs, [&] {
-        previous = PixelOps::GlobalThreshold(photo, t++, std::move(previous));
-    }) << " ms\n";
+    out << "global threshold:            "
+        << medianMs(Runs, [&] { previous = PixelOps::GlobalThreshold(photo, t++, std::move(previous)); }) << " ms\n";
 
     ImgBinaryEdit editor;
     editor.resize(1093, 671);
     editor.show();
     editor.SetImage(photo);
     app.processEvents();
-    out << "slider step (with preview):  " << medianMs(Runs, [&] { editor.SlotHorizontalSliderValueChanged(t++); }) << " ms\n";
+    out << "slider step (with preview):  " << medianMs(Runs, [&] { editor.SlotHorizontalSliderValueChanged(t++); })
+        << " ms\n";
 
     // The two other parts of a slider step: the preview and the remembered threshold.
-    const QImage shownAs(previous.constBits(), previous.width(), previous.height(),
-                         previous.bytesPerLine(), QImage::Format_RGB32);
+    const QImage shownAs(previous.constBits(), previous.width(), previous.height(), previous.bytesPerLine(),
+                         QImage::Format_RGB32);
     out << "  of which preview scaling:  " << medianMs(Runs, [&] {
         shownAs.scaled(QSize(540, 600), Qt::KeepAspectRatio, Qt::SmoothTransformation);
     }) << " ms\n";
     out << "  of which Slice.ini write:  " << medianMs(Runs, [&] { AppSettings::setThreshold(t++); }) << " ms\n";
 
     const QImage inverted = PixelOps::InvertedThreshold(photo, 128);
-    out << "inverted threshold:          " << medianMs(Runs, [&] { PixelOps::InvertedThreshold(photo, 128); }) << " ms\n";
+    out << "inverted threshold:          " << medianMs(Runs, [&] { PixelOps::InvertedThreshold(photo, 128); })
+        << " ms\n";
     out << "outline:                     " << medianMs(Runs, [&] { PixelOps::Outline(inverted); }) << " ms\n";
     out << "adaptive threshold:          " << medianMs(Runs, [&] { PixelOps::AdaptiveThreshold(photo); }) << " ms\n";
     out << "  by a full integral image:  " << medianMs(Runs, [&] { plainAdaptiveThreshold(photo); }) << " ms (before)"

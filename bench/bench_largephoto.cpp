@@ -46,10 +46,10 @@ double peakMegabytes()
 {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss / 1024.0;   // kilobytes on Linux
+    return usage.ru_maxrss / 1024.0;  // kilobytes on Linux
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char *argv[])
 {

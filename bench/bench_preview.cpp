@@ -26,7 +26,6 @@ constexpr int MachineFeed = MachineValues::feed(MachineValues::StartSpeed);
 constexpr int MachineTravel = MachineValues::travel(MachineValues::StartSpeed);
 constexpr float MachinePower = MachineValues::power(MachineValues::StartPower);
 
-
 double median(std::vector<double> v)
 {
     std::sort(v.begin(), v.end());
@@ -81,7 +80,7 @@ Preview preview(const QString &file, bool draw)
     return p;
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char *argv[])
 {
@@ -124,7 +123,9 @@ int main(int argc, char *argv[])
                    .arg(summary.lines)
                    .arg(bytes / 1e6, 0, 'f', 1)
                    .arg(summary.burnMoves);
-        out << QStringLiteral("  export                 %1 s (median of %2)\n").arg(exportSeconds, 0, 'f', 3).arg(Repeats);
+        out << QStringLiteral("  export                 %1 s (median of %2)\n")
+                   .arg(exportSeconds, 0, 'f', 3)
+                   .arg(Repeats);
         out << QStringLiteral("  preview, parse only    %1 s\n").arg(median(parseTimes), 0, 'f', 3);
         out << QStringLiteral("  preview, parse + draw  %1 s at %2 px/mm = %3 x the export\n")
                    .arg(previewSeconds, 0, 'f', 3)

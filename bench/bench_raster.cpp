@@ -28,7 +28,6 @@ constexpr int MachineFeed = MachineValues::feed(MachineValues::StartSpeed);
 constexpr int MachineTravel = MachineValues::travel(MachineValues::StartSpeed);
 constexpr float MachinePower = MachineValues::power(MachineValues::StartPower);
 
-
 // Lines of black text on white, the sort of job a name plate or a label is.
 QImage blackText(int width, int height)
 {
@@ -94,7 +93,7 @@ void report(QTextStream &out, const QString &name, const Result &r)
     out.flush();
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char *argv[])
 {
@@ -152,6 +151,7 @@ int main(int argc, char *argv[])
 
     // For reference: the corrected grayscale export of the undithered gradient.
     const QImage photo = ditheredGradient(1700, 2000, false).convertToFormat(QImage::Format_Grayscale8);
-    report(out, QStringLiteral("(d) gray gradient 1700x2000 @ 0.1, corrected"), measure(photo, 0.1, scratch.file, false, true));
+    report(out, QStringLiteral("(d) gray gradient 1700x2000 @ 0.1, corrected"),
+           measure(photo, 0.1, scratch.file, false, true));
     return 0;
 }

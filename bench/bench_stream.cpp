@@ -20,7 +20,7 @@
 namespace {
 
 constexpr int JobLines = 100000;
-constexpr int SlowJobLines = 20000;   // the paced run only needs to reach a steady state
+constexpr int SlowJobLines = 20000;  // the paced run only needs to reach a steady state
 constexpr int Runs = 3;
 constexpr int Window = 128;
 
@@ -30,7 +30,8 @@ class StandIn : public QObject
 {
 public:
     StandIn(int fd, const QList<QByteArray> *expected, int linesPerSecond)
-        : m_fd(fd), m_expected(expected), m_perSecond(linesPerSecond) {}
+        : m_fd(fd), m_expected(expected), m_perSecond(linesPerSecond)
+    {}
     std::atomic<int> received{0}, wrong{0}, overflow{0}, pending{0};
 
     void start()
@@ -65,7 +66,7 @@ private:
                 if (m_line == "$$") {
                     reply("$30=1000\nok\n");
                     m_buffered = 0;
-                    m_clock.restart();   // the pace counts from the job, not from the set-up
+                    m_clock.restart();  // the pace counts from the job, not from the set-up
                 } else {
                     if (m_line != "G90") {
                         const int index = received++;
@@ -126,7 +127,9 @@ private:
 QByteArray rasterJob(int lines, QList<QByteArray> *sent)
 {
     QByteArray job = "G1 F1800 \nG28 X0 Y0  ;move X/Y to min endstops \nG0 F1800 \n";
-    *sent << "G1 F1800" << "G0 X0 Y0" << "G0 F1800";
+    *sent << "G1 F1800"
+          << "G0 X0 Y0"
+          << "G0 F1800";
     for (int i = 0; sent->size() < lines; ++i) {
         const int row = i / 50;
         QByteArray line;
@@ -145,7 +148,8 @@ QByteArray rasterJob(int lines, QList<QByteArray> *sent)
     return job;
 }
 
-void run(const char *title, int linesPerSecond, const QByteArray &job, const QList<QByteArray> &expected, const QString &dir)
+void run(const char *title, int linesPerSecond, const QByteArray &job, const QList<QByteArray> &expected,
+         const QString &dir)
 {
     QProcess socat;
     const QString a = dir + "/benchA", b = dir + "/benchB";
@@ -196,8 +200,8 @@ void run(const char *title, int linesPerSecond, const QByteArray &job, const QLi
     std::printf("%s\n", title);
     std::printf("  lines %d acknowledged %d in %.2f s: %.0f lines/s\n", runner.total(), runner.acknowledged(), seconds,
                 runner.acknowledged() / seconds);
-    std::printf("  lost %d, reordered or changed %d, buffer overflows %d\n", int(expected.size()) - standIn.received.load(),
-                standIn.wrong.load(), standIn.overflow.load());
+    std::printf("  lost %d, reordered or changed %d, buffer overflows %d\n",
+                int(expected.size()) - standIn.received.load(), standIn.wrong.load(), standIn.overflow.load());
     std::printf("  longest gap between event-loop turns: %lld ms\n", static_cast<long long>(longestGap));
     std::printf("  GRBL window fill: %.1f%% on average over time, %.1f%% at each write (of %d bytes)\n",
                 fillSamples ? 100.0 * fillSum / fillSamples / MachineLink::GrblWindow : 0.0,
@@ -212,7 +216,7 @@ void run(const char *title, int linesPerSecond, const QByteArray &job, const QLi
 
 void quiet(QtMsgType, const QMessageLogContext &, const QString &) {}
 
-} // namespace
+}  // namespace
 
 int main(int argc, char *argv[])
 {
@@ -224,7 +228,8 @@ int main(int argc, char *argv[])
     const QByteArray slowJob = rasterJob(SlowJobLines, &slowExpected);
     // The machine is shared: several runs show how much the figures move with the load.
     for (int i = 1; i <= Runs; ++i)
-        run(qPrintable(QStringLiteral("run %1 of %2, stand-in answering at once:").arg(i).arg(Runs)), 0, job, expected, dir.path());
+        run(qPrintable(QStringLiteral("run %1 of %2, stand-in answering at once:").arg(i).arg(Runs)), 0, job, expected,
+            dir.path());
     run("stand-in answering 3,000 lines/s (a busy planner):", 3000, slowJob, slowExpected, dir.path());
     return 0;
 }

@@ -30,7 +30,8 @@ double childCpuMs()
 {
     rusage usage;
     getrusage(RUSAGE_CHILDREN, &usage);
-    return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1e3 + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e3;
+    return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1e3
+           + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e3;
 }
 
 // Wall and processor time of a command (medians): the machine is shared, and the
@@ -46,7 +47,8 @@ void timeCommand(QTextStream &out, const QString &label, const QString &program,
         timer.start();
         QProcess process;
         process.start(program, args);
-        ok = process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0 && ok;
+        ok = process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0
+             && ok;
         wall.push_back(timer.nsecsElapsed() / 1e6);
         cpu.push_back(childCpuMs() - cpuBefore);
     }
@@ -56,7 +58,7 @@ void timeCommand(QTextStream &out, const QString &label, const QString &program,
         << ", " << QFileInfo(output).size() << " bytes\n";
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char *argv[])
 {
@@ -74,21 +76,24 @@ int main(int argc, char *argv[])
     page.convertToFormat(QImage::Format_Mono).save(QStringLiteral("page.pbm"));
     out << "page of text " << Side << " x " << Side << ", median of " << Runs << " runs\n";
 
-    const QString exporter = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../tools/tarnwell-export"));
+    const QString exporter =
+        QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../tools/tarnwell-export"));
     if (QFileInfo(exporter).isExecutable()) {
         for (const QString &input : {QStringLiteral("page.pbm"), QStringLiteral("page.png")}) {
             timeCommand(out, QStringLiteral("tarnwell-export trace, %1: ").arg(input), exporter,
                         {QStringLiteral("trace"), QStringLiteral("--input"), input, QStringLiteral("--output"),
-                         QStringLiteral("ours.svg")}, QStringLiteral("ours.svg"));
+                         QStringLiteral("ours.svg")},
+                        QStringLiteral("ours.svg"));
         }
     } else {
         out << "tarnwell-export not found at " << exporter << "\n";
     }
     const QString potrace = QStandardPaths::findExecutable(QStringLiteral("potrace"));
     if (!potrace.isEmpty()) {
-        timeCommand(out, QStringLiteral("potrace -s, page.pbm:          "), potrace,
-                    {QStringLiteral("-s"), QStringLiteral("page.pbm"), QStringLiteral("-o"), QStringLiteral("potrace.svg")},
-                    QStringLiteral("potrace.svg"));
+        timeCommand(
+            out, QStringLiteral("potrace -s, page.pbm:          "), potrace,
+            {QStringLiteral("-s"), QStringLiteral("page.pbm"), QStringLiteral("-o"), QStringLiteral("potrace.svg")},
+            QStringLiteral("potrace.svg"));
     } else {
         out << "potrace command-line tool not installed: no reference figure\n";
     }

@@ -28,7 +28,11 @@ const qint64 Seed = 20240601;
 struct Lcg
 {
     quint32 state = 12345;
-    double next() { state = state * 1664525u + 1013904223u; return (state >> 8) / double(1 << 24); }
+    double next()
+    {
+        state = state * 1664525u + 1013904223u;
+        return (state >> 8) / double(1 << 24);
+    }
 };
 
 // Each outline: three curves and a closing line around a random spot of a 1000 x 1000 page.
@@ -40,10 +44,22 @@ QByteArray tracedDrawing(int paths)
         const double x = rnd.next() * 980 + 10, y = rnd.next() * 980 + 10;
         const double r = 1 + rnd.next() * 6;
         svg += QStringLiteral("<path d='M%1 %2 c%3 %4 %5 %6 %7 %8 s%9 %10 %11 %12 q%13 %14 %15 %16 z'/>\n")
-                   .arg(x).arg(y)
-                   .arg(r * 0.6).arg(-r * 0.4).arg(r * 1.2).arg(r * 0.2).arg(r).arg(r * 0.8)
-                   .arg(-r * 0.5).arg(r * 0.9).arg(-r * 1.2).arg(r * 0.3)
-                   .arg(-r * 0.3).arg(-r * 0.6).arg(-r * 0.1).arg(-r * 1.0)
+                   .arg(x)
+                   .arg(y)
+                   .arg(r * 0.6)
+                   .arg(-r * 0.4)
+                   .arg(r * 1.2)
+                   .arg(r * 0.2)
+                   .arg(r)
+                   .arg(r * 0.8)
+                   .arg(-r * 0.5)
+                   .arg(r * 0.9)
+                   .arg(-r * 1.2)
+                   .arg(r * 0.3)
+                   .arg(-r * 0.3)
+                   .arg(-r * 0.6)
+                   .arg(-r * 0.1)
+                   .arg(-r * 1.0)
                    .toLatin1();
     }
     return svg + "</svg>\n";
@@ -57,7 +73,7 @@ int countLines(const QString &path)
     return f.readAll().count('\n');
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char *argv[])
 {
@@ -113,11 +129,10 @@ int main(int argc, char *argv[])
     std::sort(seconds.begin(), seconds.end());
     std::sort(cpuSeconds.begin(), cpuSeconds.end());
 
-    QTextStream(stdout) << "vector export: paths " << paths << ", points " << points
-                        << ", output lines " << countLines(QStringLiteral("local.gcode"))
-                        << ", svg bytes " << svg.size() << "\n"
-                        << "seconds: best " << seconds.front() << ", median " << seconds[Runs / 2]
-                        << ", worst " << seconds.back() << " (" << Runs << " runs)\n"
+    QTextStream(stdout) << "vector export: paths " << paths << ", points " << points << ", output lines "
+                        << countLines(QStringLiteral("local.gcode")) << ", svg bytes " << svg.size() << "\n"
+                        << "seconds: best " << seconds.front() << ", median " << seconds[Runs / 2] << ", worst "
+                        << seconds.back() << " (" << Runs << " runs)\n"
                         << "cpu seconds: best " << cpuSeconds.front() << ", median " << cpuSeconds[Runs / 2] << "\n"
                         << "estimated job time: " << estimate << " s\n";
     return 0;

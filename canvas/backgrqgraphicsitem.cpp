@@ -6,10 +6,7 @@
 #include <QMimeData>
 #include <QUrl>
 
-BackGrQGraphicsItem::BackGrQGraphicsItem(QGraphicsItem *parent)
-    : QObject(nullptr), QGraphicsPixmapItem(parent)
-{
-}
+BackGrQGraphicsItem::BackGrQGraphicsItem(QGraphicsItem *parent) : QObject(nullptr), QGraphicsPixmapItem(parent) {}
 
 void BackGrQGraphicsItem::dragEnterEvent(QGraphicsSceneDragDropEvent *event)
 {

@@ -11,14 +11,14 @@ bool CornerHover::zoneContains(const QRectF &rect, const QPointF &itemScenePos, 
 {
     const double right = rect.x() + rect.width() + itemScenePos.x();
     const double bottom = rect.y() + rect.height() + itemScenePos.y();
-    return right - m_halfSize < p.x() && p.x() < right + m_halfSize
-        && bottom - m_halfSize < p.y() && p.y() < bottom + m_halfSize;
+    return right - m_halfSize < p.x() && p.x() < right + m_halfSize && bottom - m_halfSize < p.y()
+           && p.y() < bottom + m_halfSize;
 }
 
 bool CornerHover::zoneCollides(const QRectF &rect, const QPainterPath &path, Qt::ItemSelectionMode mode) const
 {
     return (mode == Qt::IntersectsItemShape || mode == Qt::IntersectsItemBoundingRect)
-        && path.intersects(zoneRect(rect));
+           && path.intersects(zoneRect(rect));
 }
 
 void CornerHover::show(QGraphicsItem *item, bool inZone, bool arm)

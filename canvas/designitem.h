@@ -54,8 +54,7 @@ public:
     {
         return shape().contains(point) || inCornerZone(this->mapToScene(point));
     }
-    bool collidesWithPath(const QPainterPath &path,
-                          Qt::ItemSelectionMode mode = Qt::IntersectsItemShape) const override
+    bool collidesWithPath(const QPainterPath &path, Qt::ItemSelectionMode mode = Qt::IntersectsItemShape) const override
     {
         return Base::collidesWithPath(path, mode) || m_corner.zoneCollides(m_rect, path, mode);
     }
@@ -93,8 +92,8 @@ protected:
     // The dashed frame of a selected design: green inside the area, red outside.
     static QPen framePen(bool outside, double width)
     {
-        return QPen(QBrush(outside ? QColor(255, 0, 0) : QColor(67, 240, 20)), width, Qt::DashDotDotLine,
-                    Qt::SquareCap, Qt::BevelJoin);
+        return QPen(QBrush(outside ? QColor(255, 0, 0) : QColor(67, 240, 20)), width, Qt::DashDotDotLine, Qt::SquareCap,
+                    Qt::BevelJoin);
     }
 
     QRectF m_rect;

@@ -10,8 +10,7 @@
 #include <QScrollBar>
 #include <QWheelEvent>
 
-Graph::Graph(QWidget *)
-    : QGraphicsView()
+Graph::Graph(QWidget *) : QGraphicsView()
 {
     // The parent is left to the layout that adopts the view.
     m_fitSceneToView = false;

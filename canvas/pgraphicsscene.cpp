@@ -24,7 +24,7 @@
 namespace {
 
 constexpr int Margin = 5;
-constexpr double LabelGap = 1.0;   // mm between a label and the outline it names
+constexpr double LabelGap = 1.0;  // mm between a label and the outline it names
 constexpr double BackgroundScale = 0.48;
 // The bed picture's top-left corner. It was once worked out as (-72 - w/2, 12 - h/2) for a
 // 170 x 200 pixel picture; the picture is now large enough to lie behind the whole work
@@ -43,12 +43,9 @@ double fitFactor(double w, double h, double limitW, double limitH)
     return std::isfinite(k) ? k : 1.0;
 }
 
-double ratioOf(double w, double h)
-{
-    return h == 0.0 ? 0.0 : w / h;
-}
+double ratioOf(double w, double h) { return h == 0.0 ? 0.0 : w / h; }
 
-} // namespace
+}  // namespace
 
 const QPointF PGraphicsScene::NoPosition(-10000, -10000);
 
@@ -75,7 +72,12 @@ void PGraphicsScene::buildWorkArea()
 
     // The labels left of the area end just short of its outline: at their first places,
     // (-35, -10) and (-25, 190), the default font ran them into the frame's lines.
-    struct Label { const char *text; QPointF pos; bool endsAtOutline; };
+    struct Label
+    {
+        const char *text;
+        QPointF pos;
+        bool endsAtOutline;
+    };
     const Label labels[] = {
         {"Preview Area", QPointF(w - 85, h - 25), false},
         {"170mm", QPointF(w, h - 10), false},
@@ -154,8 +156,7 @@ void PGraphicsScene::LoadItemFromFile(const QString &path, int kindTag)
     // Small pictures are enlarged too, so every picture starts touching the area's sides.
     const QRectF rect = item->rect();
     const double k = fitFactor(rect.width(), rect.height(), m_areaWidth, m_areaHeight);
-    const QRectF fitted(item->scenePos().x(), item->scenePos().y(), rect.width() * k,
-                        rect.height() * k);
+    const QRectF fitted(item->scenePos().x(), item->scenePos().y(), rect.width() * k, rect.height() * k);
     connect(item, SIGNAL(SigPosTag(QRectF)), this, SLOT(SlotGetRect(QRectF)));
     item->ResetRect(fitted);
     emit item->SigPosTag(fitted);
@@ -178,8 +179,8 @@ void PGraphicsScene::LoadSvgItem(const QString &path, int kindTag)
     placeSvg(text.toUtf8(), kindTag, m_areaWidth, widthMm, heightMm);
 }
 
-SvgItem *PGraphicsScene::placeSvg(const QByteArray &source, int kindTag, double heightLimit,
-                                  double widthMm, double heightMm)
+SvgItem *PGraphicsScene::placeSvg(const QByteArray &source, int kindTag, double heightLimit, double widthMm,
+                                  double heightMm)
 {
     // The scene keeps the renderer so it outlives every item that shares it.
     auto *renderer = new QSvgRenderer(source, this);
@@ -237,14 +238,12 @@ void PGraphicsScene::ScaleSelected(double widthMm)
             auto *svg = static_cast<SvgItem *>(item);
             const QRectF r = svg->rect();
             const double f = widthMm / r.width();
-            svg->ResetRect(QRectF(svg->scenePos().x(), svg->scenePos().y(), r.width() * f,
-                                  r.height() * f));
+            svg->ResetRect(QRectF(svg->scenePos().x(), svg->scenePos().y(), r.width() * f, r.height() * f));
         } else if (item->type() == PixmapItem::Type) {
             auto *pix = static_cast<PixmapItem *>(item);
             const QRectF r = pix->rect();
             const double f = widthMm / r.width();
-            pix->ResetRect(QRectF(pix->scenePos().x(), pix->scenePos().y(), r.width() * f,
-                                  r.height() * f));
+            pix->ResetRect(QRectF(pix->scenePos().x(), pix->scenePos().y(), r.width() * f, r.height() * f));
         }
     }
     update();
@@ -273,15 +272,9 @@ bool PGraphicsScene::HasSelectedItem()
     return false;
 }
 
-void PGraphicsScene::SlotGetRect(QRectF rect)
-{
-    emit SigRect(rect);
-}
+void PGraphicsScene::SlotGetRect(QRectF rect) { emit SigRect(rect); }
 
-void PGraphicsScene::SlotPixitemDropped(QString path)
-{
-    emit SigPixitem(path);
-}
+void PGraphicsScene::SlotPixitemDropped(QString path) { emit SigPixitem(path); }
 
 void PGraphicsScene::drawBackground(QPainter *painter, const QRectF &)
 {
@@ -302,17 +295,8 @@ void PGraphicsScene::keyPressEvent(QKeyEvent *event)
         removeItem(item);
 }
 
-void PGraphicsScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
-{
-    QGraphicsScene::mousePressEvent(event);
-}
+void PGraphicsScene::mousePressEvent(QGraphicsSceneMouseEvent *event) { QGraphicsScene::mousePressEvent(event); }
 
-void PGraphicsScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
-{
-    QGraphicsScene::mouseMoveEvent(event);
-}
+void PGraphicsScene::mouseMoveEvent(QGraphicsSceneMouseEvent *event) { QGraphicsScene::mouseMoveEvent(event); }
 
-void PGraphicsScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
-{
-    QGraphicsScene::mouseReleaseEvent(event);
-}
+void PGraphicsScene::mouseReleaseEvent(QGraphicsSceneMouseEvent *event) { QGraphicsScene::mouseReleaseEvent(event); }

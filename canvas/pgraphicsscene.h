@@ -48,8 +48,7 @@ protected:
 
 private:
     void buildWorkArea();
-    SvgItem *placeSvg(const QByteArray &source, int kindTag, double heightLimit,
-                      double widthMm, double heightMm);
+    SvgItem *placeSvg(const QByteArray &source, int kindTag, double heightLimit, double widthMm, double heightMm);
 
     int m_areaWidth;
     int m_areaHeight;

@@ -17,10 +17,9 @@ namespace {
 
 constexpr int DecodeOversize = 2;
 
-} // namespace
+}  // namespace
 
-PixmapItem::PixmapItem(QGraphicsItem *parent)
-    : QObject(nullptr), DesignItem(CornerZone, parent)
+PixmapItem::PixmapItem(QGraphicsItem *parent) : QObject(nullptr), DesignItem(CornerZone, parent)
 {
     setZValue(0);
     setAcceptDrops(true);
@@ -33,8 +32,7 @@ PixmapItem::~PixmapItem() = default;
 QRectF PixmapItem::boundingRect() const
 {
     // The margin lets the corner zone outside the picture receive the mouse.
-    return QRectF(m_rect.x(), m_rect.y(), m_rect.width() + BoundingMargin,
-                  m_rect.height() + BoundingMargin);
+    return QRectF(m_rect.x(), m_rect.y(), m_rect.width() + BoundingMargin, m_rect.height() + BoundingMargin);
 }
 
 QPixmap PixmapItem::loadScaled(int width, int height)
@@ -54,8 +52,7 @@ QPixmap PixmapItem::loadScaled(int width, int height)
     // A photo of many megapixels costs hundreds of milliseconds to decode, far too
     // slow for a drag; the file is still read at every step, but decoded again only
     // when its bytes changed or the kept picture became too small.
-    const bool tooSmall = !m_decodedWhole
-                          && (m_decoded.width() < width || m_decoded.height() < height);
+    const bool tooSmall = !m_decodedWhole && (m_decoded.width() < width || m_decoded.height() < height);
     if (bytes != m_decodedBytes || m_decoded.isNull() || tooSmall) {
         QBuffer buffer(&bytes);
         QImageReader reader(&buffer);
@@ -96,8 +93,8 @@ void PixmapItem::ResetRect(QRectF r)
 
 void PixmapItem::hoverEnterEvent(QGraphicsSceneHoverEvent *event)
 {
-    setPixmap(pixmap().scaled(truncatedToInt(m_rect.width()), truncatedToInt(m_rect.height()),
-                              Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    setPixmap(pixmap().scaled(truncatedToInt(m_rect.width()), truncatedToInt(m_rect.height()), Qt::IgnoreAspectRatio,
+                              Qt::SmoothTransformation));
     DesignItem::hoverEnterEvent(event);
 }
 
@@ -133,8 +130,7 @@ void PixmapItem::mouseMoveEvent(QGraphicsSceneMouseEvent *event)
     const CornerHover::Step step = CornerHover::resizeStep(m_rect, m_end.x() - m_start.x(), m_end.y() - m_start.y());
     const QRectF n = step.rect;
     const double hx = step.hx, hy = step.hy;
-    qDebug().noquote() << QString("x:%1 y:%2 w:%3 h:%4")
-                              .arg(n.x()).arg(n.y()).arg(n.width()).arg(n.height());
+    qDebug().noquote() << QString("x:%1 y:%2 w:%3 h:%4").arg(n.x()).arg(n.y()).arg(n.width()).arg(n.height());
 
     ResetRect(QRectF(0, 0, n.width(), n.height()));
     prepareGeometryChange();

@@ -22,8 +22,7 @@ public:
     ~PixmapItem() override;
 
     QRectF boundingRect() const override;
-    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
-               QWidget *widget = nullptr) override;
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget = nullptr) override;
     int type() const override { return Type; }
 
     // Takes r whole as the new geometry and reloads the picture at one pixel per mm.

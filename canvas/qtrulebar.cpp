@@ -6,8 +6,7 @@
 #include <QPainter>
 
 QtRuleBar::QtRuleBar(Qt::Orientation orientation, QAbstractScrollArea *view, QWidget *parent)
-    : QWidget(parent), m_orientation(orientation), m_cursorPos(0, 0),
-      m_background(255, 255, 255, 255), m_view(view)
+    : QWidget(parent), m_orientation(orientation), m_cursorPos(0, 0), m_background(255, 255, 255, 255), m_view(view)
 {
     QFont labelFont = font();
     labelFont.setWeight(QFont::Normal);

@@ -13,8 +13,7 @@
 #include <QOpenGLContext>
 #include <QUrl>
 
-RenderForm::RenderForm(QWidget *parent)
-    : QWidget(parent), ui(new Ui::RenderForm)
+RenderForm::RenderForm(QWidget *parent) : QWidget(parent), ui(new Ui::RenderForm)
 {
     ui->setupUi(this);
 
@@ -37,10 +36,7 @@ RenderForm::RenderForm(QWidget *parent)
     graph->show();
 }
 
-RenderForm::~RenderForm()
-{
-    delete ui;
-}
+RenderForm::~RenderForm() { delete ui; }
 
 void RenderForm::installViewport()
 {
@@ -79,40 +75,19 @@ bool RenderForm::eventFilter(QObject *watched, QEvent *event)
     return QWidget::eventFilter(watched, event);
 }
 
-Graph *RenderForm::view() const
-{
-    return ui->graphicsView;
-}
+Graph *RenderForm::view() const { return ui->graphicsView; }
 
-void RenderForm::LoadItemFromFile(const QString &path, int kindTag)
-{
-    m_scene->LoadItemFromFile(path, kindTag);
-}
+void RenderForm::LoadItemFromFile(const QString &path, int kindTag) { m_scene->LoadItemFromFile(path, kindTag); }
 
-void RenderForm::LoadSvgItem(const QString &path, int kindTag)
-{
-    m_scene->LoadSvgItem(path, kindTag);
-}
+void RenderForm::LoadSvgItem(const QString &path, int kindTag) { m_scene->LoadSvgItem(path, kindTag); }
 
-QPointF RenderForm::CurrentItemPos()
-{
-    return m_scene->CurrentItemPos();
-}
+QPointF RenderForm::CurrentItemPos() { return m_scene->CurrentItemPos(); }
 
-void RenderForm::ClearItems()
-{
-    m_scene->ClearItems();
-}
+void RenderForm::ClearItems() { m_scene->ClearItems(); }
 
-bool RenderForm::HasSelectedItem()
-{
-    return m_scene->HasSelectedItem();
-}
+bool RenderForm::HasSelectedItem() { return m_scene->HasSelectedItem(); }
 
-void RenderForm::SlotGetRect(QRectF rect)
-{
-    emit SigRect(rect);
-}
+void RenderForm::SlotGetRect(QRectF rect) { emit SigRect(rect); }
 
 void RenderForm::SlotLineEditScale(double widthMm)
 {
@@ -121,14 +96,9 @@ void RenderForm::SlotLineEditScale(double widthMm)
     ui->graphicsView->update();
 }
 
-void RenderForm::SlotInitScale()
-{
-}
+void RenderForm::SlotInitScale() {}
 
-void RenderForm::SlotPixitemDropped(QString path)
-{
-    emit SigPixitem(path);
-}
+void RenderForm::SlotPixitemDropped(QString path) { emit SigPixitem(path); }
 
 void RenderForm::dropEvent(QDropEvent *event)
 {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr double InitialSide = 400.0;
 
-} // namespace
+}  // namespace
 
 SvgItem::SvgItem(QGraphicsItem *parent)
     : DesignItem(CornerZone, parent), m_rememberedRect(0, 0, InitialSide, InitialSide), m_defaultSize(-1, -1)
@@ -28,10 +28,7 @@ SvgItem::SvgItem(QGraphicsItem *parent)
 
 SvgItem::~SvgItem() = default;
 
-QRectF SvgItem::frameRect() const
-{
-    return m_rect.adjusted(-FrameMargin, -FrameMargin, FrameMargin, FrameMargin);
-}
+QRectF SvgItem::frameRect() const { return m_rect.adjusted(-FrameMargin, -FrameMargin, FrameMargin, FrameMargin); }
 
 QRectF SvgItem::boundingRect() const
 {
@@ -104,10 +101,7 @@ void SvgItem::mouseReleaseEvent(QGraphicsSceneMouseEvent *event)
     QGraphicsSvgItem::mouseReleaseEvent(event);
 }
 
-void SvgItem::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event)
-{
-    QGraphicsSvgItem::mouseDoubleClickEvent(event);
-}
+void SvgItem::mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) { QGraphicsSvgItem::mouseDoubleClickEvent(event); }
 
 void SvgItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *)
 {
@@ -124,8 +118,7 @@ void SvgItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, Q
         painter->drawRect(QRect(truncatedToInt(m_rect.x() - FrameMargin), truncatedToInt(m_rect.y() - FrameMargin),
                                 truncatedToInt(m_rect.width() + 2 * FrameMargin),
                                 truncatedToInt(m_rect.height() + 2 * FrameMargin)));
-        painter->drawRect(QRectF(m_rect.x() + m_rect.width(), m_rect.y() + m_rect.height(),
-                                 HandleSize, HandleSize));
+        painter->drawRect(QRectF(m_rect.x() + m_rect.width(), m_rect.y() + m_rect.height(), HandleSize, HandleSize));
     }
     m_inArea = !outside;
 }

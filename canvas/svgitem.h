@@ -20,8 +20,7 @@ public:
     ~SvgItem() override;
 
     QRectF boundingRect() const override;
-    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option,
-               QWidget *widget = nullptr) override;
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget = nullptr) override;
     int type() const override { return Type; }
 
     void setFilePath(const QString &path) { m_path = path; }

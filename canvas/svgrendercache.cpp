@@ -21,10 +21,10 @@ void render(QPainter *painter, QSvgRenderer *drawing, const QString &elementId, 
         drawing->render(painter, elementId, bounds);
 }
 
-} // namespace
+}  // namespace
 
-void SvgRenderCache::paint(QPainter *painter, QSvgRenderer *drawing, const QString &elementId,
-                           const QRectF &bounds, bool resizing)
+void SvgRenderCache::paint(QPainter *painter, QSvgRenderer *drawing, const QString &elementId, const QRectF &bounds,
+                           bool resizing)
 {
     const QTransform world = painter->worldTransform();
     // Only plain scaling and moving can be replayed as a copy of pixels.
@@ -40,8 +40,8 @@ void SvgRenderCache::paint(QPainter *painter, QSvgRenderer *drawing, const QStri
         return;
     }
 
-    const bool same = !m_picture.isNull() && m_drawing == drawing && m_elementId == elementId
-                      && m_bounds == bounds && m_scale == scale;
+    const bool same = !m_picture.isNull() && m_drawing == drawing && m_elementId == elementId && m_bounds == bounds
+                      && m_scale == scale;
     if (!same && resizing && !m_picture.isNull() && m_drawing == drawing && m_elementId == elementId) {
         painter->drawImage(bounds, m_picture);
         return;

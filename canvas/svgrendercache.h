@@ -18,16 +18,15 @@ public:
     // QSvgRenderer::render would, from the kept picture when the scale and size are those
     // it was made at. While `resizing`, a kept picture of another size is stretched
     // instead of drawing every outline at each step.
-    void paint(QPainter *painter, QSvgRenderer *drawing, const QString &elementId, const QRectF &bounds,
-               bool resizing);
+    void paint(QPainter *painter, QSvgRenderer *drawing, const QString &elementId, const QRectF &bounds, bool resizing);
     // Forgets the picture (a new drawing, or the end of a resize).
     void clear() { m_picture = QImage(); }
     bool isEmpty() const { return m_picture.isNull(); }
 
 private:
     QImage m_picture;
-    QRectF m_bounds;          // item rectangle it was drawn for
-    QTransform m_scale;       // the painter's transform without its translation
+    QRectF m_bounds;     // item rectangle it was drawn for
+    QTransform m_scale;  // the painter's transform without its translation
     QString m_elementId;
     const QSvgRenderer *m_drawing = nullptr;
 };

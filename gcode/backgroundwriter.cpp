@@ -6,10 +6,7 @@
 
 #include <utility>
 
-BackgroundWriter::BackgroundWriter(QIODevice *device)
-    : m_device(device), m_thread(&BackgroundWriter::run, this)
-{
-}
+BackgroundWriter::BackgroundWriter(QIODevice *device) : m_device(device), m_thread(&BackgroundWriter::run, this) {}
 
 BackgroundWriter::~BackgroundWriter()
 {

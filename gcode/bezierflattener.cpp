@@ -48,7 +48,7 @@ void split(Flattened &flat, float x0, float y0, float x1, float y1, float x2, fl
     }
 }
 
-} // namespace
+}  // namespace
 
 void flattenBezier(Flattened &flat, float x0, float y0, float x1, float y1, float x2, float y2, float x3, float y3)
 {

@@ -83,10 +83,7 @@ const HalftoneBand HalftoneBands[] = {
     {70, 129, PatternC},  {10, 69, PatternD},   {0, 9, AllBlack},
 };
 
-quint32 opaqueGray(int g)
-{
-    return OpaqueBlack | quint32(g) << 16 | quint32(g) << 8 | quint32(g);
-}
+quint32 opaqueGray(int g) { return OpaqueBlack | quint32(g) << 16 | quint32(g) << 8 | quint32(g); }
 
 // Adds up the travel time of the straight moves between the positions the scan visits.
 class TravelClock
@@ -141,8 +138,7 @@ private:
 class PackedWords
 {
 public:
-    explicit PackedWords(const QImage &image)
-        : m_words(size_t(image.width()) * size_t(image.height()), 0)
+    explicit PackedWords(const QImage &image) : m_words(size_t(image.width()) * size_t(image.height()), 0)
     {
         m_bytes = std::min<size_t>(m_words.size() * 4, image.isNull() ? 0 : size_t(image.sizeInBytes()));
         if (m_bytes > 0)
@@ -184,16 +180,13 @@ TravelClock clockAtCorner(const QPointF &offset, float *total)
 }
 
 // Machine Y of picture row r: rows run down from the top of the work area.
-double rowMachineY(qint64 r, double scale, const QPointF &offset)
-{
-    return WorkArea::Height - r * scale - offset.y();
-}
+double rowMachineY(qint64 r, double scale, const QPointF &offset) { return WorkArea::Height - r * scale - offset.y(); }
 
 // Rows (and, for grayscale, columns) taken for a scale: lines never closer than the pitch.
 qint64 rowStride(double scale)
 {
     const double steps = std::trunc(MinLinePitch / scale);
-    if (!(steps >= 1.0))   // also a negative or NaN scale
+    if (!(steps >= 1.0))  // also a negative or NaN scale
         return 1;
     if (steps >= double(MaxStride))
         return MaxStride;
@@ -218,7 +211,7 @@ float correctedPower(int gray, float power)
     return std::min(corrected, MaxPower);
 }
 
-} // namespace
+}  // namespace
 
 Bitmap2Gcode::Bitmap2Gcode(QObject *parent) : QObject(parent) {}
 
@@ -249,13 +242,12 @@ QImage Bitmap2Gcode::Image2Halftone(QImage image)
                 if (mean >= band.lowest && mean <= band.highest)
                     pattern = band.pattern;
             if (!pattern)
-                continue;   // 250 and 255 keep the cell as it is
+                continue;  // 250 and 255 keep the cell as it is
 
             for (int y = 0; y < Cell; ++y) {
                 for (int x = 0; x < Cell; ++x) {
                     const char mark = pattern[y][x];
-                    px[size_t(cy + y) * size_t(width) + size_t(cx + x)] =
-                        opaqueGray(mark == 'X' ? 0 : White);
+                    px[size_t(cy + y) * size_t(width) + size_t(cx + x)] = opaqueGray(mark == 'X' ? 0 : White);
                 }
             }
         }
@@ -265,27 +257,22 @@ QImage Bitmap2Gcode::Image2Halftone(QImage image)
     return result;
 }
 
-void Bitmap2Gcode::SetTravelSpeed(int travel_speed)
-{
-    this->travel_speed = travel_speed;
-}
+void Bitmap2Gcode::SetTravelSpeed(int travel_speed) { this->travel_speed = travel_speed; }
 
-void Bitmap2Gcode::SetFeedSpeed(int feed_speed)
-{
-    this->feed_speed = feed_speed;
-}
+void Bitmap2Gcode::SetFeedSpeed(int feed_speed) { this->feed_speed = feed_speed; }
 
-void Bitmap2Gcode::SetPower(float power)
-{
-    this->power = power;
-}
+void Bitmap2Gcode::SetPower(float power) { this->power = power; }
 
 // Every number an export writes lies between the frame's corners, so finite corners and a
 // finite power mean a file without "nan" or "inf" in it.
 bool Bitmap2Gcode::refuseUnusable(int width, int height, double scale)
 {
-    const double corners[] = {offset.x(), offset.x() + width * scale, WorkArea::machineY(offset.y()),
-                              WorkArea::machineY(offset.y()) - height * scale, scale, double(power)};
+    const double corners[] = {offset.x(),
+                              offset.x() + width * scale,
+                              WorkArea::machineY(offset.y()),
+                              WorkArea::machineY(offset.y()) - height * scale,
+                              scale,
+                              double(power)};
     m_refusal.clear();
     for (double value : corners) {
         if (!std::isfinite(value)) {
@@ -338,12 +325,8 @@ void Bitmap2Gcode::writeFrame(RasterGcodeWriter &out, int width, int height, dou
     const QString move = tr("G0 X%1 Y%2 \n");
     const QString burn = tr("G1 X%1 Y%2 \n");
     const QStringList frame = {
-        move.arg(left).arg(top),
-        tr("M106 S%1 \n").arg(FramePower),
-        burn.arg(right).arg(top),
-        burn.arg(right).arg(bottom),
-        burn.arg(left).arg(bottom),
-        burn.arg(left).arg(top),
+        move.arg(left).arg(top),     tr("M106 S%1 \n").arg(FramePower), burn.arg(right).arg(top),
+        burn.arg(right).arg(bottom), burn.arg(left).arg(bottom),        burn.arg(left).arg(top),
     };
     for (int pass = 0; pass < 2; ++pass)
         for (const QString &line : frame)
@@ -360,9 +343,8 @@ void Bitmap2Gcode::ExportBlackPix(QImage image, QString savefile, double scale)
     qDebug() << "Format" << image.format();
 
     // Read as 32-bit ARGB words; alpha plays no part, so RGB32 pictures serve as they are.
-    const QImage picture = image.format() == QImage::Format_RGB32
-                               ? image
-                               : image.convertToFormat(QImage::Format_ARGB32);
+    const QImage picture =
+        image.format() == QImage::Format_RGB32 ? image : image.convertToFormat(QImage::Format_ARGB32);
     const int width = picture.width();
     const int height = picture.height();
     writeHeader(out, BlackHeaderSpeed);
@@ -380,11 +362,9 @@ void Bitmap2Gcode::ExportBlackPix(QImage image, QString savefile, double scale)
                                    {tr("G1 X%1 Y%2  Z%3\n"), xyz}});
     const W::Line closeStart = {tr("G1 X%1 Y%2 Z%3\n"), xyz};
     const W::Line travelSpeed = {tr("G0 F%1 \n"), {W::ArgTravel}};
-    const int close = out.addGroup({closeStart, {laserOff, {}}, travelSpeed,
-                                    {tr("G0 X%1 Y%2 Z%3\n"), xyz}});
+    const int close = out.addGroup({closeStart, {laserOff, {}}, travelSpeed, {tr("G0 X%1 Y%2 Z%3\n"), xyz}});
     // A run reaching the right end has its own spelling of the last move.
-    const int closeRightEnd = out.addGroup({closeStart, {laserOff, {}}, travelSpeed,
-                                            {tr("G0 X%1 Y%2  Z%3\n"), xyz}});
+    const int closeRightEnd = out.addGroup({closeStart, {laserOff, {}}, travelSpeed, {tr("G0 X%1 Y%2  Z%3\n"), xyz}});
 
     std::vector<float> columnX(size_t(std::max(width, 0)));
     for (int c = 0; c < width; ++c)
@@ -437,8 +417,7 @@ void Bitmap2Gcode::ExportGrayPixEX(QImage image, QString savefile, double scale)
     exportGray(image, savefile, scale, true);
 }
 
-void Bitmap2Gcode::exportGray(const QImage &image, const QString &savefile, double scale,
-                              bool corrected)
+void Bitmap2Gcode::exportGray(const QImage &image, const QString &savefile, double scale, bool corrected)
 {
     QFile file(savefile);
     if (!startExport(image, scale, file))
@@ -537,7 +516,7 @@ void Bitmap2Gcode::exportGray(const QImage &image, const QString &savefile, doub
 
 QImage Bitmap2Gcode::GrayScalePicture(QImage image)
 {
-    if (image.format() < QImage::Format_RGB32)   // invalid, 1-bit and indexed pictures
+    if (image.format() < QImage::Format_RGB32)  // invalid, 1-bit and indexed pictures
         return image;
     qDebug().noquote() << QStringLiteral("format = %1").arg(int(image.format()));
     QImage result = image.copy();

@@ -41,7 +41,7 @@ public slots:
     void ExportGcode(QPointF offset, QPointF spare, QString savepath, int mode);
 
 private:
-    QImage m_image;   // kept empty; nothing reads it
+    QImage m_image;  // kept empty; nothing reads it
 
 public:
     // Where the picture's top-left corner lies on the work area, in millimetres. The main
@@ -56,13 +56,13 @@ private:
     void writeFrame(RasterGcodeWriter &out, int width, int height, double scale);
     void exportGray(const QImage &image, const QString &savefile, double scale, bool corrected);
 
-    QPointF m_spare;             // stored by ExportGcode, read by nothing
-    int m_threshold = 127;       // unused: the black test has its own fixed level
-    bool m_laserOn = false;      // the last group left the laser burning
-    int travel_speed = 0;        // mm/min
-    int feed_speed = 0;          // mm/min
-    float power = 0;             // 0..255, what a full-black pixel gets
-    float m_estimatedTime = 0;   // seconds
+    QPointF m_spare;            // stored by ExportGcode, read by nothing
+    int m_threshold = 127;      // unused: the black test has its own fixed level
+    bool m_laserOn = false;     // the last group left the laser burning
+    int travel_speed = 0;       // mm/min
+    int feed_speed = 0;         // mm/min
+    float power = 0;            // 0..255, what a full-black pixel gets
+    float m_estimatedTime = 0;  // seconds
     bool m_plainFormatting = false;
     QString m_refusal;
 };

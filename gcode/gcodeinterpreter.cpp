@@ -19,11 +19,11 @@ constexpr double MmPerInch = 25.4;
 // M106 drives the beam as a fan output: 255 is full power.
 constexpr double FanFullScale = 255.0;
 // Speed of G0 for the time of other programs' files; the machine's own maximum is not known.
-constexpr double RapidRate = 6000.0;   // mm/min
+constexpr double RapidRate = 6000.0;  // mm/min
 // Acceleration the exports assume in their estimate.
-constexpr float Acceleration = 300.0f;   // mm/s^2
+constexpr float Acceleration = 300.0f;  // mm/s^2
 // Arcs: chords stray at most this far from the circle, and no arc gets more chords than this.
-constexpr double ArcTolerance = 0.005;   // mm
+constexpr double ArcTolerance = 0.005;  // mm
 constexpr int MaxArcChords = 20000;
 // Small slack so that a move along the edge of the work area is not taken for leaving it.
 constexpr double EdgeSlack = 1e-6;
@@ -85,7 +85,7 @@ bool isSpindleLine(const GcodeTokenizer::Word *words, int count, int code)
     return false;
 }
 
-} // namespace
+}  // namespace
 
 void GcodeInterpreter::reset()
 {
@@ -121,7 +121,7 @@ void GcodeInterpreter::reset()
 
 ToolpathSummary GcodeInterpreter::run(const QByteArray &text)
 {
-    QByteArray copy = text;   // QBuffer wants a modifiable array; the copy is shared, not copied
+    QByteArray copy = text;  // QBuffer wants a modifiable array; the copy is shared, not copied
     QBuffer buffer(&copy);
     buffer.open(QIODevice::ReadOnly);
     return run(&buffer);
@@ -241,9 +241,9 @@ bool GcodeInterpreter::interpretLine(const char *text, int length)
     // First make sure every word is one we know, so that a line is taken whole or not at all.
     int motion = -1;
     bool dwell = false, setOrigin = false, home = false, pause = false;
-    int units = 0, distance = 0;   // 20/21, 90/91
-    int spindle = -1;              // 3, 4 or 5
-    int fan = -1;                  // 106 or 107
+    int units = 0, distance = 0;  // 20/21, 90/91
+    int spindle = -1;             // 3, 4 or 5
+    int fan = -1;                 // 106 or 107
     bool hasX = false, hasY = false, hasZ = false, hasI = false, hasJ = false;
     bool hasF = false, hasS = false, hasP = false;
     double x = 0, y = 0, z = 0, i = 0, j = 0, f = 0, s = 0, p = 0;
@@ -255,36 +255,99 @@ bool GcodeInterpreter::interpretLine(const char *text, int length)
         switch (words[w].letter) {
         case 'G':
             switch (codeOf(v)) {
-            case 0: case 1: case 2: case 3: motion = codeOf(v); break;
-            case 4: dwell = true; break;
-            case 17: case 54: case 94: break;   // the only plane, work system and feed mode we know
-            case 20: case 21: units = codeOf(v); break;
-            case 28: home = true; break;
-            case 90: case 91: distance = codeOf(v); break;
-            case 92: setOrigin = true; break;
-            default: return false;
+            case 0:
+            case 1:
+            case 2:
+            case 3:
+                motion = codeOf(v);
+                break;
+            case 4:
+                dwell = true;
+                break;
+            case 17:
+            case 54:
+            case 94:
+                break;  // the only plane, work system and feed mode we know
+            case 20:
+            case 21:
+                units = codeOf(v);
+                break;
+            case 28:
+                home = true;
+                break;
+            case 90:
+            case 91:
+                distance = codeOf(v);
+                break;
+            case 92:
+                setOrigin = true;
+                break;
+            default:
+                return false;
             }
             break;
         case 'M':
             switch (codeOf(v)) {
-            case 0: case 1: pause = true; break;
-            case 2: case 30: break;           // end of program
-            case 7: case 8: case 9: break;    // air assist / coolant
-            case 3: case 4: case 5: spindle = codeOf(v); break;
-            case 106: case 107: fan = codeOf(v); break;
-            default: return false;
+            case 0:
+            case 1:
+                pause = true;
+                break;
+            case 2:
+            case 30:
+                break;  // end of program
+            case 7:
+            case 8:
+            case 9:
+                break;  // air assist / coolant
+            case 3:
+            case 4:
+            case 5:
+                spindle = codeOf(v);
+                break;
+            case 106:
+            case 107:
+                fan = codeOf(v);
+                break;
+            default:
+                return false;
             }
             break;
-        case 'X': hasX = true; x = v; break;
-        case 'Y': hasY = true; y = v; break;
-        case 'Z': hasZ = true; z = v; break;
-        case 'I': hasI = true; i = v; break;
-        case 'J': hasJ = true; j = v; break;
-        case 'F': hasF = true; f = v; break;
-        case 'S': hasS = true; s = v; break;
-        case 'P': hasP = true; p = v; break;
-        case 'N': break;   // line number
-        default: return false;
+        case 'X':
+            hasX = true;
+            x = v;
+            break;
+        case 'Y':
+            hasY = true;
+            y = v;
+            break;
+        case 'Z':
+            hasZ = true;
+            z = v;
+            break;
+        case 'I':
+            hasI = true;
+            i = v;
+            break;
+        case 'J':
+            hasJ = true;
+            j = v;
+            break;
+        case 'F':
+            hasF = true;
+            f = v;
+            break;
+        case 'S':
+            hasS = true;
+            s = v;
+            break;
+        case 'P':
+            hasP = true;
+            p = v;
+            break;
+        case 'N':
+            break;  // line number
+        default:
+            return false;
         }
     }
     if ((hasI || hasJ) && !(motion == 2 || motion == 3 || (motion < 0 && (m_motion == 2 || m_motion == 3))))
@@ -368,7 +431,7 @@ bool GcodeInterpreter::interpretLine(const char *text, int length)
         return true;
     if (m_motion == 2 || m_motion == 3) {
         if (!(hasI || hasJ))
-            return false;   // arcs by radius are not read
+            return false;  // arcs by radius are not read
         arcTo(tx, ty, tz, i * m_unit, j * m_unit, m_motion == 2);
     } else {
         moveTo(tx, ty, tz, m_motion == 0, true, hasX || hasY);
@@ -480,8 +543,8 @@ void GcodeInterpreter::countMove(const ToolpathMove &move)
         const double zLow = std::min(move.z0, move.z1);
         m_cutZ.add(zLow, 0, zLow, 0);
     }
-    const bool outside = x0 < -EdgeSlack || y0 < -EdgeSlack || x1 > WorkAreaWidth + EdgeSlack
-                         || y1 > WorkAreaHeight + EdgeSlack;
+    const bool outside =
+        x0 < -EdgeSlack || y0 < -EdgeSlack || x1 > WorkAreaWidth + EdgeSlack || y1 > WorkAreaHeight + EdgeSlack;
     if (outside && m_outLine != m_lineNumber) {
         // One count per line, however many chords an arc is cut into.
         m_outLine = m_lineNumber;
@@ -533,8 +596,7 @@ void GcodeInterpreter::clockMove(const ToolpathMove &move, bool xyGiven)
 {
     switch (m_clock) {
     case Clock::Generic: {
-        const double d = std::sqrt((move.x1 - move.x0) * (move.x1 - move.x0)
-                                   + (move.y1 - move.y0) * (move.y1 - move.y0)
+        const double d = std::sqrt((move.x1 - move.x0) * (move.x1 - move.x0) + (move.y1 - move.y0) * (move.y1 - move.y0)
                                    + (move.z1 - move.z0) * (move.z1 - move.z0));
         m_genericSeconds += double(moveSeconds(float(d), float(move.feed)));
         break;

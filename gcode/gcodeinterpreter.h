@@ -18,8 +18,8 @@ struct ToolpathMove
 {
     double x0 = 0, y0 = 0, z0 = 0;
     double x1 = 0, y1 = 0, z1 = 0;
-    double power = 0;   // fraction of full scale, 0..1; 0 while the beam is off
-    double feed = 0;    // mm/min
+    double power = 0;  // fraction of full scale, 0..1; 0 while the beam is off
+    double feed = 0;   // mm/min
     bool rapid = false;
     bool burns() const { return !rapid && power > 0; }
 };
@@ -28,7 +28,7 @@ struct ToolpathSummary
 {
     qint64 lines = 0;
     qint64 linesNotUnderstood = 0;
-    qint64 firstLineNotUnderstood = 0;   // 1-based, 0 when every line was understood
+    qint64 firstLineNotUnderstood = 0;  // 1-based, 0 when every line was understood
     qint64 moves = 0;
     qint64 burnMoves = 0;
     // Rapid moves made while the beam is on above a faint marking power: drawn as travel, but a firmware that keeps the
@@ -97,7 +97,10 @@ private:
         void add(double ax, double ay, double bx, double by)
         {
             if (!valid) {
-                x0 = ax; y0 = ay; x1 = bx; y1 = by;
+                x0 = ax;
+                y0 = ay;
+                x1 = bx;
+                y1 = by;
                 valid = true;
                 return;
             }
@@ -124,20 +127,20 @@ private:
     double m_x = 0, m_y = 0, m_z = 0;
     double m_offX = 0, m_offY = 0, m_offZ = 0;
     bool m_relative = false;
-    double m_unit = 1.0;   // mm per program unit
-    int m_motion = 0;      // 0, 1, 2 or 3
+    double m_unit = 1.0;  // mm per program unit
+    int m_motion = 0;     // 0, 1, 2 or 3
     double m_feed = 0;
     double m_s = 0;
     bool m_spindleOn = false;
-    double m_fanPower = -1;   // M106 power 0..255, -1 when off
+    double m_fanPower = -1;  // M106 power 0..255, -1 when off
     qint64 m_lineNumber = 0;
 
     Clock m_clock = Clock::Generic;
     Clock m_candidate = Clock::Generic;
     Box m_burnBox, m_moveBox, m_outBox;
-    Box m_cutZ;   // x0..x1 hold the lowest and highest Z of the cuts
+    Box m_cutZ;  // x0..x1 hold the lowest and highest Z of the cuts
     qint64 m_outLine = 0;
-    bool m_pastPause = false;   // the exports count the job from the pause after the frame
+    bool m_pastPause = false;  // the exports count the job from the pause after the frame
     // Own raster files: a move's time is taken with the feed in force at the next move.
     bool m_pending = false;
     float m_pendingLength = 0;
@@ -146,9 +149,9 @@ private:
     {
         float x, y;
     };
-    std::vector<VectorPoint> m_run{VectorPoint{0, 0}};   // the last point timed, then the run since
+    std::vector<VectorPoint> m_run{VectorPoint{0, 0}};  // the last point timed, then the run since
     bool m_pointArmed = false;
-    float m_clockSum = 0;   // single precision, as the exports add it up
+    float m_clockSum = 0;  // single precision, as the exports add it up
     double m_genericSeconds = 0;
 };
 

@@ -4,20 +4,13 @@
 
 namespace {
 
-bool isBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v';
-}
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v'; }
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Powers of ten that a double holds exactly, so mantissa / 10^k is correctly rounded.
-const double ExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+const double ExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 const int MaxExactPower = 22;
 // Digits past this many are read but no longer change the mantissa.
 const int MaxMantissaDigits = 18;
@@ -133,7 +126,7 @@ inline bool skipToCode(const char *text, int length, int *pos)
     return i < length && text[i] != ';';
 }
 
-} // namespace
+}  // namespace
 
 bool GcodeTokenizer::split(const char *text, int length, Word *words, int *count)
 {

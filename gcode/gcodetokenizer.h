@@ -10,7 +10,7 @@ class GcodeTokenizer
 public:
     struct Word
     {
-        char letter;   // upper case
+        char letter;  // upper case
         double value;
     };
 
@@ -27,10 +27,7 @@ public:
     // The line with its comments removed and blanks trimmed at both ends; empty for a line
     // that holds only a comment or blanks. An unclosed '(' runs to the end of the line.
     static QByteArray stripComments(const char *text, int length);
-    static QByteArray stripComments(const QByteArray &line)
-    {
-        return stripComments(line.constData(), line.size());
-    }
+    static QByteArray stripComments(const QByteArray &line) { return stripComments(line.constData(), line.size()); }
 };
 
 #endif

@@ -55,18 +55,23 @@ void readBounds(const SvgImage &image, PathConvRun &run)
 bool numbersUsable(const PathConvRun &run)
 {
     const PathConvSettings &s = g_settings;
-    const float settings[] = {s.xoffset, s.yoffset, float(s.width) + s.xoffset,
-                              PathConvWorkAreaHeight - s.yoffset - float(s.height), s.feedSpeed,
-                              s.travelSpeed, s.printZ, s.travelZ};
+    const float settings[] = {s.xoffset,
+                              s.yoffset,
+                              float(s.width) + s.xoffset,
+                              PathConvWorkAreaHeight - s.yoffset - float(s.height),
+                              s.feedSpeed,
+                              s.travelSpeed,
+                              s.printZ,
+                              s.travelZ};
     for (float v : settings)
         if (!std::isfinite(v))
             return false;
     if (run.npoints == 0)
         return true;
     return std::isfinite(pathConvMachineX(s, run, run.bounds[0]))
-        && std::isfinite(pathConvMachineX(s, run, run.bounds[2]))
-        && std::isfinite(pathConvMachineY(s, run, run.bounds[1]))
-        && std::isfinite(pathConvMachineY(s, run, run.bounds[3]));
+           && std::isfinite(pathConvMachineX(s, run, run.bounds[2]))
+           && std::isfinite(pathConvMachineY(s, run, run.bounds[1]))
+           && std::isfinite(pathConvMachineY(s, run, run.bounds[3]));
 }
 
 // Stage 2, build segments: one record per cubic segment, tagged with its path, and each path's start.
@@ -112,10 +117,14 @@ void buildSegments(const SvgImage &image, PathConvRun &run)
                 }
                 PathSegment &s = run.segs[nsegs];
                 const float *q = p + 2 * i;
-                s.x0 = q[0]; s.y0 = q[1];
-                s.x1 = q[2]; s.y1 = q[3];
-                s.x2 = q[4]; s.y2 = q[5];
-                s.x3 = q[6]; s.y3 = q[7];
+                s.x0 = q[0];
+                s.y0 = q[1];
+                s.x1 = q[2];
+                s.y1 = q[3];
+                s.x2 = q[4];
+                s.y2 = q[5];
+                s.x3 = q[6];
+                s.y3 = q[7];
                 s.path = pathIndex;
                 s.closed = path.closed ? 1 : 0;
                 if (run.firstSeg[pathIndex] < 0)
@@ -154,7 +163,7 @@ void orderStage(PathConvRun &run, uint32_t seed)
     printf("\n");
 }
 
-} // namespace
+}  // namespace
 
 void pathconv_set_header(const char *text, int length)
 {
@@ -176,8 +185,16 @@ void pathconv_set_laser(int power)
     snprintf(g_settings.laserReduced, sizeof g_settings.laserReduced, "M106 S%d \n", power / 2);
 }
 
-void pathconv_set_size(int width, int height) { g_settings.width = width; g_settings.height = height; }
-void pathconv_set_offset(float x, float y) { g_settings.xoffset = x; g_settings.yoffset = y; }
+void pathconv_set_size(int width, int height)
+{
+    g_settings.width = width;
+    g_settings.height = height;
+}
+void pathconv_set_offset(float x, float y)
+{
+    g_settings.xoffset = x;
+    g_settings.yoffset = y;
+}
 
 void pathconv_use_fixed_seed(long long seconds)
 {

@@ -14,10 +14,10 @@ void pathconv_set_header(const char *text, int length);
 void pathconv_set_print_mode(int mode);  // 0 laser, anything else CNC router
 void pathconv_set_travel_speed(float speed);
 void pathconv_set_feed_speed(float speed);
-void pathconv_set_print_z(float z);      // CNC cutting depth
-void pathconv_set_travel_z(float z);     // CNC safe height
-void pathconv_set_machine_ymax(int maxy);  // kept; the work area is always 200 mm high
-void pathconv_set_laser(int power);      // "M106 S<power> \n" and the half-power line
+void pathconv_set_print_z(float z);             // CNC cutting depth
+void pathconv_set_travel_z(float z);            // CNC safe height
+void pathconv_set_machine_ymax(int maxy);       // kept; the work area is always 200 mm high
+void pathconv_set_laser(int power);             // "M106 S<power> \n" and the half-power line
 void pathconv_set_size(int width, int height);  // target size of the drawing in mm
 void pathconv_set_offset(float x, float y);     // placement of the drawing's corner
 

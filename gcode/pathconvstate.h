@@ -12,7 +12,8 @@
 
 const int PathConvHeaderSize = 64;
 const int PathConvLaserLineSize = 32;
-const float PathConvWorkAreaHeight = float(WorkArea::Height);  // the machine's Y is flipped against this, whatever maxy says
+const float PathConvWorkAreaHeight =
+    float(WorkArea::Height);  // the machine's Y is flipped against this, whatever maxy says
 
 // Settings kept from one conversion to the next, and the time estimate they add up.
 struct PathConvSettings

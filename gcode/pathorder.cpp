@@ -22,8 +22,8 @@ const int OrderAttemptsPerPath = 800;
 // The minimal standard generator (multiplier 16807, modulus 2^31 - 1).
 const uint32_t RandModulus = 2147483647u;
 const uint32_t RandMultiplier = 16807u;
-const uint32_t DrawLow = 1073741823u;     // a draw is (r - DrawLow) / 2^29 ...
-const uint32_t DrawRange = 1u << 29;      // ... kept only when it lies in [0, 1]
+const uint32_t DrawLow = 1073741823u;  // a draw is (r - DrawLow) / 2^29 ...
+const uint32_t DrawRange = 1u << 29;   // ... kept only when it lies in [0, 1]
 const int DrawShift = 29;
 
 typedef PathStart StartPoint;
@@ -126,8 +126,9 @@ __attribute__((target("avx2"))) int drawAvx2(const DrawTable &table, uint32_t st
     const uint64_t x = state;
     __m256i v[4];
     for (int g = 0; g < 4; ++g)
-        v[g] = _mm256_setr_epi64x(int64_t(foldMod(x * table.jump[4 * g + 1])), int64_t(foldMod(x * table.jump[4 * g + 2])),
-                                  int64_t(foldMod(x * table.jump[4 * g + 3])), int64_t(foldMod(x * table.jump[4 * g + 4])));
+        v[g] = _mm256_setr_epi64x(
+            int64_t(foldMod(x * table.jump[4 * g + 1])), int64_t(foldMod(x * table.jump[4 * g + 2])),
+            int64_t(foldMod(x * table.jump[4 * g + 3])), int64_t(foldMod(x * table.jump[4 * g + 4])));
     int n = 0;
     for (int left = groups;;) {
         for (int g = 0; g < 4; ++g) {
@@ -135,7 +136,8 @@ __attribute__((target("avx2"))) int drawAvx2(const DrawTable &table, uint32_t st
             const __m256i keep = _mm256_and_si256(_mm256_cmpgt_epi64(off, minusOne), _mm256_cmpgt_epi64(limit, off));
             const __m256i idx = _mm256_srli_epi64(_mm256_mul_epu32(off, span), DrawShift);
             const int mask = _mm256_movemask_pd(_mm256_castsi256_pd(keep));
-            const __m256i packed = _mm256_permutevar8x32_epi32(idx, _mm256_load_si256(reinterpret_cast<const __m256i *>(pack[mask])));
+            const __m256i packed =
+                _mm256_permutevar8x32_epi32(idx, _mm256_load_si256(reinterpret_cast<const __m256i *>(pack[mask])));
             _mm_storeu_si128(reinterpret_cast<__m128i *>(out + n), _mm256_castsi256_si128(packed));
             n += __builtin_popcount(unsigned(mask));
         }
@@ -164,8 +166,7 @@ class DrawFeed
 {
 public:
     DrawFeed(const DrawTable &table, uint32_t seed, int helpers)
-        : m_table(table)
-        , m_blocks(size_t(helpers) * SlotsPerHelper)
+        : m_table(table), m_blocks(size_t(helpers) * SlotsPerHelper)
     {
         const uint32_t blockJump = powMod(RandMultiplier, uint64_t(GroupsPerBlock) * JumpWidth);
         const uint32_t helperJump = powMod(blockJump, uint64_t(helpers));
@@ -278,10 +279,10 @@ private:
 inline bool longerThanSwapped(const StartPoint *a, const StartPoint *b)
 {
 #ifdef __SSE2__
-    const __m128 p = _mm_loadu_ps(&a->x);  // ax ay a'x a'y
-    const __m128 q = _mm_loadu_ps(&b->x);  // bx by b'x b'y
+    const __m128 p = _mm_loadu_ps(&a->x);                                 // ax ay a'x a'y
+    const __m128 q = _mm_loadu_ps(&b->x);                                 // bx by b'x b'y
     __m128 edges = _mm_sub_ps(_mm_movelh_ps(p, q), _mm_movehl_ps(q, p));  // A - A', B - B'
-    __m128 swapped = _mm_sub_ps(p, q);                                       // A - B, A' - B'
+    __m128 swapped = _mm_sub_ps(p, q);                                    // A - B, A' - B'
     edges = _mm_mul_ps(edges, edges);
     swapped = _mm_mul_ps(swapped, swapped);
     const __m128 squares = _mm_add_ps(_mm_shuffle_ps(edges, swapped, _MM_SHUFFLE(2, 0, 2, 0)),
@@ -389,8 +390,10 @@ __attribute__((target("avx2"))) void reverseSpanAvx2(int *order, StartPoint *at,
             const int a = i + 4 * half, b = j - 3 - 4 * half;
             const __m256i p = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(at + a));
             const __m256i q = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(at + b));
-            _mm256_storeu_si256(reinterpret_cast<__m256i *>(at + a), _mm256_permute4x64_epi64(q, _MM_SHUFFLE(0, 1, 2, 3)));
-            _mm256_storeu_si256(reinterpret_cast<__m256i *>(at + b), _mm256_permute4x64_epi64(p, _MM_SHUFFLE(0, 1, 2, 3)));
+            _mm256_storeu_si256(reinterpret_cast<__m256i *>(at + a),
+                                _mm256_permute4x64_epi64(q, _MM_SHUFFLE(0, 1, 2, 3)));
+            _mm256_storeu_si256(reinterpret_cast<__m256i *>(at + b),
+                                _mm256_permute4x64_epi64(p, _MM_SHUFFLE(0, 1, 2, 3)));
         }
     }
     std::reverse(order + i, order + j + 1);
@@ -452,7 +455,7 @@ int feedHelpers()
     return std::min(3, std::max(1, cores - 1));
 }
 
-} // namespace
+}  // namespace
 
 uint32_t pathOrderSeed(double now)
 {

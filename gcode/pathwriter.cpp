@@ -105,7 +105,7 @@ void writeSegment(FILE *fp, PathConvSettings &s, PathConvRun &run, const PathSeg
     }
 }
 
-} // namespace
+}  // namespace
 
 void writePreamble(FILE *fp, const PathConvSettings &s)
 {

@@ -23,12 +23,9 @@ constexpr int GrayLevels = 256;
 // practice (it stops growing at 32768), but Qt's own formatting takes over if it did.
 constexpr float QuickZLimit = 65536.0f;
 
-int roundedUp(int length, int block)
-{
-    return (length + block - 1) / block * block;
-}
+int roundedUp(int length, int block) { return (length + block - 1) / block * block; }
 
-} // namespace
+}  // namespace
 
 RasterGcodeWriter::RasterGcodeWriter(QIODevice *device, bool plain)
     : m_device(device), m_plain(plain), m_powers(GrayLevels, 0.0f)
@@ -120,15 +117,14 @@ int RasterGcodeWriter::addGroup(const Group &lines)
 
         QString literal;
         for (int i = 0; i < pattern.size(); ++i) {
-            const int n = (pattern.at(i) == QLatin1Char('%') && i + 1 < pattern.size())
-                              ? pattern.at(i + 1).digitValue()
-                              : -1;
+            const int n =
+                (pattern.at(i) == QLatin1Char('%') && i + 1 < pattern.size()) ? pattern.at(i + 1).digitValue() : -1;
             const int which = n > 0 ? numbers.indexOf(n) : -1;
             if (which < 0 || which >= line.args.size()) {
                 literal += pattern.at(i);
                 continue;
             }
-            ++i;   // the digit
+            ++i;  // the digit
             const Arg arg = line.args.at(which);
             if (arg == ArgFeed || arg == ArgTravel) {
                 literal += QString::number(arg == ArgFeed ? m_feed : m_travel);
@@ -153,10 +149,7 @@ void RasterGcodeWriter::setRow(double y)
         m_rowToken = makeToken(QStringLiteral("%1").arg(y));
 }
 
-QString RasterGcodeWriter::zText(float counter)
-{
-    return QString::number(counter * ZPerCount, 'f', ZDecimals);
-}
+QString RasterGcodeWriter::zText(float counter) { return QString::number(counter * ZPerCount, 'f', ZDecimals); }
 
 qint64 RasterGcodeWriter::zThousandths(float counter)
 {

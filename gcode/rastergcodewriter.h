@@ -66,7 +66,7 @@ private:
     struct Op
     {
         OpKind kind;
-        int offset;   // into the literal pool
+        int offset;  // into the literal pool
         int length;
     };
     struct Compiled

@@ -20,16 +20,11 @@ const char *const ConverterUnits = "mm";
 const float ConverterDpi = 0.1f;
 // pathconv_convert's answer when a position would not be a finite number.
 const int NotFinite = -2;
-}
+}  // namespace
 
-Svg2GcodeP::Svg2GcodeP(QWidget *parent) : QWidget(parent)
-{
-}
+Svg2GcodeP::Svg2GcodeP(QWidget *parent) : QWidget(parent) {}
 
-float Svg2GcodeP::TakeEstimatedTime()
-{
-    return pathconv_take_estimate();
-}
+float Svg2GcodeP::TakeEstimatedTime() { return pathconv_take_estimate(); }
 
 SvgImage *Svg2GcodeP::ReadDrawing(const QString &inputfile)
 {
@@ -59,15 +54,9 @@ bool Svg2GcodeP::CanScale(const SvgImage &drawing)
     return empty || (maxX - minX > 0 && std::isfinite(maxX - minX));
 }
 
-void Svg2GcodeP::UseFixedSeed(qint64 seconds)
-{
-    pathconv_use_fixed_seed(seconds);
-}
+void Svg2GcodeP::UseFixedSeed(qint64 seconds) { pathconv_use_fixed_seed(seconds); }
 
-void Svg2GcodeP::UseClockSeed()
-{
-    pathconv_use_clock_seed();
-}
+void Svg2GcodeP::UseClockSeed() { pathconv_use_clock_seed(); }
 
 void Svg2GcodeP::SvgToGcode(QString inputfile, QString outfile)
 {
@@ -93,8 +82,8 @@ void Svg2GcodeP::SvgToGcodeAt(const SvgImage &drawing, const QString &outfile, d
 void Svg2GcodeP::noteStatus(int status)
 {
     m_refusal = status == NotFinite
-        ? QStringLiteral("No G-code written: the drawing gives positions that are not numbers")
-        : QString();
+                    ? QStringLiteral("No G-code written: the drawing gives positions that are not numbers")
+                    : QString();
 }
 
 void Svg2GcodeP::SetGcoderHeader(QString header)
@@ -103,42 +92,18 @@ void Svg2GcodeP::SetGcoderHeader(QString header)
     pathconv_set_header(bytes.constData(), bytes.size());
 }
 
-void Svg2GcodeP::SetPrintMode(int mode)
-{
-    pathconv_set_print_mode(mode);
-}
+void Svg2GcodeP::SetPrintMode(int mode) { pathconv_set_print_mode(mode); }
 
-void Svg2GcodeP::SetTravelSpeed(int travel_speed)
-{
-    pathconv_set_travel_speed(float(travel_speed));
-}
+void Svg2GcodeP::SetTravelSpeed(int travel_speed) { pathconv_set_travel_speed(float(travel_speed)); }
 
-void Svg2GcodeP::SetFeedSpeed(int feed_speed)
-{
-    pathconv_set_feed_speed(float(feed_speed));
-}
+void Svg2GcodeP::SetFeedSpeed(int feed_speed) { pathconv_set_feed_speed(float(feed_speed)); }
 
-void Svg2GcodeP::SetPrintZValue(float z)
-{
-    pathconv_set_print_z(z);
-}
+void Svg2GcodeP::SetPrintZValue(float z) { pathconv_set_print_z(z); }
 
-void Svg2GcodeP::SetTravelZValue(float z)
-{
-    pathconv_set_travel_z(z);
-}
+void Svg2GcodeP::SetTravelZValue(float z) { pathconv_set_travel_z(z); }
 
-void Svg2GcodeP::SetMachineYmax(int maxy)
-{
-    pathconv_set_machine_ymax(maxy);
-}
+void Svg2GcodeP::SetMachineYmax(int maxy) { pathconv_set_machine_ymax(maxy); }
 
-void Svg2GcodeP::SetLaser(int power)
-{
-    pathconv_set_laser(power);
-}
+void Svg2GcodeP::SetLaser(int power) { pathconv_set_laser(power); }
 
-void Svg2GcodeP::SetgGcodeWidth(int width, int height)
-{
-    pathconv_set_size(width, height);
-}
+void Svg2GcodeP::SetgGcodeWidth(int width, int height) { pathconv_set_size(width, height); }

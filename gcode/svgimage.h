@@ -21,7 +21,7 @@ struct SvgPath
 struct SvgShape
 {
     std::vector<SvgPath> paths;
-    float strokeWidth = 0;   // the pen's width in the drawing's units (outlines ignore it)
+    float strokeWidth = 0;  // the pen's width in the drawing's units (outlines ignore it)
 };
 
 // The whole drawing in the units it was read in; width and height are the document's size.

@@ -52,10 +52,19 @@ class Scanner
 public:
     // Keeps its own reference to the text, so a temporary can be handed in.
     explicit Scanner(const QByteArray &text)
-        : m_text(text), m_p(m_text.constData()), m_end(m_text.constData() + m_text.size()) {}
+        : m_text(text), m_p(m_text.constData()), m_end(m_text.constData() + m_text.size())
+    {}
 
-    bool atEnd() { skipSeparators(); return m_p >= m_end; }
-    char peek() { skipSeparators(); return m_p < m_end ? *m_p : '\0'; }
+    bool atEnd()
+    {
+        skipSeparators();
+        return m_p >= m_end;
+    }
+    char peek()
+    {
+        skipSeparators();
+        return m_p < m_end ? *m_p : '\0';
+    }
     char take() { return m_p < m_end ? *m_p++ : '\0'; }
 
     // A number in the SVG grammar; "1.5.5" reads as 1.5 then .5, "1e" stops before the e.
@@ -67,10 +76,16 @@ public:
         if (p < m_end && (*p == '+' || *p == '-'))
             ++p;
         int digits = 0;
-        while (p < m_end && isDigit(*p)) { ++p; ++digits; }
+        while (p < m_end && isDigit(*p)) {
+            ++p;
+            ++digits;
+        }
         if (p < m_end && *p == '.') {
             ++p;
-            while (p < m_end && isDigit(*p)) { ++p; ++digits; }
+            while (p < m_end && isDigit(*p)) {
+                ++p;
+                ++digits;
+            }
         }
         if (digits == 0)
             return false;
@@ -149,13 +164,12 @@ public:
     // A straight line keeps its control points on itself, a third of the way from each end.
     void lineTo(double x, double y)
     {
-        cubicTo(m_cx + (x - m_cx) / 3, m_cy + (y - m_cy) / 3,
-                x - (x - m_cx) / 3, y - (y - m_cy) / 3, x, y);
+        cubicTo(m_cx + (x - m_cx) / 3, m_cy + (y - m_cy) / 3, x - (x - m_cx) / 3, y - (y - m_cy) / 3, x, y);
     }
     void quadTo(double qx, double qy, double x, double y)
     {
-        cubicTo(m_cx + 2.0 / 3 * (qx - m_cx), m_cy + 2.0 / 3 * (qy - m_cy),
-                x + 2.0 / 3 * (qx - x), y + 2.0 / 3 * (qy - y), x, y);
+        cubicTo(m_cx + 2.0 / 3 * (qx - m_cx), m_cy + 2.0 / 3 * (qy - m_cy), x + 2.0 / 3 * (qx - x),
+                y + 2.0 / 3 * (qy - y), x, y);
     }
     void arcTo(double rx, double ry, double angleDeg, bool largeArc, bool sweep, double x, double y);
     void close()
@@ -180,7 +194,11 @@ public:
 
     double x() const { return m_cx; }
     double y() const { return m_cy; }
-    std::vector<Sub> &subs() { finish(); return m_subs; }
+    std::vector<Sub> &subs()
+    {
+        finish();
+        return m_subs;
+    }
 
 private:
     // After a Z the next drawing command starts a new subpath where the pen stands.
@@ -276,10 +294,7 @@ void PathBuilder::arcTo(double rx, double ry, double angleDeg, bool largeArc, bo
     }
 }
 
-bool isCommand(char ch)
-{
-    return ch != '\0' && std::strchr("MmLlHhVvCcSsQqTtAaZz", ch) != nullptr;
-}
+bool isCommand(char ch) { return ch != '\0' && std::strchr("MmLlHhVvCcSsQqTtAaZz", ch) != nullptr; }
 
 // Path data: reads up to the first error and keeps what came before it.
 void parsePathData(const QByteArray &data, PathBuilder *pb)
@@ -308,32 +323,44 @@ void parsePathData(const QByteArray &data, PathBuilder *pb)
             return true;
         };
         switch (cmd) {
-        case 'M': case 'm':
-            if (!read(2)) return;
+        case 'M':
+        case 'm':
+            if (!read(2))
+                return;
             pb->moveTo(ox + v[0], oy + v[1]);
             started = true;
             cmd = rel ? 'l' : 'L';  // further pairs are lines
             break;
-        case 'L': case 'l':
-            if (!read(2)) return;
+        case 'L':
+        case 'l':
+            if (!read(2))
+                return;
             pb->lineTo(ox + v[0], oy + v[1]);
             break;
-        case 'H': case 'h':
-            if (!read(1)) return;
+        case 'H':
+        case 'h':
+            if (!read(1))
+                return;
             pb->lineTo(ox + v[0], pb->y());
             break;
-        case 'V': case 'v':
-            if (!read(1)) return;
+        case 'V':
+        case 'v':
+            if (!read(1))
+                return;
             pb->lineTo(pb->x(), oy + v[0]);
             break;
-        case 'C': case 'c':
-            if (!read(6)) return;
+        case 'C':
+        case 'c':
+            if (!read(6))
+                return;
             pb->cubicTo(ox + v[0], oy + v[1], ox + v[2], oy + v[3], ox + v[4], oy + v[5]);
             lastCx = ox + v[2];
             lastCy = oy + v[3];
             break;
-        case 'S': case 's': {
-            if (!read(4)) return;
+        case 'S':
+        case 's': {
+            if (!read(4))
+                return;
             const bool smooth = std::strchr("CcSs", previous) != nullptr && previous != '\0';
             const double c1x = smooth ? 2 * pb->x() - lastCx : pb->x();
             const double c1y = smooth ? 2 * pb->y() - lastCy : pb->y();
@@ -342,14 +369,18 @@ void parsePathData(const QByteArray &data, PathBuilder *pb)
             lastCy = oy + v[1];
             break;
         }
-        case 'Q': case 'q':
-            if (!read(4)) return;
+        case 'Q':
+        case 'q':
+            if (!read(4))
+                return;
             pb->quadTo(ox + v[0], oy + v[1], ox + v[2], oy + v[3]);
             lastCx = ox + v[0];
             lastCy = oy + v[1];
             break;
-        case 'T': case 't': {
-            if (!read(2)) return;
+        case 'T':
+        case 't': {
+            if (!read(2))
+                return;
             const bool smooth = std::strchr("QqTt", previous) != nullptr && previous != '\0';
             const double qx = smooth ? 2 * pb->x() - lastCx : pb->x();
             const double qy = smooth ? 2 * pb->y() - lastCy : pb->y();
@@ -358,14 +389,16 @@ void parsePathData(const QByteArray &data, PathBuilder *pb)
             lastCy = qy;
             break;
         }
-        case 'A': case 'a': {
+        case 'A':
+        case 'a': {
             bool large = false, sweep = false;
             if (!read(3) || !s.flag(&large) || !s.flag(&sweep) || !s.number(&v[3]) || !s.number(&v[4]))
                 return;
             pb->arcTo(v[0], v[1], v[2], large, sweep, ox + v[3], oy + v[4]);
             break;
         }
-        case 'Z': case 'z':
+        case 'Z':
+        case 'z':
             pb->close();
             break;
         default:
@@ -393,7 +426,12 @@ Affine parseTransform(const QByteArray &text)
             ++n;
         Affine t;
         if (name == "matrix" && n == 6) {
-            t.a = v[0]; t.b = v[1]; t.c = v[2]; t.d = v[3]; t.e = v[4]; t.f = v[5];
+            t.a = v[0];
+            t.b = v[1];
+            t.c = v[2];
+            t.d = v[3];
+            t.e = v[4];
+            t.f = v[5];
         } else if (name == "translate" && n >= 1) {
             t.e = v[0];
             t.f = n >= 2 ? v[1] : 0;
@@ -403,11 +441,16 @@ Affine parseTransform(const QByteArray &text)
         } else if (name == "rotate" && n >= 1) {
             const double r = v[0] * Pi / 180;
             Affine rot;
-            rot.a = std::cos(r); rot.b = std::sin(r); rot.c = -std::sin(r); rot.d = std::cos(r);
+            rot.a = std::cos(r);
+            rot.b = std::sin(r);
+            rot.c = -std::sin(r);
+            rot.d = std::cos(r);
             if (n >= 3) {
                 Affine to, back;
-                to.e = v[1]; to.f = v[2];
-                back.e = -v[1]; back.f = -v[2];
+                to.e = v[1];
+                to.f = v[2];
+                back.e = -v[1];
+                back.f = -v[2];
                 t = to.then(rot).then(back);
             } else {
                 t = rot;
@@ -442,9 +485,9 @@ bool isHidden(const QXmlStreamAttributes &attrs)
 // Whose contents are only referenced, never drawn where they stand.
 bool isNonRendering(const QStringRef &name)
 {
-    static const char *const names[] = {"defs", "clipPath", "mask", "marker", "pattern", "symbol",
-                                        "linearGradient", "radialGradient", "filter", "style",
-                                        "title", "desc", "metadata", "text", "image", "foreignObject"};
+    static const char *const names[] = {
+        "defs",   "clipPath", "mask",  "marker", "pattern",  "symbol", "linearGradient", "radialGradient",
+        "filter", "style",    "title", "desc",   "metadata", "text",   "image",          "foreignObject"};
     for (const char *n : names)
         if (name == QLatin1String(n))
             return true;
@@ -486,7 +529,8 @@ class ElementProperties
 {
 public:
     ElementProperties(const QXmlStreamAttributes &attrs, const LengthBase &base)
-        : m_attrs(attrs), m_style(styleDeclarations(attrs)), m_base(base) {}
+        : m_attrs(attrs), m_style(styleDeclarations(attrs)), m_base(base)
+    {}
 
     bool has(const char *name) const { return !text(name).isNull(); }
     QString text(const char *name) const
@@ -494,8 +538,7 @@ public:
         for (int i = m_style.size() - 1; i >= 0; --i)
             if (m_style.at(i).first == QLatin1String(name))
                 return m_style.at(i).second;
-        return m_attrs.hasAttribute(QLatin1String(name)) ? m_attrs.value(QLatin1String(name)).toString()
-                                                         : QString();
+        return m_attrs.hasAttribute(QLatin1String(name)) ? m_attrs.value(QLatin1String(name)).toString() : QString();
     }
     // A length in user units; positions take percentages from the reference box's origin.
     double length(const char *name, LengthAxis axis, bool position, double fallback = 0) const
@@ -504,15 +547,14 @@ public:
         return toUserUnits(text(name).toLatin1(), axis, position, m_base, &v) ? v : fallback;
     }
 
-    static bool toUserUnits(const QByteArray &text, LengthAxis axis, bool position, const LengthBase &base,
-                            double *out)
+    static bool toUserUnits(const QByteArray &text, LengthAxis axis, bool position, const LengthBase &base, double *out)
     {
         Scanner s(text);
         double v;
         if (!s.number(&v))
             return false;
         const QByteArray unit = s.rest();
-        double factor = 1;   // px, and units nobody knows, count as user units
+        double factor = 1;  // px, and units nobody knows, count as user units
         if (unit == "pt")
             factor = CssDpi / 72;
         else if (unit == "pc")
@@ -531,9 +573,9 @@ public:
             *out = v * factor;
             return true;
         }
-        const double span = axis == AxisX ? base.width
-            : axis == AxisY ? base.height
-            : std::sqrt((base.width * base.width + base.height * base.height) / 2);
+        const double span = axis == AxisX   ? base.width
+                            : axis == AxisY ? base.height
+                                            : std::sqrt((base.width * base.width + base.height * base.height) / 2);
         const double origin = !position ? 0 : axis == AxisX ? base.x : axis == AxisY ? base.y : 0;
         *out = origin + v / 100 * span;
         return true;
@@ -683,7 +725,7 @@ struct Viewport
     bool hasViewBox = false;
     double widthPx = 0;
     double heightPx = 0;
-    LengthBase box;   // what percentages of the elements' lengths refer to
+    LengthBase box;  // what percentages of the elements' lengths refer to
 };
 
 Viewport readViewport(const QXmlStreamAttributes &attrs, double dpi)
@@ -695,8 +737,8 @@ Viewport readViewport(const QXmlStreamAttributes &attrs, double dpi)
 
     Scanner s(attrs.value(QLatin1String("viewBox")).toLatin1());
     double vb[4];
-    const bool hasVb = s.number(&vb[0]) && s.number(&vb[1]) && s.number(&vb[2]) && s.number(&vb[3])
-                       && vb[2] > 0 && vb[3] > 0;
+    const bool hasVb =
+        s.number(&vb[0]) && s.number(&vb[1]) && s.number(&vb[2]) && s.number(&vb[3]) && vb[2] > 0 && vb[3] > 0;
     if (!hasVb) {
         vp.widthPx = hasW ? w : 0;
         vp.heightPx = hasH ? h : 0;
@@ -714,7 +756,8 @@ Viewport readViewport(const QXmlStreamAttributes &attrs, double dpi)
     double sx = vp.widthPx / vb[2];
     double sy = vp.heightPx / vb[3];
     double tx = 0, ty = 0;
-    const QStringList par = attrs.value(QLatin1String("preserveAspectRatio")).toString().simplified().split(QLatin1Char(' '));
+    const QStringList par =
+        attrs.value(QLatin1String("preserveAspectRatio")).toString().simplified().split(QLatin1Char(' '));
     const QString align = par.value(0);
     if (align != QLatin1String("none")) {
         const bool slice = par.contains(QLatin1String("slice"));
@@ -738,8 +781,8 @@ struct Frame
 {
     Affine m;
     bool skip = false;
-    double fontSize = DefaultFontSize;   // user units, inherited
-    double strokeWidth = 1;              // user units, inherited
+    double fontSize = DefaultFontSize;  // user units, inherited
+    double strokeWidth = 1;             // user units, inherited
 };
 
 // The font size and stroke width an element sets for itself and its children.
@@ -759,7 +802,7 @@ void inheritLengths(const ElementProperties &props, const LengthBase &base, Fram
         f->strokeWidth = v;
 }
 
-} // namespace
+}  // namespace
 
 SvgImage *SvgReader::parseFromFile(const char *path, const char *units, float dpi)
 {
@@ -905,7 +948,4 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
     return image;
 }
 
-void SvgReader::release(SvgImage *image)
-{
-    delete image;
-}
+void SvgReader::release(SvgImage *image) { delete image; }

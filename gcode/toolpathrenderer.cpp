@@ -13,10 +13,7 @@ constexpr uchar White = 255;
 // as on the edge.
 constexpr double EdgeSlack = 1e-3;
 
-uchar levelOf(double power)
-{
-    return uchar(White - std::lround(std::clamp(power, 0.0, 1.0) * White));
-}
+uchar levelOf(double power) { return uchar(White - std::lround(std::clamp(power, 0.0, 1.0) * White)); }
 
 // A line along the bottom or right edge of the area belongs to the last row or column.
 double pixelIndex(double coordinate, int size)
@@ -31,19 +28,17 @@ QRgb mix(QRgb a, QRgb b, double t)
     return qRgb(channel(qRed(a), qRed(b)), channel(qGreen(a), qGreen(b)), channel(qBlue(a), qBlue(b)));
 }
 
-} // namespace
+}  // namespace
 
 const QRgb ToolpathRenderer::TravelColour = qRgb(90, 160, 255);
 const QRgb ToolpathRenderer::ShallowColour = qRgb(235, 120, 0);
 const QRgb ToolpathRenderer::DeepColour = qRgb(0, 40, 170);
 
 ToolpathRenderer::ToolpathRenderer(double pxPerMm)
-    : m_scale(pxPerMm),
-      m_width(int(std::lround(GcodeInterpreter::WorkAreaWidth * pxPerMm))),
+    : m_scale(pxPerMm), m_width(int(std::lround(GcodeInterpreter::WorkAreaWidth * pxPerMm))),
       m_height(int(std::lround(GcodeInterpreter::WorkAreaHeight * pxPerMm))),
       m_burn(size_t(m_width) * size_t(m_height), White)
-{
-}
+{}
 
 void ToolpathRenderer::setDepthColours(bool depth)
 {

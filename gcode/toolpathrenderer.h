@@ -42,9 +42,9 @@ private:
     int m_height;
     bool m_showTravel = false;
     bool m_depthColours = false;
-    std::vector<uchar> m_burn;     // 255 untouched, 0 burned at full power
-    std::vector<uchar> m_travel;   // 1 where a travel move passes
-    std::vector<float> m_depth;    // lowest Z of the cuts per pixel, with depth colours
+    std::vector<uchar> m_burn;    // 255 untouched, 0 burned at full power
+    std::vector<uchar> m_travel;  // 1 where a travel move passes
+    std::vector<float> m_depth;   // lowest Z of the cuts per pixel, with depth colours
 };
 
 #endif

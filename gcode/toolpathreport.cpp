@@ -15,7 +15,7 @@ QString millimetres(double value)
 {
     double rounded = std::round(value * 100.0) / 100.0;
     if (rounded == 0)
-        rounded = 0;   // no "-0"
+        rounded = 0;  // no "-0"
     return QString::number(rounded, 'f', 2).remove(QRegExp(QStringLiteral("\\.?0+$")));
 }
 
@@ -60,4 +60,4 @@ QString outsideLine(const ToolpathSummary &s)
         .arg(moves(s.burnMovesOutside, "burn"), moves(s.travelMovesOutside, "travel"), reachText(s));
 }
 
-} // namespace ToolpathReport
+}  // namespace ToolpathReport

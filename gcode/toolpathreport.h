@@ -20,6 +20,6 @@ QString reachText(const ToolpathSummary &summary);
 // "Outside the work area: ..." or empty when everything stays inside.
 QString outsideLine(const ToolpathSummary &summary);
 
-} // namespace ToolpathReport
+}  // namespace ToolpathReport
 
 #endif

@@ -104,7 +104,8 @@ bool Bitmap2Svg::writeSvgDirect(const QList<QxPotrace::Polygon> &polygons, const
     const QByteArray probed = probe.data();
     const int pathFrom = probed.indexOf("<path ");
     const int pathTo = probed.indexOf("\"/>\n", pathFrom);
-    if (pathFrom < 0 || pathTo < 0 || probed.mid(pathFrom, pathTo + 4 - pathFrom) != SvgPathText::path(triangle.boundary))
+    if (pathFrom < 0 || pathTo < 0
+        || probed.mid(pathFrom, pathTo + 4 - pathFrom) != SvgPathText::path(triangle.boundary))
         return false;
 
     QFile file(path);

@@ -44,7 +44,7 @@ bool beyondMemory(const QSize &size)
     return QImage(size, QImage::Format_ARGB32).isNull();
 }
 
-} // namespace
+}  // namespace
 
 const char *const ImgBinaryEdit::OutputFile = "black_white.jpg";
 
@@ -58,11 +58,7 @@ ImgBinaryEdit::ImgBinaryEdit(QWidget *parent) : QWidget(parent), ui(new Ui::ImgB
     connect(ui->horizontalSlider, SIGNAL(valueChanged(int)), this, SLOT(SlotHorizontalSliderValueChanged(int)));
 }
 
-ImgBinaryEdit::~ImgBinaryEdit()
-{
-    delete ui;
-}
-
+ImgBinaryEdit::~ImgBinaryEdit() { delete ui; }
 
 // Pictures of any size are taken as far as memory goes; the editor keeps the source and
 // the result at full size (4 bytes a pixel each), and refuses only when that fails.
@@ -104,10 +100,7 @@ void ImgBinaryEdit::SetImageFile(QString path)
     adopt(loaded, opaque);
 }
 
-void ImgBinaryEdit::refuseTooLarge()
-{
-    refuse(tr("图片太大，无法处理"), tr("The picture is too large to process"));
-}
+void ImgBinaryEdit::refuseTooLarge() { refuse(tr("图片太大，无法处理"), tr("The picture is too large to process")); }
 
 void ImgBinaryEdit::refuse(const QString &chinese, const QString &english)
 {
@@ -140,7 +133,7 @@ void ImgBinaryEdit::adopt(const QImage &picture, bool opaque)
         applyGlobalThreshold(threshold);
     }
     if (!source.isNull() && result.isNull()) {
-        refuseTooLarge();   // no memory left for the result
+        refuseTooLarge();  // no memory left for the result
         return;
     }
     showPreview(ui->labelSrc, source, true, m_sourceOpaque);
@@ -207,8 +200,8 @@ void ImgBinaryEdit::showPreview(QLabel *label, const QImage &picture, bool scale
         // The JPEG file keeps the colour and drops the alpha, so the result is shown the
         // same way: its alpha-0 white as white. Reading the words as RGB32 shares the
         // pixels and spares the scaler a premultiplied copy of the whole picture.
-        shown = QImage(picture.constBits(), picture.width(), picture.height(),
-                       picture.bytesPerLine(), QImage::Format_RGB32);
+        shown = QImage(picture.constBits(), picture.width(), picture.height(), picture.bytesPerLine(),
+                       QImage::Format_RGB32);
     }
     if (scaled) {
         const QSize box = label->size().expandedTo(QSize(1, 1));
@@ -223,10 +216,7 @@ void ImgBinaryEdit::showPreview(QLabel *label, const QImage &picture, bool scale
 
 // Only on request, never on a language change of its own accord: the main window's
 // Chinese button leaves the editor's texts as they are.
-void ImgBinaryEdit::RetranslateUi()
-{
-    ui->retranslateUi(this);
-}
+void ImgBinaryEdit::RetranslateUi() { ui->retranslateUi(this); }
 
 void ImgBinaryEdit::resizeEvent(QResizeEvent *event)
 {
@@ -239,15 +229,12 @@ void ImgBinaryEdit::resizeEvent(QResizeEvent *event)
         showPreview(ui->labelDest, result, true, true);
 }
 
-void ImgBinaryEdit::SlotSliderValueChanged(int value)
-{
-    ui->label->setText(QString::number(value));
-}
+void ImgBinaryEdit::SlotSliderValueChanged(int value) { ui->label->setText(QString::number(value)); }
 
 void ImgBinaryEdit::on_btnLoad_clicked()
 {
-    const QString path = QFileDialog::getOpenFileName(this, tr("装载"), QString(),
-                                                      QStringLiteral("Image(*.jpg *.png)"));
+    const QString path =
+        QFileDialog::getOpenFileName(this, tr("装载"), QString(), QStringLiteral("Image(*.jpg *.png)"));
     if (!path.isEmpty())
         SetImageFile(path);
 }
@@ -260,15 +247,12 @@ void ImgBinaryEdit::on_btnAdaptive_clicked()
     showResult(adaptive, false);
 }
 
-void ImgBinaryEdit::on_horizontalSlider_sliderMoved(int position)
-{
-    applyGlobalThreshold(position);
-}
+void ImgBinaryEdit::on_horizontalSlider_sliderMoved(int position) { applyGlobalThreshold(position); }
 
 void ImgBinaryEdit::on_btnSavr_clicked()
 {
-    const QString path = QFileDialog::getSaveFileName(this, tr("保存图片"), AppSettings::slicePath(),
-                                                      QStringLiteral("Image(*.jpg)"));
+    const QString path =
+        QFileDialog::getSaveFileName(this, tr("保存图片"), AppSettings::slicePath(), QStringLiteral("Image(*.jpg)"));
     if (path.isEmpty())
         return;
     AppSettings::setSlicePath(path);
@@ -299,7 +283,4 @@ void ImgBinaryEdit::on_btnFinish_clicked()
     close();
 }
 
-void ImgBinaryEdit::SlotHorizontalSliderValueChanged(int value)
-{
-    applyGlobalThreshold(value);
-}
+void ImgBinaryEdit::SlotHorizontalSliderValueChanged(int value) { applyGlobalThreshold(value); }

@@ -18,7 +18,7 @@ class ImgBinaryEdit : public QWidget
     Q_OBJECT
 public:
     // The file Finish writes in the working directory, and its JPEG quality.
-    static const char *const OutputFile;   // "black_white.jpg"
+    static const char *const OutputFile;  // "black_white.jpg"
     static constexpr int OutputQuality = 100;
 
     explicit ImgBinaryEdit(QWidget *parent = nullptr);

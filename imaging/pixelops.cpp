@@ -38,22 +38,17 @@ const std::vector<Neighbour> &outlineNeighbours()
 {
     static const std::vector<Neighbour> table = [] {
         const Neighbour base[] = {
-            {1, 0, 3.030039172}, {0, 1, 3.030039172},
-            {1, 1, 4.285122492},
-            {2, 0, 6.060078344}, {0, 2, 6.060078344},
-            {2, 1, 6.775373563}, {1, 2, 6.775373563},
-            {2, 2, 8.570244983},
-            {3, 0, 9.090117516}, {0, 3, 9.090117516},
-            {3, 1, 9.581825183}, {1, 3, 9.581825183},
+            {1, 0, 3.030039172}, {0, 1, 3.030039172}, {1, 1, 4.285122492}, {2, 0, 6.060078344},
+            {0, 2, 6.060078344}, {2, 1, 6.775373563}, {1, 2, 6.775373563}, {2, 2, 8.570244983},
+            {3, 0, 9.090117516}, {0, 3, 9.090117516}, {3, 1, 9.581825183}, {1, 3, 9.581825183},
         };
         std::vector<Neighbour> all;
         for (const Neighbour &n : base) {
             for (int sx : {1, -1}) {
                 for (int sy : {1, -1}) {
                     const Neighbour m{n.dx * sx, n.dy * sy, n.weight};
-                    const bool seen = std::any_of(all.begin(), all.end(), [&](const Neighbour &o) {
-                        return o.dx == m.dx && o.dy == m.dy;
-                    });
+                    const bool seen = std::any_of(all.begin(), all.end(),
+                                                  [&](const Neighbour &o) { return o.dx == m.dx && o.dy == m.dy; });
                     if (!seen)
                         all.push_back(m);
                 }
@@ -61,9 +56,8 @@ const std::vector<Neighbour> &outlineNeighbours()
         }
         // Heaviest first: the sum passes the limit sooner, and all weights are positive,
         // so stopping early never changes the outcome.
-        std::stable_sort(all.begin(), all.end(), [](const Neighbour &a, const Neighbour &b) {
-            return a.weight > b.weight;
-        });
+        std::stable_sort(all.begin(), all.end(),
+                         [](const Neighbour &a, const Neighbour &b) { return a.weight > b.weight; });
         return all;
     }();
     return table;
@@ -223,7 +217,7 @@ bool is32Bit(const QImage &image)
     return image.format() == QImage::Format_ARGB32 || image.format() == QImage::Format_RGB32;
 }
 
-} // namespace
+}  // namespace
 
 QImage Prepare(const QImage &picture)
 {
@@ -399,4 +393,4 @@ QImage GrayLevels(const QImage &picture)
     return out;
 }
 
-} // namespace PixelOps
+}  // namespace PixelOps

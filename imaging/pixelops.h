@@ -26,6 +26,6 @@ QImage Outline(const QImage &inverted);
 // 8-bit gray levels, transparency seen against white paper.
 QImage GrayLevels(const QImage &picture);
 
-} // namespace PixelOps
+}  // namespace PixelOps
 
 #endif

@@ -14,21 +14,23 @@ constexpr int DefaultPrecision = 10;
 constexpr int WordBits = int(sizeof(potrace_word) * CHAR_BIT);
 constexpr potrace_word TopBit = potrace_word(1) << (WordBits - 1);
 
-struct ParamDeleter { void operator()(potrace_param_t *p) const { potrace_param_free(p); } };
-struct StateDeleter { void operator()(potrace_state_t *s) const { potrace_state_free(s); } };
-
-QPointF toPoint(const potrace_dpoint_t &p)
+struct ParamDeleter
 {
-    return QPointF(p.x, p.y);
-}
+    void operator()(potrace_param_t *p) const { potrace_param_free(p); }
+};
+struct StateDeleter
+{
+    void operator()(potrace_state_t *s) const { potrace_state_free(s); }
+};
 
-QPointF bezierAt(const potrace_dpoint_t &p0, const potrace_dpoint_t &p1,
-                 const potrace_dpoint_t &p2, const potrace_dpoint_t &p3, double t)
+QPointF toPoint(const potrace_dpoint_t &p) { return QPointF(p.x, p.y); }
+
+QPointF bezierAt(const potrace_dpoint_t &p0, const potrace_dpoint_t &p1, const potrace_dpoint_t &p2,
+                 const potrace_dpoint_t &p3, double t)
 {
     const double u = 1.0 - t;
     const double a = u * u * u, b = 3 * u * u * t, c = 3 * u * t * t, d = t * t * t;
-    return QPointF(a * p0.x + b * p1.x + c * p2.x + d * p3.x,
-                   a * p0.y + b * p1.y + c * p2.y + d * p3.y);
+    return QPointF(a * p0.x + b * p1.x + c * p2.x + d * p3.x, a * p0.y + b * p1.y + c * p2.y + d * p3.y);
 }
 
 // A closed curve as a polygon: a corner adds its vertex and end point, a curve segment
@@ -53,16 +55,13 @@ QPolygonF flatten(const potrace_curve_t &curve, int precision)
     return out;
 }
 
-} // namespace
+}  // namespace
 
 QxPotrace::QxPotrace() : m_precision(DefaultPrecision) {}
 
 QxPotrace::~QxPotrace() = default;
 
-void QxPotrace::setBezierPrecision(int points)
-{
-    m_precision = qMax(1, points);
-}
+void QxPotrace::setBezierPrecision(int points) { m_precision = qMax(1, points); }
 
 namespace {
 
@@ -71,8 +70,7 @@ namespace {
 // False for other pictures, and for a palette that does not hold both entries.
 bool packMono(const QImage &image, std::vector<potrace_word> *map, int dy)
 {
-    if ((image.format() != QImage::Format_Mono && image.format() != QImage::Format_MonoLSB)
-        || image.colorCount() != 2)
+    if ((image.format() != QImage::Format_Mono && image.format() != QImage::Format_MonoLSB) || image.colorCount() != 2)
         return false;
     auto ink = [](QRgb c) { return qAlpha(c) >= QxPotrace::OpaqueFrom && qGray(c) < QxPotrace::DarkBelow; };
     const bool ink0 = ink(image.color(0)), ink1 = ink(image.color(1));
@@ -104,7 +102,7 @@ bool packMono(const QImage &image, std::vector<potrace_word> *map, int dy)
     return true;
 }
 
-} // namespace
+}  // namespace
 
 bool QxPotrace::trace(const QImage &image)
 {
@@ -116,7 +114,8 @@ bool QxPotrace::trace(const QImage &image)
         return traceMap(image.width(), image.height(), monoDy, &monoMap);
     monoMap = std::vector<potrace_word>();
     const QImage argb = (image.format() == QImage::Format_ARGB32 || image.format() == QImage::Format_RGB32)
-            ? image : image.convertToFormat(QImage::Format_ARGB32);
+                            ? image
+                            : image.convertToFormat(QImage::Format_ARGB32);
     if (argb.isNull())
         return false;
 

@@ -30,8 +30,15 @@ int formatShort(double value, char *out)
     const double magnitude = std::fabs(value);
     if (!(magnitude >= 1e-4 && magnitude < 1e5))
         return 0;
-    int exponent = magnitude >= 1e4 ? 4 : magnitude >= 1e3 ? 3 : magnitude >= 1e2 ? 2 : magnitude >= 1e1 ? 1
-                 : magnitude >= 1 ? 0 : magnitude >= 1e-1 ? -1 : magnitude >= 1e-2 ? -2 : magnitude >= 1e-3 ? -3 : -4;
+    int exponent = magnitude >= 1e4    ? 4
+                   : magnitude >= 1e3  ? 3
+                   : magnitude >= 1e2  ? 2
+                   : magnitude >= 1e1  ? 1
+                   : magnitude >= 1    ? 0
+                   : magnitude >= 1e-1 ? -1
+                   : magnitude >= 1e-2 ? -2
+                   : magnitude >= 1e-3 ? -3
+                                       : -4;
     const double scaled = magnitude * Scale[Digits - 1 - exponent];
     int digits = int(scaled);  // 100000 .. 999999
     const double fraction = scaled - digits;
@@ -42,17 +49,16 @@ int formatShort(double value, char *out)
         digits /= 10;
         ++exponent;
     }
-    static const char Pairs[] =
-        "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
-        "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
-        "8081828384858687888990919293949596979899";
+    static const char Pairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+                                "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+                                "8081828384858687888990919293949596979899";
     char d[Digits];
     const int high = digits / 10000, middle = digits / 100 % 100, low = digits % 100;
     d[0] = char('0' + high / 10);
     d[1] = char('0' + high % 10);
     memcpy(d + 2, Pairs + 2 * middle, 2);
     memcpy(d + 4, Pairs + 2 * low, 2);
-    int last = Digits - 1;  // last digit kept: trailing zeros after the point go
+    int last = Digits - 1;                               // last digit kept: trailing zeros after the point go
     const int point = exponent >= 0 ? exponent + 1 : 0;  // digits before the point
     while (last >= point && d[last] == '0')
         --last;
@@ -78,7 +84,7 @@ int formatShort(double value, char *out)
     return n;
 }
 
-} // namespace
+}  // namespace
 
 bool SvgPathText::fits(const QPolygonF &polygon)
 {

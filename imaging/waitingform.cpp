@@ -8,18 +8,14 @@
 
 const char *const WaitingForm::AnimationFile = ":/img/gif/wait.gif";
 
-WaitingForm::WaitingForm(QWidget *parent)
-    : QWidget(parent), ui(new Ui::WaitingForm), m_movie(nullptr)
+WaitingForm::WaitingForm(QWidget *parent) : QWidget(parent), ui(new Ui::WaitingForm), m_movie(nullptr)
 {
     ui->setupUi(this);
     m_movie = new QMovie(QString::fromLatin1(AnimationFile), QByteArray(), this);
     ui->labelGif->setMovie(m_movie);
 }
 
-WaitingForm::~WaitingForm()
-{
-    delete ui;
-}
+WaitingForm::~WaitingForm() { delete ui; }
 
 void WaitingForm::showEvent(QShowEvent *event)
 {

@@ -15,7 +15,7 @@ class WaitingForm : public QWidget
 {
     Q_OBJECT
 public:
-    static const char *const AnimationFile;   // ":/img/gif/wait.gif"
+    static const char *const AnimationFile;  // ":/img/gif/wait.gif"
 
     explicit WaitingForm(QWidget *parent = nullptr);
     ~WaitingForm() override;

@@ -9,10 +9,7 @@
 #include <QThread>
 
 CPSerialPort::CPSerialPort(QWidget *parent)
-    : QWidget(parent),
-      ui(new Ui::CPSerialPort),
-      serial(nullptr),
-      connected(false)
+    : QWidget(parent), ui(new Ui::CPSerialPort), serial(nullptr), connected(false)
 {
     ui->setupUi(this);
 
@@ -45,10 +42,7 @@ void CPSerialPort::retranslateUi()
     ui->btnConnect->setText(connected ? tr("断开") : tr("连接"));
 }
 
-void CPSerialPort::SlotResponseUart(QString s)
-{
-    emit Sig_GetMessage(s);
-}
+void CPSerialPort::SlotResponseUart(QString s) { emit Sig_GetMessage(s); }
 
 void CPSerialPort::WritePort(QString str)
 {
@@ -59,10 +53,7 @@ void CPSerialPort::WritePort(QString str)
     emit SigWritePort(str);
 }
 
-void CPSerialPort::SlotRestBox(QStringList list)
-{
-    ui->portCombo->insertItems(ui->portCombo->count(), list);
-}
+void CPSerialPort::SlotRestBox(QStringList list) { ui->portCombo->insertItems(ui->portCombo->count(), list); }
 
 void CPSerialPort::on_updateUart_clicked()
 {

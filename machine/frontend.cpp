@@ -26,15 +26,10 @@ const char *const FrameRapid = "G0 X%1 Y%2 F3000\n";
 const char *const FrameFirstSide = "G1 X%1 Y%2 F3000 \n";
 const char *const FrameSide = "G1 X%1 Y%2 \n";
 const char *const FrameHome = "G1 F2000 X0 Y0 \n";
-}
+}  // namespace
 
 FrontEnd::FrontEnd(QObject *parent, CPSerialPort *link)
-    : QThread(parent),
-      state(Idle),
-      link(link),
-      reader(new GSendModel),
-      finished(true),
-      bounding(false)
+    : QThread(parent), state(Idle), link(link), reader(new GSendModel), finished(true), bounding(false)
 {
     if (link) {
         connect(this, &FrontEnd::Sig_toarduino, link, &CPSerialPort::WritePort);
@@ -92,10 +87,7 @@ void FrontEnd::SlotCancle()
     emit Sig_toarduino(QString::fromLatin1(HomeXY));
 }
 
-void FrontEnd::AddToSender()
-{
-    takeNextCommand();
-}
+void FrontEnd::AddToSender() { takeNextCommand(); }
 
 void FrontEnd::takeNextCommand()
 {
@@ -122,8 +114,7 @@ void FrontEnd::ReadArduino(QString cmd)
 void FrontEnd::GenBounding(QRectF rect)
 {
     bounding = true;
-    const QRectF r(rect.x() * FrameScale, rect.y() * FrameScale,
-                   rect.width() * FrameScale, rect.height() * FrameScale);
+    const QRectF r(rect.x() * FrameScale, rect.y() * FrameScale, rect.width() * FrameScale, rect.height() * FrameScale);
 
     bounddraws.append(QString::fromLatin1(FrameAbsolute));
     bounddraws.append(QString::fromLatin1(BeamOff));
@@ -145,10 +136,7 @@ void FrontEnd::GenBounding(QRectF rect)
     emit Sig_toarduino(QString::fromLatin1(BeamOff));
 }
 
-void FrontEnd::SetBounding(QQueue<QString> bounddraws)
-{
-    this->bounddraws = bounddraws;
-}
+void FrontEnd::SetBounding(QQueue<QString> bounddraws) { this->bounddraws = bounddraws; }
 
 void FrontEnd::ResetBounding()
 {
@@ -156,17 +144,8 @@ void FrontEnd::ResetBounding()
     bounddraws.clear();
 }
 
-void FrontEnd::SlotUIWrite(QString s)
-{
-    emit Sig_toarduino(s);
-}
+void FrontEnd::SlotUIWrite(QString s) { emit Sig_toarduino(s); }
 
-void FrontEnd::SlotDisconnect()
-{
-    emit Sig_connected(false);
-}
+void FrontEnd::SlotDisconnect() { emit Sig_connected(false); }
 
-void FrontEnd::SlotConnect()
-{
-    emit Sig_connected(true);
-}
+void FrontEnd::SlotConnect() { emit Sig_connected(true); }

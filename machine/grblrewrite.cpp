@@ -25,12 +25,9 @@ Parsed parse(const QByteArray &line)
     return p;
 }
 
-bool is(const GcodeTokenizer::Word &w, char letter, int number)
-{
-    return w.letter == letter && w.value == number;
-}
+bool is(const GcodeTokenizer::Word &w, char letter, int number) { return w.letter == letter && w.value == number; }
 
-} // namespace
+}  // namespace
 
 QByteArray line(const QByteArray &text, int grblMaxPower)
 {
@@ -68,4 +65,4 @@ bool isProgramPause(const QByteArray &text)
     return p.ok && p.count == 1 && p.words[0].letter == 'M' && (p.words[0].value == 0 || p.words[0].value == 1);
 }
 
-} // namespace GrblRewrite
+}  // namespace GrblRewrite

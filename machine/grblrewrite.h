@@ -22,6 +22,6 @@ QByteArray line(const QByteArray &line, int grblMaxPower);
 // Is LINE the program pause ("M0", "M00", "M1")? The runner pauses itself instead.
 bool isProgramPause(const QByteArray &line);
 
-} // namespace GrblRewrite
+}  // namespace GrblRewrite
 
 #endif

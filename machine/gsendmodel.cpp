@@ -42,18 +42,14 @@ float coordinate(const QStringRef &text)
 // Bytes read at once by the scan.
 const qint64 ScanBlockSize = 4 * 1024 * 1024;
 
-inline bool isCoordinateChar(char c)
-{
-    return (c >= '0' && c <= '9') || c == '.';
-}
+inline bool isCoordinateChar(char c) { return (c >= '0' && c <= '9') || c == '.'; }
 
 // Leftmost match of the move pattern for "G<digit> " in an ASCII line, without the
 // matcher: the pattern's parts take disjoint characters, so the first head whose tail
 // fits decides, and each capture is the whole run of digits and points after its letter.
 bool matchMove(const char *s, int n, char digit, int *xFrom, int *xLength, int *yFrom, int *yLength)
 {
-    for (const char *head = s; (head = static_cast<const char *>(memchr(head, 'G', size_t(s + n - head))));
-         ++head) {
+    for (const char *head = s; (head = static_cast<const char *>(memchr(head, 'G', size_t(s + n - head)))); ++head) {
         int q = int(head - s) + 1;
         if (q + 1 >= n || s[q] != digit || s[q + 1] != ' ')
             continue;
@@ -90,7 +86,7 @@ bool matchMove(const char *s, int n, char digit, int *xFrom, int *xLength, int *
 float toCoordinate(const QString &line, const char *text, int from, int length)
 {
     const int MaxFastDigits = 15;
-    static const double powersOfTen[MaxFastDigits + 1] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7,
+    static const double powersOfTen[MaxFastDigits + 1] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                           1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     const char *s = text + from;
     qint64 digits = 0;
@@ -119,18 +115,13 @@ inline bool isAscii(const QByteArray &bytes)
     }
     return true;
 }
-}
+}  // namespace
 
 GSendModel::GSendModel(QObject *parent)
-    : QObject(parent),
-      file(new QFile(QString::fromLatin1(DefaultFileName), this)),
-      fileName(QString::fromLatin1(DefaultFileName)),
-      stream(new QTextStream(file)),
-      lineCounter(0),
-      commandCount(0),
+    : QObject(parent), file(new QFile(QString::fromLatin1(DefaultFileName), this)),
+      fileName(QString::fromLatin1(DefaultFileName)), stream(new QTextStream(file)), lineCounter(0), commandCount(0),
       layerCounter(0)
-{
-}
+{}
 
 GSendModel::~GSendModel()
 {

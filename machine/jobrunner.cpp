@@ -18,7 +18,7 @@ constexpr int FeedAhead = 24;
 constexpr qint64 ReportEveryMs = 100;
 // The generators' time model: straight moves with this acceleration (mm/s^2).
 constexpr double Acceleration = 300.0;
-constexpr double MaxClockSeconds = 99999.0 * 3600 + 3599;   // "99999:59:59"
+constexpr double MaxClockSeconds = 99999.0 * 3600 + 3599;  // "99999:59:59"
 
 // Follows the moves of the file to give each line its share of the job's time.
 class MoveClock
@@ -67,10 +67,10 @@ private:
 bool isPowerLine(const QByteArray &text)
 {
     return text.startsWith("M106") || text.startsWith("M107") || text.startsWith("M3") || text.startsWith("M4")
-        || text.startsWith("M5");
+           || text.startsWith("M5");
 }
 
-} // namespace
+}  // namespace
 
 JobRunner::JobRunner(MachineLink *link, QObject *parent) : QObject(parent), m_link(link)
 {
@@ -181,7 +181,7 @@ void JobRunner::feed()
 void JobRunner::feedLines()
 {
     const bool grbl = m_link->firmware() == Firmware::Grbl;
-    const int ahead = grbl ? FeedAhead : 1;   // Marlin: a pause leaves at most one line behind
+    const int ahead = grbl ? FeedAhead : 1;  // Marlin: a pause leaves at most one line behind
     while (m_next < m_lines.size() && m_link->queuedLines() < ahead) {
         const Line &line = m_lines[m_next];
         if (line.pause) {
@@ -221,7 +221,8 @@ void JobRunner::onAnswered(int tag, const MachineReply &reply)
         m_lastAckIndex = qMax(m_lastAckIndex, tag);
         if (reply.kind == MachineReply::Error) {
             const QString text = QString::fromUtf8(reply.text);
-            const QString explained = reply.code > 0 ? QStringLiteral("%1 (%2)").arg(text, MachineReplies::grblErrorText(reply.code)) : text;
+            const QString explained =
+                reply.code > 0 ? QStringLiteral("%1 (%2)").arg(text, MachineReplies::grblErrorText(reply.code)) : text;
             if (!m_continueOnError) {
                 end(Failed, FirmwareError, tr("Line %1: %2").arg(m_lines[tag].fileLine).arg(explained), true);
                 return;
@@ -257,8 +258,11 @@ void JobRunner::onFault(const MachineReply &reply)
     index = qMin(index, m_lines.size() - 1);
     const QString text = QString::fromUtf8(reply.text);
     if (reply.kind == MachineReply::Alarm)
-        end(Failed, Alarm, tr("Line %1: %2 - %3 Unlock the machine before going on.")
-                               .arg(m_lines[index].fileLine).arg(text, MachineReplies::grblAlarmText(reply.code)), true);
+        end(Failed, Alarm,
+            tr("Line %1: %2 - %3 Unlock the machine before going on.")
+                .arg(m_lines[index].fileLine)
+                .arg(text, MachineReplies::grblAlarmText(reply.code)),
+            true);
     else
         end(Failed, FirmwareError, tr("Line %1: %2").arg(m_lines[index].fileLine).arg(text), true);
 }
@@ -272,7 +276,8 @@ void JobRunner::onLinkFailed(const QString &message)
 void JobRunner::onConnectionLost(const QString &message)
 {
     if (isActive())
-        end(Failed, ConnectionLost, tr("%1; last acknowledged line %2").arg(message).arg(lastAcknowledgedFileLine()), false);
+        end(Failed, ConnectionLost, tr("%1; last acknowledged line %2").arg(message).arg(lastAcknowledgedFileLine()),
+            false);
 }
 
 void JobRunner::pause()
@@ -296,9 +301,9 @@ void JobRunner::pause()
         }
     }
     if (m_link->firmware() == Firmware::Grbl)
-        m_link->sendRealtime('!');   // GRBL's laser mode turns the beam off in a hold
+        m_link->sendRealtime('!');  // GRBL's laser mode turns the beam off in a hold
     else
-        afterAnswer();   // Marlin: the beam goes off once the lines already sent are done
+        afterAnswer();  // Marlin: the beam goes off once the lines already sent are done
 }
 
 void JobRunner::resume()
@@ -369,10 +374,7 @@ void JobRunner::reportProgress(bool force)
     emit progressChanged();
 }
 
-int JobRunner::lastAcknowledgedFileLine() const
-{
-    return m_lastAckIndex >= 0 ? m_lines[m_lastAckIndex].fileLine : 0;
-}
+int JobRunner::lastAcknowledgedFileLine() const { return m_lastAckIndex >= 0 ? m_lines[m_lastAckIndex].fileLine : 0; }
 
 qint64 JobRunner::elapsedMs() const
 {

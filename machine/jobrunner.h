@@ -18,9 +18,9 @@ public:
 
     struct Line
     {
-        QByteArray text;   // without comments or line end
-        int fileLine;      // 1-based line number in the file
-        bool pause;        // the program pause after the frame
+        QByteArray text;  // without comments or line end
+        int fileLine;     // 1-based line number in the file
+        bool pause;       // the program pause after the frame
     };
 
     explicit JobRunner(MachineLink *link, QObject *parent = nullptr);
@@ -66,7 +66,7 @@ signals:
     void progressChanged();
     // A firmware error that the job went on after (continue-on-error).
     void lineFailed(int fileLine, const QString &firmwareText);
-    void finished();   // Done, Stopped or Failed: see state() and message()
+    void finished();  // Done, Stopped or Failed: see state() and message()
 
 private slots:
     void onAnswered(int tag, const MachineReply &reply);
@@ -85,7 +85,7 @@ private:
 
     MachineLink *m_link;
     QVector<Line> m_lines;
-    QVector<double> m_secondsBefore;   // estimated seconds of the lines before each index (size total + 1)
+    QVector<double> m_secondsBefore;  // estimated seconds of the lines before each index (size total + 1)
     QVector<bool> m_answered;
     State m_state = Idle;
     Failure m_failure = NoFailure;
@@ -100,7 +100,7 @@ private:
     bool m_beamOffSent = false;
     QByteArray m_laserOff;
     double m_programEstimate = 0;
-    QByteArray m_lastPower;   // Marlin: the power in force, restored on resume
+    QByteArray m_lastPower;  // Marlin: the power in force, restored on resume
     QElapsedTimer m_clock;
     qint64 m_elapsedBefore = 0;
     qint64 m_lastReport = -1000;

@@ -21,7 +21,7 @@ QByteArray checksum(const QByteArray &text)
     return QByteArray::number(sum);
 }
 
-} // namespace
+}  // namespace
 
 MachineLink::MachineLink(QObject *parent) : QObject(parent)
 {
@@ -33,10 +33,7 @@ MachineLink::MachineLink(QObject *parent) : QObject(parent)
     connect(&m_pollTimer, &QTimer::timeout, this, &MachineLink::onPoll);
 }
 
-MachineLink::~MachineLink()
-{
-    close();
-}
+MachineLink::~MachineLink() { close(); }
 
 bool MachineLink::open(const QString &port, int baud, Firmware forced, QString *error)
 {
@@ -55,7 +52,8 @@ bool MachineLink::open(const QString &port, int baud, Firmware forced, QString *
             message = tr("No such device: %1").arg(port);
             break;
         case QSerialPort::PermissionError:
-            message = tr("%1 is busy, or you may not open it (another program, or the port panel above, holds it)").arg(port);
+            message =
+                tr("%1 is busy, or you may not open it (another program, or the port panel above, holds it)").arg(port);
             break;
         default:
             message = tr("Cannot open %1: %2").arg(port, m_port->errorString());
@@ -228,7 +226,7 @@ void MachineLink::onReadyRead()
     for (const QByteArray &line : m_splitter.feed(bytes)) {
         handleLine(line);
         if (!m_port)
-            return;   // closed while handling
+            return;  // closed while handling
     }
 }
 
@@ -238,7 +236,7 @@ void MachineLink::handleLine(const QByteArray &line)
     if (reply.kind != MachineReply::Status)
         emit lineReceived(reply.text);
     if (!m_inFlight.empty())
-        m_answerTimer.start(m_answerTimeoutMs);   // anything heard means the board is alive
+        m_answerTimer.start(m_answerTimeoutMs);  // anything heard means the board is alive
 
     switch (reply.kind) {
     case MachineReply::GrblBanner:

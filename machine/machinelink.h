@@ -38,7 +38,7 @@ public:
     bool isOpen() const { return m_state != Closed; }
     Firmware firmware() const { return m_firmware; }
     QString portName() const { return m_portName; }
-    int grblMaxPower() const { return m_grblMaxPower; }   // $30
+    int grblMaxPower() const { return m_grblMaxPower; }  // $30
     int answerTimeout() const { return m_answerTimeoutMs; }
     void setAnswerTimeout(int ms) { m_answerTimeoutMs = ms; }
     void setDetectTimes(int bannerMs, int probeMs) { m_bannerWaitMs = bannerMs, m_probeWaitMs = probeMs; }
@@ -68,13 +68,13 @@ public:
 signals:
     void stateChanged(MachineLink::State state);
     void firmwareDetected(Firmware firmware);
-    void bytesSent(const QByteArray &bytes);             // for the console
-    void lineReceived(const QByteArray &line);           // every reply line, for the console
-    void answered(int tag, const MachineReply &reply);   // ok or error for a queued line
-    void fault(const MachineReply &reply);               // alarm, or a Marlin error that is not a line fault
+    void bytesSent(const QByteArray &bytes);            // for the console
+    void lineReceived(const QByteArray &line);          // every reply line, for the console
+    void answered(int tag, const MachineReply &reply);  // ok or error for a queued line
+    void fault(const MachineReply &reply);              // alarm, or a Marlin error that is not a line fault
     void statusChanged(const QByteArray &state, double x, double y);
-    void spaceFreed();                                   // the queue can take more
-    void failed(const QString &message);                 // opening, detection or a time-out
+    void spaceFreed();                    // the queue can take more
+    void failed(const QString &message);  // opening, detection or a time-out
     void connectionLost(const QString &message);
 
 private slots:
@@ -89,7 +89,7 @@ private:
     {
         int bytes;
         int tag;
-        int number;   // Marlin line number, 0 when not numbered
+        int number;  // Marlin line number, 0 when not numbered
     };
     void handleLine(const QByteArray &line);
     void detected(Firmware firmware);
@@ -110,7 +110,7 @@ private:
     std::deque<Sent> m_inFlight;
     int m_inFlightBytes = 0;
     int m_lineNumber = 0;
-    QHash<int, QByteArray> m_history;     // Marlin: recent numbered lines, for Resend
+    QHash<int, QByteArray> m_history;  // Marlin: recent numbered lines, for Resend
     int m_resendFrom = 0;
     bool m_waitBanner = false;
     int m_probeStep = 0;

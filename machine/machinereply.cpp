@@ -7,12 +7,9 @@
 
 namespace {
 
-constexpr int MaxKeyDigits = 9;   // still fits an int
+constexpr int MaxKeyDigits = 9;  // still fits an int
 
-bool startsWith(const QByteArray &line, const char *prefix)
-{
-    return line.startsWith(prefix);
-}
+bool startsWith(const QByteArray &line, const char *prefix) { return line.startsWith(prefix); }
 
 // TEXT as a number; infinity, NaN and overflow count as no number (0), so that a garbled
 // reply cannot carry them into positions or settings.
@@ -80,7 +77,7 @@ bool readMarlinPosition(const QByteArray &line, MachineReply *reply)
     return any && head.startsWith("X:");
 }
 
-} // namespace
+}  // namespace
 
 namespace MachineReplies {
 
@@ -132,27 +129,46 @@ MachineReply parse(const QByteArray &raw)
 QString grblAlarmText(int code)
 {
     switch (code) {
-    case 1: return QStringLiteral("Hard limit triggered; position lost.");
-    case 2: return QStringLiteral("Move beyond the machine's travel (soft limit).");
-    case 3: return QStringLiteral("Reset while moving; position lost.");
-    case 4: case 5: return QStringLiteral("Probe failed.");
-    case 6: case 7: case 8: case 9: return QStringLiteral("Homing failed.");
-    default: return QStringLiteral("The machine stopped with an alarm.");
+    case 1:
+        return QStringLiteral("Hard limit triggered; position lost.");
+    case 2:
+        return QStringLiteral("Move beyond the machine's travel (soft limit).");
+    case 3:
+        return QStringLiteral("Reset while moving; position lost.");
+    case 4:
+    case 5:
+        return QStringLiteral("Probe failed.");
+    case 6:
+    case 7:
+    case 8:
+    case 9:
+        return QStringLiteral("Homing failed.");
+    default:
+        return QStringLiteral("The machine stopped with an alarm.");
     }
 }
 
 QString grblErrorText(int code)
 {
     switch (code) {
-    case 1: return QStringLiteral("Command letter missing.");
-    case 2: return QStringLiteral("Bad number format.");
-    case 9: return QStringLiteral("Commands are locked during an alarm; unlock first.");
-    case 11: return QStringLiteral("Line too long.");
-    case 15: return QStringLiteral("Jog target beyond the machine's travel.");
-    case 20: return QStringLiteral("Unsupported command.");
-    case 22: return QStringLiteral("Feed rate not set.");
-    case 33: return QStringLiteral("Invalid target for the motion.");
-    default: return QStringLiteral("The machine rejected the line.");
+    case 1:
+        return QStringLiteral("Command letter missing.");
+    case 2:
+        return QStringLiteral("Bad number format.");
+    case 9:
+        return QStringLiteral("Commands are locked during an alarm; unlock first.");
+    case 11:
+        return QStringLiteral("Line too long.");
+    case 15:
+        return QStringLiteral("Jog target beyond the machine's travel.");
+    case 20:
+        return QStringLiteral("Unsupported command.");
+    case 22:
+        return QStringLiteral("Feed rate not set.");
+    case 33:
+        return QStringLiteral("Invalid target for the motion.");
+    default:
+        return QStringLiteral("The machine rejected the line.");
     }
 }
 
@@ -178,4 +194,4 @@ QList<QByteArray> LineSplitter::feed(const QByteArray &bytes)
     return lines;
 }
 
-} // namespace MachineReplies
+}  // namespace MachineReplies

@@ -13,10 +13,10 @@ struct MachineReply
 {
     enum Kind { Other, Ok, Error, Alarm, Status, GrblBanner, MarlinBanner, Busy, Resend, Setting };
     Kind kind = Other;
-    int code = 0;          // error:N, ALARM:N, Resend: N, $N=
-    double value = 0;      // $N=value
-    QByteArray text;       // the line as received, trimmed
-    QByteArray state;      // status report: Idle, Run, Hold:0, Alarm...
+    int code = 0;      // error:N, ALARM:N, Resend: N, $N=
+    double value = 0;  // $N=value
+    QByteArray text;   // the line as received, trimmed
+    QByteArray state;  // status report: Idle, Run, Hold:0, Alarm...
     double x = 0, y = 0, z = 0;
     bool hasPosition = false;
 };
@@ -39,7 +39,12 @@ public:
     // Appends BYTES and returns the complete lines they finish (empty lines are skipped).
     // A cut line ends in "..." so the reader can see it was longer.
     QList<QByteArray> feed(const QByteArray &bytes);
-    void clear() { m_partial.clear(); m_dropping = false; m_dropped = 0; }
+    void clear()
+    {
+        m_partial.clear();
+        m_dropping = false;
+        m_dropped = 0;
+    }
     // Bytes thrown away from cut lines so far, and bytes of the line still waiting for its end.
     qint64 droppedBytes() const { return m_dropped; }
     int pendingBytes() const { return m_partial.size(); }
@@ -50,6 +55,6 @@ private:
     qint64 m_dropped = 0;
 };
 
-} // namespace MachineReplies
+}  // namespace MachineReplies
 
 #endif

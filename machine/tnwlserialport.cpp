@@ -14,22 +14,14 @@ const qint32 BaudRate = 115200;
 // This thread does nothing but serve the port, so blocking waits are fine here.
 const int ReadWaitMs = 1000;
 const int WriteWaitMs = 1000;
-}
+}  // namespace
 
 std::atomic<int> TNWLserialport::readPassesStarted{0};
 std::atomic<int> TNWLserialport::readPassesTimedOut{0};
 
-TNWLserialport::TNWLserialport(QObject *parent)
-    : QObject(parent),
-      port(new QSerialPort(this)),
-      connected(false)
-{
-}
+TNWLserialport::TNWLserialport(QObject *parent) : QObject(parent), port(new QSerialPort(this)), connected(false) {}
 
-TNWLserialport::~TNWLserialport()
-{
-    portNames.clear();
-}
+TNWLserialport::~TNWLserialport() { portNames.clear(); }
 
 void TNWLserialport::InitPorts()
 {
@@ -51,8 +43,7 @@ void TNWLserialport::enumeratePorts()
         QSerialPort *trial = new QSerialPort;
         trial->setPort(info);
         if (trial->open(QIODevice::ReadWrite)) {
-            qDebug() << "serial port:" << info.portName() << info.description()
-                     << info.manufacturer();
+            qDebug() << "serial port:" << info.portName() << info.description() << info.manufacturer();
             portNames.append(trial->portName());
             trial->close();
         }

@@ -10,7 +10,7 @@
 
 namespace {
 
-const quint16 BitmapSignature = 0x4D42;   // "BM" read little-endian
+const quint16 BitmapSignature = 0x4D42;  // "BM" read little-endian
 const quint16 Planes = 1;
 const quint16 BitsPerPixel = 24;
 const char White = char(0xFF);
@@ -28,7 +28,7 @@ void putU32(char *at, quint32 v)
         at[i] = char((v >> (8 * i)) & 0xFF);
 }
 
-} // namespace
+}  // namespace
 
 const char *const QrCodeBitmap::FileName = "qrcode.bmp";
 
@@ -50,7 +50,7 @@ QByteArray QrCodeBitmap::bitmap(int width, const QByteArray &modules)
         return QByteArray();
 
     const int side = width * BlockPixels;
-    const int rowBytes = side * BytesPerPixel;   // a multiple of 48, so rows need no padding
+    const int rowBytes = side * BytesPerPixel;  // a multiple of 48, so rows need no padding
     const int pixelBytes = rowBytes * side;
     // File header, then the 40-byte info header; everything not set here is zero.
     char header[HeaderBytes] = {};
@@ -59,7 +59,7 @@ QByteArray QrCodeBitmap::bitmap(int width, const QByteArray &modules)
     putU32(header + 10, quint32(HeaderBytes));
     putU32(header + 14, quint32(InfoHeaderBytes));
     putU32(header + 18, quint32(side));
-    putU32(header + 22, quint32(-side));   // negative height: rows stored top-down
+    putU32(header + 22, quint32(-side));  // negative height: rows stored top-down
     putU16(header + 26, Planes);
     putU16(header + 28, BitsPerPixel);
 

@@ -10,10 +10,10 @@ class QrCodeBitmap
 {
 public:
     // The main window's working file, in the current directory.
-    static const char *const FileName;   // "qrcode.bmp"
+    static const char *const FileName;  // "qrcode.bmp"
 
-    static constexpr int BlockPixels = 16;      // pixels per module, both ways
-    static constexpr int BytesPerPixel = 3;     // blue, green, red
+    static constexpr int BlockPixels = 16;   // pixels per module, both ways
+    static constexpr int BytesPerPixel = 3;  // blue, green, red
     static constexpr int FileHeaderBytes = 14;
     static constexpr int InfoHeaderBytes = 40;
     static constexpr int HeaderBytes = FileHeaderBytes + InfoHeaderBytes;

@@ -15,8 +15,7 @@ const char *const GroupTarnwy = "Tarnwy";
 const char *const GroupLanguage = "Language";
 const char *const GroupSlice = "Slice";
 
-QVariant value(const QString &file, const QString &group, const QString &key,
-               const QVariant &defaultValue)
+QVariant value(const QString &file, const QString &group, const QString &key, const QVariant &defaultValue)
 {
     // A missing, unreadable or garbled file reads as a file with no keys; so does one with
     // a stored object in it, which QSettings would decode at any cost.
@@ -29,8 +28,7 @@ QVariant value(const QString &file, const QString &group, const QString &key,
     return v;
 }
 
-void setValue(const QString &file, const QString &group, const QString &key,
-              const QVariant &v)
+void setValue(const QString &file, const QString &group, const QString &key, const QVariant &v)
 {
     // Write failures (read-only file, a folder in its place) are not reported. Writing
     // parses the whole file first, so one with a stored object in it is started afresh.
@@ -42,25 +40,13 @@ void setValue(const QString &file, const QString &group, const QString &key,
     settings.endGroup();
 }
 
-QString tarnwyString(const QString &key)
-{
-    return value(ConfigFile, GroupTarnwy, key, QString()).toString();
-}
+QString tarnwyString(const QString &key) { return value(ConfigFile, GroupTarnwy, key, QString()).toString(); }
 
-void setTarnwyString(const QString &key, const QString &text)
-{
-    setValue(ConfigFile, GroupTarnwy, key, text);
-}
+void setTarnwyString(const QString &key, const QString &text) { setValue(ConfigFile, GroupTarnwy, key, text); }
 
-double tarnwyDouble(const QString &key)
-{
-    return value(ConfigFile, GroupTarnwy, key, QString()).toDouble();
-}
+double tarnwyDouble(const QString &key) { return value(ConfigFile, GroupTarnwy, key, QString()).toDouble(); }
 
-void setTarnwyDouble(const QString &key, double v)
-{
-    setValue(ConfigFile, GroupTarnwy, key, v);
-}
+void setTarnwyDouble(const QString &key, double v) { setValue(ConfigFile, GroupTarnwy, key, v); }
 
 QString mode() { return tarnwyString("mode"); }
 void setMode(const QString &m) { setTarnwyString("mode", m); }
@@ -79,14 +65,13 @@ void setOffset(double x, double y)
 
 QStringList languageList()
 {
-    return QStringList{QStringLiteral("Chinese"), QStringLiteral("English"),
-                       QStringLiteral("Korean")};
+    return QStringList{QStringLiteral("Chinese"), QStringLiteral("English"), QStringLiteral("Korean")};
 }
 
 bool lookupLanguage(int *index)
 {
     const QString stored = value(ConfigFile, GroupLanguage, "language", QString()).toString();
-    const int i = languageList().indexOf(stored);   // exact, case-sensitive
+    const int i = languageList().indexOf(stored);  // exact, case-sensitive
     if (i < 0)
         return false;
     if (index)
@@ -102,24 +87,12 @@ int languageIndex()
     return index;
 }
 
-QString slicePath()
-{
-    return value(ConfigFile, GroupSlice, "pre_vector_path", QString()).toString();
-}
+QString slicePath() { return value(ConfigFile, GroupSlice, "pre_vector_path", QString()).toString(); }
 
-void setSlicePath(const QString &path)
-{
-    setValue(ConfigFile, GroupSlice, "pre_vector_path", path);
-}
+void setSlicePath(const QString &path) { setValue(ConfigFile, GroupSlice, "pre_vector_path", path); }
 
-int threshold()
-{
-    return value(SliceFile, GroupSlice, "thread_hold", QString()).toInt();
-}
+int threshold() { return value(SliceFile, GroupSlice, "thread_hold", QString()).toInt(); }
 
-void setThreshold(int v)
-{
-    setValue(SliceFile, GroupSlice, "thread_hold", v);
-}
+void setThreshold(int v) { setValue(SliceFile, GroupSlice, "thread_hold", v); }
 
-} // namespace AppSettings
+}  // namespace AppSettings

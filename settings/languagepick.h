@@ -19,6 +19,6 @@ Text pick(int languageIndex, Text chinese, Text english, Text other = Text())
     return other;
 }
 
-} // namespace LanguagePick
+}  // namespace LanguagePick
 
 #endif

@@ -9,8 +9,8 @@ namespace MachineValues {
 constexpr int StartSpeed = 33;
 constexpr int StartPower = 91;
 
-constexpr int SpeedScale = 30;      // slider percent to mm/s at full scale
-constexpr int PowerScale = 255;     // the laser's full power
+constexpr int SpeedScale = 30;   // slider percent to mm/s at full scale
+constexpr int PowerScale = 255;  // the laser's full power
 constexpr int SecondsPerMinute = 60;
 constexpr int TravelFactor = 12;
 constexpr int Percent = 100;
@@ -22,6 +22,6 @@ constexpr int travel(int speedPercent) { return speedPercent * SpeedScale * Trav
 // Laser power, 0..255.
 constexpr int power(int powerPercent) { return powerPercent * PowerScale / Percent; }
 
-} // namespace MachineValues
+}  // namespace MachineValues
 
 #endif

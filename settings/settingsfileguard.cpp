@@ -14,14 +14,22 @@ namespace {
 int simpleEscape(char c)
 {
     switch (c) {
-    case 'a': return '\a';
-    case 'b': return '\b';
-    case 'f': return '\f';
-    case 'n': return '\n';
-    case 'r': return '\r';
-    case 't': return '\t';
-    case 'v': return '\v';
-    default: return uchar(c);
+    case 'a':
+        return '\a';
+    case 'b':
+        return '\b';
+    case 'f':
+        return '\f';
+    case 'n':
+        return '\n';
+    case 'r':
+        return '\r';
+    case 't':
+        return '\t';
+    case 'v':
+        return '\v';
+    default:
+        return uchar(c);
     }
 }
 
@@ -37,18 +45,15 @@ int hexValue(char c)
 }
 
 // The two forms QSettings decodes from a binary stream; its other "@" forms are plain text.
-bool isStreamedForm(const QByteArray &start)
-{
-    return start.startsWith("@Variant(") || start.startsWith("@DateTime(");
-}
+bool isStreamedForm(const QByteArray &start) { return start.startsWith("@Variant(") || start.startsWith("@DateTime("); }
 
 // Walks one value: the characters it stands for, element by element. Errs on the side of
 // finding a mark: blanks at an element's start are skipped even where QSettings keeps them.
 bool valueHoldsMark(const char *p, const char *end)
 {
-    constexpr int Prefix = 10;   // enough for "@DateTime("
+    constexpr int Prefix = 10;  // enough for "@DateTime("
     bool quoted = false;
-    QByteArray start;   // the first characters of the current element
+    QByteArray start;  // the first characters of the current element
     while (p < end) {
         const char c = *p++;
         int ch;
@@ -70,7 +75,7 @@ bool valueHoldsMark(const char *p, const char *end)
             if (e == '\n' || e == '\r') {
                 if (e == '\r' && p < end && *p == '\n')
                     ++p;
-                continue;   // the value goes on in the next line
+                continue;  // the value goes on in the next line
             } else if (e == 'x') {
                 ch = 0;
                 while (p < end && hexValue(*p) >= 0)
@@ -95,7 +100,7 @@ bool valueHoldsMark(const char *p, const char *end)
     return isStreamedForm(start);
 }
 
-} // namespace
+}  // namespace
 
 bool holdsStoredObject(const QByteArray &iniText)
 {
@@ -115,7 +120,7 @@ bool holdsStoredObject(const QByteArray &iniText)
         const char *first = p;
         while (first < lineEnd && (*first == ' ' || *first == '\t'))
             ++first;
-        if (first < lineEnd && *first == ';') {   // a comment line
+        if (first < lineEnd && *first == ';') {  // a comment line
             p = lineEnd + 1;
             continue;
         }
@@ -135,4 +140,4 @@ bool fileHoldsStoredObject(const QString &path)
     return holdsStoredObject(file.readAll());
 }
 
-} // namespace SettingsFileGuard
+}  // namespace SettingsFileGuard

@@ -15,6 +15,6 @@ bool holdsStoredObject(const QByteArray &iniText);
 // The same for a file; false when it cannot be read.
 bool fileHoldsStoredObject(const QString &path);
 
-} // namespace SettingsFileGuard
+}  // namespace SettingsFileGuard
 
 #endif

@@ -5,12 +5,12 @@
 
 namespace WorkArea {
 
-constexpr int Width = 170;    // mm
-constexpr int Height = 200;   // mm
+constexpr int Width = 170;   // mm
+constexpr int Height = 200;  // mm
 
 // Machine Y of a point `y` millimetres below the top edge (and the other way round).
 constexpr double machineY(double y) { return Height - y; }
 
-} // namespace WorkArea
+}  // namespace WorkArea
 
 #endif

@@ -23,8 +23,7 @@ int fail(const QString &message)
 
 const QString Options::HelpName = QStringLiteral("help");
 
-bool Options::parse(const QStringList &args, const QStringList &known, QString *error,
-                    const QStringList &switches)
+bool Options::parse(const QStringList &args, const QStringList &known, QString *error, const QStringList &switches)
 {
     m_parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     m_parser.addOption(QCommandLineOption(HelpName));
@@ -121,15 +120,9 @@ PrivateWorkDir::PrivateWorkDir() : m_previous(QDir::currentPath())
         QDir::setCurrent(m_dir.path());
 }
 
-PrivateWorkDir::~PrivateWorkDir()
-{
-    QDir::setCurrent(m_previous);
-}
+PrivateWorkDir::~PrivateWorkDir() { QDir::setCurrent(m_previous); }
 
-QString absolute(const QString &path)
-{
-    return QFileInfo(path).absoluteFilePath();
-}
+QString absolute(const QString &path) { return QFileInfo(path).absoluteFilePath(); }
 
 bool outputWritable(const QString &path)
 {
@@ -169,11 +162,11 @@ bool publish(const QString &source, const QString &output, QString *error)
     return true;
 }
 
-} // namespace ExportCommon
+}  // namespace ExportCommon
 
 namespace {
 void quietHandler(QtMsgType, const QMessageLogContext &, const QString &) {}
-} // namespace
+}  // namespace
 
 QuietStderr::QuietStderr() : m_previous(qInstallMessageHandler(quietHandler))
 {

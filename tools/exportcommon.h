@@ -74,7 +74,7 @@ bool outputWritable(const QString &path);
 // Copies a finished file to the output as a whole: the output appears complete or not at all.
 bool publish(const QString &source, const QString &output, QString *error);
 
-} // namespace ExportCommon
+}  // namespace ExportCommon
 
 // Holds back everything written to standard error and Qt's message log while it lives:
 // decoders and generators print their own complaints there, and the exporter's standard

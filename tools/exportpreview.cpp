@@ -25,15 +25,14 @@ constexpr double DefaultPxPerMm = 10;
 // 40 px/mm is a 6800 x 8000 picture; more would take gigabytes.
 constexpr double MaxPxPerMm = 40;
 
-} // namespace
+}  // namespace
 
 int runPreview(const QStringList &args)
 {
     using namespace ExportCommon;
     Options options;
     QString error;
-    const QStringList known = {QStringLiteral("input"), QStringLiteral("output"),
-                               QStringLiteral("px-per-mm")};
+    const QStringList known = {QStringLiteral("input"), QStringLiteral("output"), QStringLiteral("px-per-mm")};
     const QString travelSwitch = QStringLiteral("travel");
     if (!options.parse(args, known, &error, {travelSwitch}))
         return fail(QStringLiteral("preview: %1").arg(error));

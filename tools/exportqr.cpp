@@ -4,16 +4,14 @@
 
 #include "qrcodebitmap.h"
 
-
 namespace {
 
-const char *const QrUsage =
-    "Usage: tarnwell-export qr --text TEXT --output OUT.bmp\n"
-    "\n"
-    "Encodes the text (UTF-8, error correction level H) as a QR code and writes it\n"
-    "as a 24-bit bitmap with one 16 x 16 pixel block per module and no quiet zone.\n";
+const char *const QrUsage = "Usage: tarnwell-export qr --text TEXT --output OUT.bmp\n"
+                            "\n"
+                            "Encodes the text (UTF-8, error correction level H) as a QR code and writes it\n"
+                            "as a 24-bit bitmap with one 16 x 16 pixel block per module and no quiet zone.\n";
 
-} // namespace
+}  // namespace
 
 int runQr(const QStringList &args)
 {
@@ -38,8 +36,7 @@ int runQr(const QStringList &args)
     if (!work.isValid())
         return fail(QStringLiteral("cannot create a temporary working directory"));
     if (!QrCodeBitmap::write(text, QString::fromLatin1(QrCodeBitmap::FileName)))
-        return fail(QStringLiteral("the text is too long for a QR code (%1 bytes of UTF-8)")
-                    .arg(text.toUtf8().size()));
+        return fail(QStringLiteral("the text is too long for a QR code (%1 bytes of UTF-8)").arg(text.toUtf8().size()));
     if (!publish(QString::fromLatin1(QrCodeBitmap::FileName), output, &error))
         return fail(error);
     return 0;

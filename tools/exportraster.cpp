@@ -12,33 +12,31 @@
 
 namespace {
 
-const char *const RasterUsage =
-    "Usage: tarnwell-export raster --input PIC --output OUT.gcode --width MM\n"
-    "                              [--x MM] [--y MM] [--speed P] [--power P]\n"
-    "                              [--style bw|gray|gray-linear]\n"
-    "\n"
-    "  --input PIC     picture to engrave, read as it stands\n"
-    "  --output FILE   G-code file to write\n"
-    "  --width MM      width of the engraving on the work area (more than 0)\n"
-    "  --x MM, --y MM  position of the picture's top-left corner (default 0)\n"
-    "  --speed P       speed slider percentage, 0 to 100 (default 33)\n"
-    "  --power P       power slider percentage, 0 to 100 (default 91)\n"
-    "  --style S       bw (default), gray (corrected power) or gray-linear\n";
+const char *const RasterUsage = "Usage: tarnwell-export raster --input PIC --output OUT.gcode --width MM\n"
+                                "                              [--x MM] [--y MM] [--speed P] [--power P]\n"
+                                "                              [--style bw|gray|gray-linear]\n"
+                                "\n"
+                                "  --input PIC     picture to engrave, read as it stands\n"
+                                "  --output FILE   G-code file to write\n"
+                                "  --width MM      width of the engraving on the work area (more than 0)\n"
+                                "  --x MM, --y MM  position of the picture's top-left corner (default 0)\n"
+                                "  --speed P       speed slider percentage, 0 to 100 (default 33)\n"
+                                "  --power P       power slider percentage, 0 to 100 (default 91)\n"
+                                "  --style S       bw (default), gray (corrected power) or gray-linear\n";
 
 // The generators' working name; the finished file is copied to the output as a whole.
 const char *const WorkingGcode = "local.gcode";
 
-} // namespace
+}  // namespace
 
 int runRaster(const QStringList &args)
 {
     using namespace ExportCommon;
     Options options;
     QString error;
-    const QStringList known = {QStringLiteral("input"), QStringLiteral("output"),
-                               QStringLiteral("width"), QStringLiteral("x"), QStringLiteral("y"),
-                               QStringLiteral("speed"), QStringLiteral("power"),
-                               QStringLiteral("style")};
+    const QStringList known = {QStringLiteral("input"), QStringLiteral("output"), QStringLiteral("width"),
+                               QStringLiteral("x"),     QStringLiteral("y"),      QStringLiteral("speed"),
+                               QStringLiteral("power"), QStringLiteral("style")};
     if (!options.parse(args, known, &error))
         return fail(QStringLiteral("raster: %1").arg(error));
     if (options.answeredHelp(RasterUsage))
@@ -52,16 +50,14 @@ int runRaster(const QStringList &args)
     int speed = 0;
     int power = 0;
     if (!options.number(QStringLiteral("width"), 0, &width, &error)
-        || !options.number(QStringLiteral("x"), 0, &x, &error)
-        || !options.number(QStringLiteral("y"), 0, &y, &error)
+        || !options.number(QStringLiteral("x"), 0, &x, &error) || !options.number(QStringLiteral("y"), 0, &y, &error)
         || !options.percent(QStringLiteral("speed"), DefaultSpeedPercent, &speed, &error)
         || !options.percent(QStringLiteral("power"), DefaultPowerPercent, &power, &error))
         return fail(QStringLiteral("raster: %1").arg(error));
     if (width <= 0)
         return fail(QStringLiteral("raster: --width must be more than 0, not %1").arg(width));
     const QString style = options.text(QStringLiteral("style"), QStringLiteral("bw"));
-    if (style != QLatin1String("bw") && style != QLatin1String("gray")
-        && style != QLatin1String("gray-linear"))
+    if (style != QLatin1String("bw") && style != QLatin1String("gray") && style != QLatin1String("gray-linear"))
         return fail(QStringLiteral("raster: --style must be bw, gray or gray-linear, not '%1'").arg(style));
 
     // Paths are taken relative to the caller's directory, before the private one is entered.
@@ -111,7 +107,6 @@ int runRaster(const QStringList &args)
         return fail(QStringLiteral("raster: %1: %2").arg(input, generator.LastRefusal()));
     if (!publish(gcode, output, &error))
         return fail(QStringLiteral("raster: %1").arg(error));
-    QTextStream(stdout) << "Estimated time: " << EstimatedTimeText(generator.TakeEstimatedTime())
-                        << '\n';
+    QTextStream(stdout) << "Estimated time: " << EstimatedTimeText(generator.TakeEstimatedTime()) << '\n';
     return 0;
 }

@@ -19,7 +19,7 @@ constexpr int FirmwareError = 3;
 constexpr int LinkFailed = 4;
 constexpr int ProgressEveryMs = 1000;
 constexpr int DefaultTimeoutSeconds = 30;
-constexpr int BeamOffWaitMs = 1500;   // a GRBL reset takes this long at most before the beam-off goes
+constexpr int BeamOffWaitMs = 1500;  // a GRBL reset takes this long at most before the beam-off goes
 
 const char *const SendUsage =
     "Usage: tarnwell-export send --port DEV --input JOB.gcode [--baud N]\n"
@@ -43,12 +43,9 @@ void onStopSignal(int)
     }
 }
 
-void say(const QString &line)
-{
-    QTextStream(stderr) << "tarnwell-export: " << line << '\n';
-}
+void say(const QString &line) { QTextStream(stderr) << "tarnwell-export: " << line << '\n'; }
 
-} // namespace
+}  // namespace
 
 int runSend(const QStringList &given)
 {
@@ -107,9 +104,8 @@ int runSend(const QStringList &given)
         if (state == MachineLink::Ready && runner.state() == JobRunner::Idle)
             runner.start();
     });
-    QObject::connect(&runner, &JobRunner::lineFailed, [](int line, const QString &text) {
-        say(QStringLiteral("line %1: %2").arg(line).arg(text));
-    });
+    QObject::connect(&runner, &JobRunner::lineFailed,
+                     [](int line, const QString &text) { say(QStringLiteral("line %1: %2").arg(line).arg(text)); });
 
     // The frame pause waits for Enter; the end of input stops the job.
     QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
@@ -138,10 +134,12 @@ int runSend(const QStringList &given)
             status = 0;
             break;
         case JobRunner::Failed:
-            status = runner.failure() == JobRunner::ConnectionLost || runner.failure() == JobRunner::Timeout ? LinkFailed : FirmwareError;
+            status = runner.failure() == JobRunner::ConnectionLost || runner.failure() == JobRunner::Timeout
+                         ? LinkFailed
+                         : FirmwareError;
             break;
         default:
-            status = FirmwareError;   // stopped at the frame
+            status = FirmwareError;  // stopped at the frame
         }
     });
 
@@ -169,7 +167,9 @@ int runSend(const QStringList &given)
             return;
         const int percent = runner.total() ? runner.acknowledged() * 100 / runner.total() : 0;
         QTextStream(stderr) << QStringLiteral("sent %1/%2 lines, %3%, %4 left\n")
-                                   .arg(runner.sent()).arg(runner.total()).arg(percent)
+                                   .arg(runner.sent())
+                                   .arg(runner.total())
+                                   .arg(percent)
                                    .arg(JobRunner::clockText(runner.remainingSeconds()));
     });
     progress.start(ProgressEveryMs);

@@ -8,19 +8,17 @@
 #include <QtGlobal>
 #include <QImageReader>
 
-
 namespace {
 
-const char *const TraceUsage =
-    "Usage: tarnwell-export trace --input PIC --output OUT.svg\n"
-    "\n"
-    "Traces the dark parts of the picture (gray below 128, transparent as white)\n"
-    "into closed outlines, holes included, and writes them as an SVG drawing\n"
-    "whose coordinates are the picture's pixels.\n";
+const char *const TraceUsage = "Usage: tarnwell-export trace --input PIC --output OUT.svg\n"
+                               "\n"
+                               "Traces the dark parts of the picture (gray below 128, transparent as white)\n"
+                               "into closed outlines, holes included, and writes them as an SVG drawing\n"
+                               "whose coordinates are the picture's pixels.\n";
 
 const char *const WorkFile = "black_white.svg";
 
-} // namespace
+}  // namespace
 
 int runTrace(const QStringList &args)
 {

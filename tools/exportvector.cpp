@@ -18,20 +18,19 @@
 
 namespace {
 
-const char *const Usage =
-    "Usage: tarnwell-export vector --input SVG --output OUT.gcode --width MM --height MM\n"
-    "                              [--x MM] [--y MM] [--speed P] [--power P]\n"
-    "                              [--mode laser|cnc] [--feed-z MM] [--travel-z MM]\n"
-    "                              [--header TEXT] [--seed N]\n"
-    "\n"
-    "Writes vector G-code for the outlines of an SVG drawing, scaled to WIDTH mm\n"
-    "and placed at (x, y) on the work area, as the main window's Outline export.\n"
-    "  --speed, --power  slider percentages 0..100 (default 33 and 91)\n"
-    "  --mode            laser (default) or cnc\n"
-    "  --feed-z, --travel-z  CNC cutting depth and safe height in mm (default 0)\n"
-    "  --header          text written before the paths\n"
-    "  --seed            a whole number used instead of the clock to order the paths,\n"
-    "                    so that a run can be repeated exactly\n";
+const char *const Usage = "Usage: tarnwell-export vector --input SVG --output OUT.gcode --width MM --height MM\n"
+                          "                              [--x MM] [--y MM] [--speed P] [--power P]\n"
+                          "                              [--mode laser|cnc] [--feed-z MM] [--travel-z MM]\n"
+                          "                              [--header TEXT] [--seed N]\n"
+                          "\n"
+                          "Writes vector G-code for the outlines of an SVG drawing, scaled to WIDTH mm\n"
+                          "and placed at (x, y) on the work area, as the main window's Outline export.\n"
+                          "  --speed, --power  slider percentages 0..100 (default 33 and 91)\n"
+                          "  --mode            laser (default) or cnc\n"
+                          "  --feed-z, --travel-z  CNC cutting depth and safe height in mm (default 0)\n"
+                          "  --header          text written before the paths\n"
+                          "  --seed            a whole number used instead of the clock to order the paths,\n"
+                          "                    so that a run can be repeated exactly\n";
 
 // The converter writes through an 8-bit file name: a plain ASCII one in the working
 // directory reaches it whatever the user's file is called.
@@ -74,22 +73,21 @@ bool hasBadNumbers(const QString &gcodePath)
         return true;
     while (!f.atEnd()) {
         const QByteArray line = f.readLine();
-        if ((line.startsWith("G0 ") || line.startsWith("G1 "))
-            && (line.contains("nan") || line.contains("inf")))
+        if ((line.startsWith("G0 ") || line.startsWith("G1 ")) && (line.contains("nan") || line.contains("inf")))
             return true;
     }
     return false;
 }
 
-} // namespace
+}  // namespace
 
 int runVector(const QStringList &args)
 {
     using namespace ExportCommon;
     Options opts;
     QString error;
-    const QStringList known = {"input", "output", "width", "height", "x", "y", "speed", "power",
-                               "mode", "feed-z", "travel-z", "header", "seed"};
+    const QStringList known = {"input", "output", "width",  "height",   "x",      "y",   "speed",
+                               "power", "mode",   "feed-z", "travel-z", "header", "seed"};
     if (!opts.parse(args, known, &error))
         return fail(error);
     if (opts.answeredHelp(Usage))
@@ -103,8 +101,7 @@ int runVector(const QStringList &args)
         || !opts.number("x", 0, &x, &error) || !opts.number("y", 0, &y, &error)
         || !opts.number("feed-z", 0, &feedZ, &error) || !opts.number("travel-z", 0, &travelZ, &error)
         || !opts.percent("speed", DefaultSpeedPercent, &speed, &error)
-        || !opts.percent("power", DefaultPowerPercent, &power, &error)
-        || !opts.integer("seed", 0, &seed, &error))
+        || !opts.percent("power", DefaultPowerPercent, &power, &error) || !opts.integer("seed", 0, &seed, &error))
         return fail(error);
     // The window hands the generator whole millimetres.
     if (!(width >= 1 && width <= MaxMillimetres))
@@ -132,8 +129,7 @@ int runVector(const QStringList &args)
     if (!work.isValid())
         return fail(QStringLiteral("cannot make a temporary working directory"));
     // Read once: the check and the conversion work on the same drawing.
-    std::unique_ptr<SvgImage, void (*)(SvgImage *)> drawing(Svg2GcodeP::ReadDrawing(input),
-                                                            SvgReader::release);
+    std::unique_ptr<SvgImage, void (*)(SvgImage *)> drawing(Svg2GcodeP::ReadDrawing(input), SvgReader::release);
     if (!drawing)
         return fail(QStringLiteral("%1 is not an SVG drawing that can be read").arg(input));
     if (!Svg2GcodeP::CanScale(*drawing))

@@ -6,19 +6,18 @@
 #include <QCommandLineParser>
 #include <QTextStream>
 
-static const char *const Usage =
-    "Usage: tarnwell-export SUBCOMMAND [options]\n"
-    "\n"
-    "Subcommands:\n"
-    "  raster   a picture to raster engraving G-code\n"
-    "  vector   an SVG drawing to vector G-code (laser or CNC)\n"
-    "  trace    a picture traced into an outline SVG\n"
-    "  qr       a text as a QR-code bitmap\n"
-    "  preview  a G-code job drawn as a PNG of the work area, with its figures\n"
-    "  send     a G-code file streamed to a connected machine\n"
-    "\n"
-    "'tarnwell-export SUBCOMMAND --help' describes each one;\n"
-    "'tarnwell-export --version' prints the version.\n";
+static const char *const Usage = "Usage: tarnwell-export SUBCOMMAND [options]\n"
+                                 "\n"
+                                 "Subcommands:\n"
+                                 "  raster   a picture to raster engraving G-code\n"
+                                 "  vector   an SVG drawing to vector G-code (laser or CNC)\n"
+                                 "  trace    a picture traced into an outline SVG\n"
+                                 "  qr       a text as a QR-code bitmap\n"
+                                 "  preview  a G-code job drawn as a PNG of the work area, with its figures\n"
+                                 "  send     a G-code file streamed to a connected machine\n"
+                                 "\n"
+                                 "'tarnwell-export SUBCOMMAND --help' describes each one;\n"
+                                 "'tarnwell-export --version' prints the version.\n";
 
 // Standard error carries only the tool's own one-line messages, so the generators'
 // debug notes and Qt's start-up remarks are dropped.
@@ -54,8 +53,8 @@ int main(int argc, char *argv[])
     if (!parser.parse(QStringList(QString()) + args)) {
         const QStringList unknown = parser.unknownOptionNames();
         return ExportCommon::fail(unknown.isEmpty()
-            ? parser.errorText()
-            : QStringLiteral("unknown subcommand '%1' (try --help)").arg(args.first()));
+                                      ? parser.errorText()
+                                      : QStringLiteral("unknown subcommand '%1' (try --help)").arg(args.first()));
     }
     QStringList rest = parser.positionalArguments();
     if (parser.isSet(help) || rest.value(0) == QLatin1String("help")) {

@@ -97,7 +97,7 @@ private slots:
         Draw w;
         QLineEdit *edit = w.findChild<QLineEdit *>(field);
         QVERIFY(edit);
-        QCOMPARE(edit->text(), QString("old value"));   // restored at start
+        QCOMPARE(edit->text(), QString("old value"));  // restored at start
         edit->setText(text);
         QVERIFY(QMetaObject::invokeMethod(edit, "editingFinished"));
         QSettings s("Config.ini", QSettings::IniFormat);
@@ -120,11 +120,12 @@ private slots:
     {
         ScopedWorkDir dir;
         Draw w;
-        for (const char *name : {"frame_6", "lineCNCOn", "lineCNCOff", "lineCNCFeedZ", "lineCNCTravelZ",
-                                 "lineLaserOff", "lineLaserOn", "lineTravel", "lineCureSpeed",
-                                 "label_5", "label_6", "label_7", "label_8", "label_9", "label_10",
-                                 "label_11", "label_12", "label_16", "label_17", "label_18", "label_19",
-                                 "btnLoadGcodeEnd", "btnLoadGcodeHead", "TimeProgressBar", "frame_2"}) {
+        for (const char *name :
+             {"frame_6",      "lineCNCOn",       "lineCNCOff",       "lineCNCFeedZ",    "lineCNCTravelZ",
+              "lineLaserOff", "lineLaserOn",     "lineTravel",       "lineCureSpeed",   "label_5",
+              "label_6",      "label_7",         "label_8",          "label_9",         "label_10",
+              "label_11",     "label_12",        "label_16",         "label_17",        "label_18",
+              "label_19",     "btnLoadGcodeEnd", "btnLoadGcodeHead", "TimeProgressBar", "frame_2"}) {
             QWidget *widget = w.findChild<QWidget *>(QString::fromLatin1(name));
             QVERIFY2(widget, name);
             QVERIFY2(widget->isHidden(), name);

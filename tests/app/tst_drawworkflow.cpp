@@ -23,7 +23,8 @@ namespace {
 
 // Stands in for the window's dialogs: every file question gets `answer` (empty cancels)
 // and every notice is recorded. Make it after the window and let it go first.
-struct DialogAnswerer {
+struct DialogAnswerer
+{
     explicit DialogAnswerer(Draw &w, const QString &answer = QString())
     {
         w.setFileChooser([this, answer](Draw::FileQuestion, const QString &, const QString &, const QString &) {
@@ -60,7 +61,7 @@ void dropOutlineDrawing(Draw &w, const QTemporaryDir &elsewhere)
     paintCanvas(w);
 }
 
-} // namespace
+}  // namespace
 
 class TestDrawWorkflow : public QObject
 {
@@ -254,7 +255,7 @@ private slots:
         w.findChild<QRadioButton *>(style)->setChecked(true);
         QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, elsewhere.filePath(file)));
         if (file.endsWith(".png"))
-            w.imageEditor()->on_btnFinish_clicked();   // Done on the editor's refusal
+            w.imageEditor()->on_btnFinish_clicked();  // Done on the editor's refusal
         paintCanvas(w);
         TestFiles::write("local.gcode", "G1 X1 Y1 ; stale\n");
         const QString target = dir.file("job.gcode");
@@ -379,7 +380,7 @@ private slots:
         if (!language.isEmpty())
             TestFiles::write("Config.ini", "[Language]\nlanguage=" + language + "\n");
         TestFiles::write(file, "[{\"name\": \"Wood\", \"currentPower\": 40, \"currentSpeed\": 20,"
-                        " \"initPower\": 50, \"initSpeed\": 25, \"thickness\": 3}]");
+                               " \"initPower\": 50, \"initSpeed\": 25, \"thickness\": 3}]");
         Draw w;
         QComboBox *box = w.findChild<QComboBox *>("materialComboBox");
         QCOMPARE(box->isEnabled(), enabled);
@@ -402,8 +403,9 @@ private slots:
         box->setEditText("wood");
         w.on_addMaterialButton_clicked();
         QCOMPARE(box->count(), 2);
-        QVERIFY(w.findChild<QTextBrowser *>("textBrowser")->toPlainText().contains(
-            language == "English" ? "The material already exists " : "此材料已存在!!!"));
+        QVERIFY(w.findChild<QTextBrowser *>("textBrowser")
+                    ->toPlainText()
+                    .contains(language == "English" ? "The material already exists " : "此材料已存在!!!"));
         box->setEditText("Wood");
         w.on_deleteMaterialButton_clicked();
         QCOMPARE(box->count(), 1);
@@ -477,7 +479,7 @@ private slots:
         QCOMPARE(w.imageEditor()->windowTitle(), QString("设置阈值"));
 
         w.on_btnEn_clicked();
-        QApplication::processEvents();   // a new translator reaches the widgets as posted events
+        QApplication::processEvents();  // a new translator reaches the widgets as posted events
         QCOMPARE(time->text(), shown);
         QCOMPARE(done->text(), QString("Done"));
         QCOMPARE(w.findChild<QPushButton *>("btnExportGcode")->text(), QString("Export G-code"));

@@ -50,11 +50,15 @@ bool connectPanel(MachinePanel *panel, FirmwareStandIn &fw)
     child(panel, "connectButton")->click();
     fw.banner();
     // Marlin is asked for its position once connected; that line comes first.
-    return QTest::qWaitFor([&] { return panel->link()->state() == MachineLink::Ready
-                                        && (fw.kind == FirmwareStandIn::Grbl || fw.lines.contains("M114")); }, 10000);
+    return QTest::qWaitFor(
+        [&] {
+            return panel->link()->state() == MachineLink::Ready
+                   && (fw.kind == FirmwareStandIn::Grbl || fw.lines.contains("M114"));
+        },
+        10000);
 }
 
-} // namespace
+}  // namespace
 
 class TestMachinePanel : public QObject
 {
@@ -79,7 +83,10 @@ private slots:
     }
     void workflow()
     {
-        QFETCH(int, kind); QFETCH(Lines, jog); QFETCH(Lines, frame); QFETCH(Lines, run);
+        QFETCH(int, kind);
+        QFETCH(Lines, jog);
+        QFETCH(Lines, frame);
+        QFETCH(Lines, run);
         const bool grbl = kind == FirmwareStandIn::Grbl;
         ScopedWorkDir dir;
         TestFiles::write(dir.file("job.gcode"), Job);
@@ -109,8 +116,8 @@ private slots:
         QTRY_COMPARE(panel->runner()->state(), JobRunner::FramePause);
         QTRY_COMPARE(fw.lines.mid(mark), run);
         QVERIFY(child<QLabel>(panel, "jobMessageLabel")->text().contains("check the frame, then Resume"));
-        for (const char *name : {"xPlusButton", "homeButton", "frameButton", "runButton", "sendButton", "pauseButton",
-                                  "disconnectButton"})
+        for (const char *name :
+             {"xPlusButton", "homeButton", "frameButton", "runButton", "sendButton", "pauseButton", "disconnectButton"})
             QCOMPARE(child(panel, name)->isEnabled(), QByteArray(name) == "disconnectButton");
         QVERIFY(child(panel, "resumeButton")->isEnabled() && child(panel, "stopButton")->isEnabled());
         click(panel, "resumeButton");
@@ -146,7 +153,9 @@ private slots:
     }
     void pausedAndError()
     {
-        QFETCH(QString, language); QFETCH(QString, paused); QFETCH(QString, error);
+        QFETCH(QString, language);
+        QFETCH(QString, paused);
+        QFETCH(QString, error);
         QTranslator translator;
         QVERIFY(translator.load(":/bin_" + language + ".qm"));
         qApp->installTranslator(&translator);
@@ -162,7 +171,7 @@ private slots:
         QVERIFY(connectPanel(&panel, fw));
         click(&panel, "frameButton");
         QTRY_VERIFY(fw.lines.size() > 6 && panel.link()->unansweredLines() == 0);
-        fw.jobLines = 0;   // the error comes on line 31 of the job itself
+        fw.jobLines = 0;  // the error comes on line 31 of the job itself
         child<QLineEdit>(&panel, "jobEdit")->setText(dir.file("job.gcode"));
         click(&panel, "runButton");
         QTRY_VERIFY(panel.runner()->acknowledged() >= 20);
@@ -181,23 +190,24 @@ private slots:
     {
         ScopedWorkDir dir;
         TestFiles::write(dir.file("Config.ini"), "[Tarnwy]\nmode=laser\n[Language]\nlanguage=English\n");
-        QTemporaryDir elsewhere;   // removing a picture clears every *.svg of the working folder
-        TestFiles::write(elsewhere.filePath("drawing.svg"),
-                  "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"23mm\" height=\"17mm\" viewBox=\"0 0 23 17\">"
-                  "<path d=\"M2 2 L21 2 L21 15 L2 15 Z\" fill=\"none\" stroke=\"black\"/></svg>\n");
+        QTemporaryDir elsewhere;  // removing a picture clears every *.svg of the working folder
+        TestFiles::write(
+            elsewhere.filePath("drawing.svg"),
+            "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"23mm\" height=\"17mm\" viewBox=\"0 0 23 17\">"
+            "<path d=\"M2 2 L21 2 L21 15 L2 15 Z\" fill=\"none\" stroke=\"black\"/></svg>\n");
         Draw w;
         w.findChild<QRadioButton *>("radioButtonOut")->setChecked(true);
         QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, elsewhere.filePath("drawing.svg")));
-        QImage canvas(400, 400, QImage::Format_ARGB32);   // the canvas learns where items stand when painted
+        QImage canvas(400, 400, QImage::Format_ARGB32);  // the canvas learns where items stand when painted
         QPainter painter(&canvas);
         w.renderForm()->scene()->render(&painter);
         w.startSaveGcode(dir.file("job.gcode"), w.renderForm()->CurrentItemPos());
         QFile job(dir.file("job.gcode"));
         QVERIFY(job.open(QIODevice::ReadOnly));
-        QSet<QByteArray> exportedCorners;   // the job's own frame, before its pause
+        QSet<QByteArray> exportedCorners;  // the job's own frame, before its pause
         for (QByteArray line; !(line = job.readLine()).startsWith("M0");)
             if (line.startsWith("G0 X"))
-                exportedCorners << line.trimmed().split(' ').mid(1, 2).join(' ');   // "X.. Y.."
+                exportedCorners << line.trimmed().split(' ').mid(1, 2).join(' ');  // "X.. Y.."
         QCOMPARE(exportedCorners.size(), 4);
 
         MachinePanel *panel = w.machinePanel();

@@ -28,18 +28,25 @@ private slots:
         QTest::addColumn<QByteArray>("zh");   // null: no file; the en file always holds Felt
         QTest::addColumn<bool>("ok");
         QTest::addColumn<QStringList>("names");
-        const QString keys = QStringLiteral(R"("currentPower":10,"currentSpeed":20.5,"initPower":30,"initSpeed":40,"thickness":2.5)");
+        const QString keys =
+            QStringLiteral(R"("currentPower":10,"currentSpeed":20.5,"initPower":30,"initSpeed":40,"thickness":2.5)");
         QTest::newRow("missing file") << 0 << QByteArray() << false << QStringList();
-        QTest::newRow("zh file, name last") << 0 << QString(R"([{%1,"name":"软木"}])").arg(keys).toUtf8() << true << QStringList{"软木"};
+        QTest::newRow("zh file, name last") << 0 << QString(R"([{%1,"name":"软木"}])").arg(keys).toUtf8() << true
+                                            << QStringList{"软木"};
         QTest::newRow("en file") << 1 << QByteArray("[]") << true << QStringList{"Felt"};
         QTest::newRow("Korean has no file") << 2 << QByteArray("[]") << false << QStringList();
         QTest::newRow("empty array") << 0 << QByteArray("[]") << true << QStringList();
-        QTest::newRow("invalid JSON") << 0 << QByteArray(R"([{"name": "Felt", )") << false << QStringList();
+        QTest::newRow("invalid JSON") << 0 << QByteArray(R"([{"name": "Felt", )") << false
+                                      << QStringList();
         QTest::newRow("trailing text") << 0 << QByteArray("[] []") << false << QStringList();
-        QTest::newRow("object, not array") << 0 << QString(R"({"name":"a",%1})").arg(keys).toUtf8() << false << QStringList();
+        QTest::newRow("object, not array") << 0 << QString(R"({"name":"a",%1})").arg(keys).toUtf8() << false
+                                           << QStringList();
         QTest::newRow("key missing") << 0 << QByteArray(R"([{"name":"Felt"}])") << false << QStringList();
-        QTest::newRow("power as text") << 0 << QString(R"([{"name":"a",%1}])").arg(keys).replace("10", "\"10\"").toUtf8() << false << QStringList();
-        QTest::newRow("beyond float") << 0 << QString(R"([{"name":"a",%1}])").arg(keys).replace("40", "4e300").toUtf8() << false << QStringList();
+        QTest::newRow("power as text") << 0
+                                       << QString(R"([{"name":"a",%1}])").arg(keys).replace("10", "\"10\"").toUtf8()
+                                       << false << QStringList();
+        QTest::newRow("beyond float")
+            << 0 << QString(R"([{"name":"a",%1}])").arg(keys).replace("40", "4e300").toUtf8() << false << QStringList();
         // clang-format on
     }
 
@@ -50,13 +57,13 @@ private slots:
         QFETCH(bool, ok);
         QFETCH(QStringList, names);
         ScopedWorkDir dir;
-        MaterialLibrary library;   // a record from before must not survive a failed load
+        MaterialLibrary library;  // a record from before must not survive a failed load
         library.setLanguageIndex(language);
         library.add(material(QStringLiteral("stale"), 1, 1));
 
         QFile::remove(QStringLiteral("dataFile_zh.json"));
-        QVERIFY(put(QStringLiteral("dataFile_en.json"),
-                    R"([{"name":"Felt","currentPower":10,"currentSpeed":20.5,"initPower":30,"initSpeed":40,"thickness":2.5}])"));
+        QVERIFY(put(QStringLiteral("dataFile_en.json"), R"([{"name":"Felt","currentPower":10,"currentSpeed":20.5,)"
+                                                        R"("initPower":30,"initSpeed":40,"thickness":2.5}])"));
         QVERIFY(zh.isNull() || put(QStringLiteral("dataFile_zh.json"), zh));
 
         QCOMPARE(library.load(), ok);
@@ -79,17 +86,22 @@ private slots:
         QTest::addColumn<QString>("results");
         QTest::addColumn<QStringList>("names");    // read back from the file
         QTest::addColumn<QStringList>("absent");   // names find() must not match
-        QTest::newRow("add") << 0 << QStringList{"+Wood"} << "1" << QStringList{"Wood"} << QStringList{"wood", "Wood "};
+        QTest::newRow("add") << 0 << QStringList{"+Wood"} << "1" << QStringList{"Wood"}
+                             << QStringList{"wood", "Wood "};
         QTest::newRow("other case is a second record") << 1 << QStringList{"+Wood", "+wood"} << "11"
                                                        << QStringList{"Wood", "wood"} << QStringList{"WOOD"};
-        QTest::newRow("remove") << 0 << QStringList{"+Wood", "+Felt", "-Wood"} << "111" << QStringList{"Felt"} << QStringList{"Wood"};
-        QTest::newRow("remove needs exact case") << 1 << QStringList{"+Wood", "-wood"} << "10" << QStringList{"Wood"} << QStringList{"wood"};
+        QTest::newRow("remove") << 0 << QStringList{"+Wood", "+Felt", "-Wood"} << "111" << QStringList{"Felt"}
+                                << QStringList{"Wood"};
+        QTest::newRow("remove needs exact case") << 1 << QStringList{"+Wood", "-wood"} << "10" << QStringList{"Wood"}
+                                                 << QStringList{"wood"};
         QTest::newRow("remove first of equal names") << 0 << QStringList{"+A", "+B", "+A", "-A"} << "1111"
                                                      << QStringList{"B", "A"} << QStringList();
-        QTest::newRow("remove the last one") << 0 << QStringList{"+A", "-A", "-A"} << "110" << QStringList() << QStringList{"A"};
+        QTest::newRow("remove the last one") << 0 << QStringList{"+A", "-A", "-A"} << "110" << QStringList()
+                                             << QStringList{"A"};
         QTest::newRow("composed and decomposed differ") << 0 << QStringList{"+橡木", QStringLiteral("+caf\u00e9")} << "11"
             << QStringList{"橡木", QStringLiteral("caf\u00e9")} << QStringList{QStringLiteral("cafe\u0301")};
-        QTest::newRow("Korean writes nothing") << 2 << QStringList{"+Wood"} << "0" << QStringList() << QStringList{"Wood"};
+        QTest::newRow("Korean writes nothing") << 2 << QStringList{"+Wood"} << "0" << QStringList()
+                                               << QStringList{"Wood"};
         // clang-format on
     }
 
@@ -106,8 +118,9 @@ private slots:
         QString got;
         for (int i = 0; i < steps.size(); ++i) {
             const QString name = steps.at(i).mid(1);
-            const bool ok = steps.at(i).startsWith(QLatin1Char('+')) ? library.add(material(name, 10 * i + 0.5f, i + 0.25f))
-                                                                     : library.remove(name);
+            const bool ok = steps.at(i).startsWith(QLatin1Char('+'))
+                                ? library.add(material(name, 10 * i + 0.5f, i + 0.25f))
+                                : library.remove(name);
             got += QLatin1Char(ok ? '1' : '0');
         }
         QCOMPARE(got, results);
@@ -120,7 +133,7 @@ private slots:
         QCOMPARE(reread.names(), names);
         for (const QString &name : absent)
             QVERIFY2(!reread.find(name), qPrintable(name));
-        for (const MaterialRecord &r : reread.materials()) {   // values of the step that added it
+        for (const MaterialRecord &r : reread.materials()) {  // values of the step that added it
             const int i = steps.lastIndexOf(QLatin1Char('+') + r.name);
             QCOMPARE(r.currentPower, 10 * i + 0.5f);
             QCOMPARE(r.initSpeed, i + 2.25f);

@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr int LoadTimeout = 60000;   // ms; the machine is shared
+constexpr int LoadTimeout = 60000;  // ms; the machine is shared
 
 bool waitShown(PreviewPanel &panel, QSignalSpy &spy)
 {
@@ -36,7 +36,10 @@ QString areaNotInView(const ToolpathView *view)
         return QStringLiteral("scroll bars shown");
     const QRect area = view->mapFromScene(QRectF(0, 0, 170, 200)).boundingRect();
     if (!port.contains(area))
-        return QStringLiteral("area %1,%2 %3x%4 outside").arg(area.x()).arg(area.y()).arg(area.width())
+        return QStringLiteral("area %1,%2 %3x%4 outside")
+            .arg(area.x())
+            .arg(area.y())
+            .arg(area.width())
             .arg(area.height());
     int labels = 0;
     for (const QGraphicsItem *item : view->scene()->items()) {
@@ -48,12 +51,16 @@ QString areaNotInView(const ToolpathView *view)
             label->deviceTransform(view->viewportTransform()).mapRect(label->boundingRect()).toAlignedRect();
         if (!port.contains(box))
             return QStringLiteral("label %1 at %2,%3 outside %4x%5")
-                .arg(label->text()).arg(box.x()).arg(box.y()).arg(port.width()).arg(port.height());
+                .arg(label->text())
+                .arg(box.x())
+                .arg(box.y())
+                .arg(port.width())
+                .arg(port.height());
     }
     return labels ? QString() : QStringLiteral("no labels");
 }
 
-} // namespace
+}  // namespace
 
 class TestPreviewPanel : public QObject
 {
@@ -144,14 +151,14 @@ private slots:
         QTemporaryDir elsewhere;
         const QString drawing = elsewhere.filePath("drawing.svg");
         TestFiles::write(drawing, "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
-                           "viewBox=\"0 0 20 20\"><path d=\"M2 2 L18 2 L18 18 L2 18 Z\" "
-                           "fill=\"none\" stroke=\"black\"/></svg>\n");
+                                  "viewBox=\"0 0 20 20\"><path d=\"M2 2 L18 2 L18 18 L2 18 Z\" "
+                                  "fill=\"none\" stroke=\"black\"/></svg>\n");
         Draw w;
         w.findChild<QRadioButton *>("radioButtonOut")->setChecked(true);
         QMetaObject::invokeMethod(&w, "SlotPixitemDropped", Q_ARG(QString, drawing));
         QImage canvas(400, 400, QImage::Format_ARGB32);
         QPainter painter(&canvas);
-        w.renderForm()->scene()->render(&painter);   // items learn their place when painted
+        w.renderForm()->scene()->render(&painter);  // items learn their place when painted
         painter.end();
         PreviewPanel *panel = w.findChild<PreviewPanel *>();
         QVERIFY(panel);
@@ -182,7 +189,8 @@ private slots:
     // once the user zooms, resizing keeps the zoom.
     void fitShowsAreaAndLabels()
     {
-        QFETCH(QSize, window); QFETCH(int, dockWidth);
+        QFETCH(QSize, window);
+        QFETCH(int, dockWidth);
         QMainWindow w;
         w.setCentralWidget(new QWidget);
         w.resize(window);
@@ -197,8 +205,8 @@ private slots:
         QTRY_COMPARE(areaNotInView(view), QString());
 
         const QPoint middle = view->viewport()->rect().center();
-        QWheelEvent wheel(middle, view->viewport()->mapToGlobal(middle), QPoint(), QPoint(0, 240),
-                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QWheelEvent wheel(middle, view->viewport()->mapToGlobal(middle), QPoint(), QPoint(0, 240), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
         const double fitted = view->zoom();
         QApplication::sendEvent(view->viewport(), &wheel);
         const double zoomed = view->zoom();

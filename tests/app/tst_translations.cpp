@@ -21,17 +21,21 @@ private slots:
         // The paired warnings keep the start-up language; G-code and times never change.
         const QStringList fixed{"ImgBinaryEdit|无法打开图片|", "Draw|G91|", "Bitmap2Gcode|M107 \n|", "Draw|%1min %2s|"};
         QTest::newRow("zh") << ":/bin_zh.qm" << QStringList{"Draw|导出G代码|导出G代码", "CPSerialPort|断开|断开",
-                                                            "CPSerialPort|Notice|提示", "CPSerialPort|Serial open failed.|串口打开失败。",
-                                                            "ImgBinaryEdit|set value|设置阈值", "Bitmap2Gcode|Notice|"} + fixed;
+                                                            "CPSerialPort|Notice|提示",
+                                                            "CPSerialPort|Serial open failed.|串口打开失败。",
+                                                            "ImgBinaryEdit|set value|设置阈值",
+                                                            "Bitmap2Gcode|Notice|"} + fixed;
         QTest::newRow("en") << ":/bin_en.qm" << QStringList{"Draw|导出G代码|Export G-code", "CPSerialPort|连接|Connect",
-                                                            "CPSerialPort|断开|Disconnect", "WaitingForm|正在...,请等待|Working..., please wait",
+                                                            "CPSerialPort|断开|Disconnect",
+                                                            "WaitingForm|正在...,请等待|Working..., please wait",
                                                             "CPSerialPort|选择端口:|Serial Ports", "CPSerialPort|更新|Update",
                                                             "Bitmap2Gcode|提示|"} + fixed;
         // Korean starts with the English literals of the paired messages; nothing switches to it later.
         QTest::newRow("ko") << ":/bin_ko.qm" << QStringList{"Draw|导出G代码|G코드 내보내기", "CPSerialPort|连接|연결",
                                                             "CPSerialPort|Notice|알림", "Bitmap2Gcode|提示|알림",
                                                             "ImgBinaryEdit|The picture cannot be opened|사진을 열 수 없습니다",
-                                                            "ImgBinaryEdit|The picture is too large to process|사진이 너무 커서 처리할 수 없습니다"} + fixed;
+                                                            "ImgBinaryEdit|The picture is too large to process|"
+                                                            "사진이 너무 커서 처리할 수 없습니다"} + fixed;
         // clang-format on
     }
 
@@ -50,7 +54,8 @@ private slots:
 
         QStringList missing;
         int checked = 0;
-        for (const char *form : {"draw.ui", "cpserialport.ui", "imgbinaryedit.ui", "waitingform.ui", "renderform.ui", "allkindpic.ui"}) {
+        for (const char *form :
+             {"draw.ui", "cpserialport.ui", "imgbinaryedit.ui", "waitingform.ui", "renderform.ui", "allkindpic.ui"}) {
             QFile file(QFINDTESTDATA(QStringLiteral("../../forms/") + QLatin1String(form)));
             QVERIFY2(file.open(QIODevice::ReadOnly), form);
             QXmlStreamReader xml(&file);
@@ -108,8 +113,9 @@ private slots:
             QVERIFY(translator.load(QString::fromLatin1(resource)));
             for (const auto &entry : qAsConst(templates))
                 QVERIFY2(translator.translate(entry.first.constData(), entry.second.constData()).isEmpty(),
-                         qPrintable(QStringLiteral("%1: %2 %3").arg(QLatin1String(resource), QString::fromUtf8(entry.first),
-                                                                    QString::fromUtf8(entry.second))));
+                         qPrintable(QStringLiteral("%1: %2 %3")
+                                        .arg(QLatin1String(resource), QString::fromUtf8(entry.first),
+                                             QString::fromUtf8(entry.second))));
         }
     }
 };

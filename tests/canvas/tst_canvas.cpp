@@ -53,7 +53,13 @@ public:
     }
     void move(const QPointF &p) { send(QEvent::GraphicsSceneMouseMove, p, Qt::NoButton, Qt::LeftButton); }
     void release(const QPointF &p) { send(QEvent::GraphicsSceneMouseRelease, p, Qt::LeftButton, Qt::NoButton); }
-    void drag(const QPointF &from, const QPointF &to) { hover(from); press(from); move(to); release(to); }
+    void drag(const QPointF &from, const QPointF &to)
+    {
+        hover(from);
+        press(from);
+        move(to);
+        release(to);
+    }
     void send(QEvent::Type type, const QPointF &p, Qt::MouseButton button, Qt::MouseButtons buttons)
     {
         QGraphicsSceneMouseEvent ev(type);
@@ -120,9 +126,18 @@ auto onItem(QGraphicsItem *item, F f)
     return f(static_cast<SvgItem *>(item));
 }
 
-QRectF rectOf(QGraphicsItem *item) { return onItem(item, [](auto *d) { return d->rect(); }); }
-bool armed(QGraphicsItem *item) { return onItem(item, [](auto *d) { return d->isResizeArmed(); }); }
-QObject *objectOf(QGraphicsItem *item) { return onItem(item, [](auto *d) -> QObject * { return d; }); }
+QRectF rectOf(QGraphicsItem *item)
+{
+    return onItem(item, [](auto *d) { return d->rect(); });
+}
+bool armed(QGraphicsItem *item)
+{
+    return onItem(item, [](auto *d) { return d->isResizeArmed(); });
+}
+QObject *objectOf(QGraphicsItem *item)
+{
+    return onItem(item, [](auto *d) -> QObject * { return d; });
+}
 
 QList<QGraphicsItem *> designs(QGraphicsScene *scene)
 {
@@ -158,8 +173,8 @@ bool shown(QWidget *widget, const QSize &size = QSize(586, 565))
 
 void wheel(QGraphicsView *view, const QPoint &pos, int delta)
 {
-    QWheelEvent ev(QPointF(pos), QPointF(view->viewport()->mapToGlobal(pos)), QPoint(), QPoint(0, delta),
-                   Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QWheelEvent ev(QPointF(pos), QPointF(view->viewport()->mapToGlobal(pos)), QPoint(), QPoint(0, delta), Qt::NoButton,
+                   Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(view->viewport(), &ev);
 }
 
@@ -179,14 +194,17 @@ struct Canvas : Folder
         else
             static_cast<SvgItem *>(item)->setSharedRenderer(
                 new QSvgRenderer(svgText(" width=\"100\" height=\"50\"", 100, 50), &scene));
-        onItem(item, [this](auto *d) { d->setParent(&scene); d->ResetRect(QRectF(0, 0, 100, 50)); });
+        onItem(item, [this](auto *d) {
+            d->setParent(&scene);
+            d->ResetRect(QRectF(0, 0, 100, 50));
+        });
         scene.addItem(item);
         item->setPos(pos);
         return item;
     }
 };
 
-} // namespace
+}  // namespace
 
 class TestCanvas : public QObject
 {
@@ -237,7 +255,7 @@ private slots:
         };
         if (throughView) {
             QVERIFY(shown(&view));
-            send(QEvent::MouseMove, QPointF(60, 40), Qt::NoButton, Qt::NoButton);   // over the body
+            send(QEvent::MouseMove, QPointF(60, 40), Qt::NoButton, Qt::NoButton);  // over the body
             QVERIFY(!armed(item));
             send(QEvent::MouseMove, corner, Qt::NoButton, Qt::NoButton);
         } else {
@@ -305,7 +323,7 @@ private slots:
             QCOMPARE(reports.takeFirst().at(0).toRectF(), stepReport);
         QCOMPARE(rectOf(item), QRectF(QPointF(0, 0), size));
         QCOMPARE(item->pos(), pos);
-        if (bitmap) // the reloaded picture has one pixel per millimetre
+        if (bitmap)  // the reloaded picture has one pixel per millimetre
             QCOMPARE(static_cast<PixmapItem *>(item)->pixmap().size(), size.toSize());
 
         c.mouse.release(to);
@@ -371,9 +389,11 @@ private slots:
     {
         Canvas c;
         auto *item = static_cast<SvgItem *>(c.add(false, QPointF(20, 20)));
-        item->setSharedRenderer(new QSvgRenderer(QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"100\" "
-            "height=\"50\"><circle cx=\"30\" cy=\"25\" r=\"20\"/><path d=\"M50 5 L95 45\" stroke=\"black\" "
-            "stroke-width=\"3\"/></svg>"), &c.scene));
+        item->setSharedRenderer(new QSvgRenderer(
+            QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"100\" "
+                       "height=\"50\"><circle cx=\"30\" cy=\"25\" r=\"20\"/><path d=\"M50 5 L95 45\" stroke=\"black\" "
+                       "stroke-width=\"3\"/></svg>"),
+            &c.scene));
         // The outlines drawn straight over the rest of the scene as renderScene shows it (2 px/mm from -30, -30).
         auto drawn = [item, &c] {
             item->hide();
@@ -519,7 +539,7 @@ private slots:
         if (auto *svg = qgraphicsitem_cast<SvgItem *>(item)) {
             QCOMPARE(svg->filePath(), QString("tmp.svg"));
             QVERIFY(svg->renderer()->isValid());
-            QCOMPARE(TestFiles::read(name), content); // the source is left as it was
+            QCOMPARE(TestFiles::read(name), content);  // the source is left as it was
         } else {
             QCOMPARE(static_cast<PixmapItem *>(item)->filePath(), name);
             QCOMPARE(static_cast<PixmapItem *>(item)->pixmap().size(), rect.size().toSize());
@@ -580,11 +600,11 @@ private slots:
         scene.LoadItemFromFile("p.png", 0);
         const QList<QGraphicsItem *> placed = designs(&scene);
         QCOMPARE(placed.size(), 2);
-        placed.at(0)->setPos(0, 10);  // lower in the stack
-        placed.at(1)->setPos(0, 100); // on top
+        placed.at(0)->setPos(0, 10);   // lower in the stack
+        placed.at(1)->setPos(0, 100);  // on top
         renderScene(&scene);
         QCOMPARE(scene.CurrentItemPos(), QPointF(0, 10));
-        placed.at(0)->setPos(150, 10); // still painted, but its right edge at 320 mm
+        placed.at(0)->setPos(150, 10);  // still painted, but its right edge at 320 mm
         renderScene(&scene);
         QCOMPARE(scene.CurrentItemPos(), QPointF(0, 100));
 
@@ -729,7 +749,7 @@ private slots:
         Folder folder;
         RenderForm form;
         QVERIFY(shown(&form));
-        form.LoadItemFromFile("p.png", 0);   // 170 x 50 at the top of the work area
+        form.LoadItemFromFile("p.png", 0);  // 170 x 50 at the top of the work area
         QSignalSpy spy(&form, SIGNAL(SigPixitem(QString)));
         // Under the offscreen platform there is no OpenGL context, and every repaint says so.
         if (QGuiApplication::platformName() == "offscreen") {
@@ -745,13 +765,13 @@ private slots:
         QVERIFY(bed->sceneBoundingRect().contains(QRectF(-5, -5, 180, 210)));
         const QList<QGraphicsItem *> stack = form.scene()->items(Qt::DescendingOrder);
         QCOMPARE(stack.last(), static_cast<QGraphicsItem *>(bed));
-        QCOMPARE(stack.size(), 1 + 4 + 4 + 4 + 2 + 1);   // design, labels, outline, margin, centre lines
+        QCOMPARE(stack.size(), 1 + 4 + 4 + 4 + 2 + 1);  // design, labels, outline, margin, centre lines
         // The corner labels stand clear of the outline and the margin.
         for (QGraphicsItem *label : stack) {
             auto *text = qgraphicsitem_cast<QGraphicsTextItem *>(label);
             if (!text || text->toPlainText() == "Preview Area")
                 continue;
-            const double margin = text->document()->documentMargin();   // blank around the letters
+            const double margin = text->document()->documentMargin();  // blank around the letters
             const QRectF letters = text->sceneBoundingRect().adjusted(margin, margin, -margin, -margin);
             for (QGraphicsItem *line : stack)
                 if (auto *l = qgraphicsitem_cast<QGraphicsLineItem *>(line))

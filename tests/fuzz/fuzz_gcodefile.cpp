@@ -12,7 +12,7 @@ namespace {
 const char *const JobFile = "job.gcode";
 const float ExtentStartMin = 99999.0f;
 const float ExtentStartMax = -99999.0f;
-}
+}  // namespace
 
 FUZZ_INITIALIZE()
 
@@ -36,22 +36,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     // Other bytes pass through the text decoder first, which may take a byte order mark for
     // UTF-16 or hold back an unfinished character at the end; text mode treats a carriage
     // return differently at the end of the file and elsewhere.
-    const bool plain = std::all_of(bytes.begin(), bytes.end(),
-                                   [](char c) { return uchar(c) < 0x80 && c != '\r'; });
+    const bool plain = std::all_of(bytes.begin(), bytes.end(), [](char c) { return uchar(c) < 0x80 && c != '\r'; });
     const int lines = bytes.count('\n') + (bytes.isEmpty() || bytes.endsWith('\n') ? 0 : 1);
     FUZZ_REQUIRE(!plain || emitted == lines, bytes);
     FUZZ_REQUIRE(reader.CommandCount() == gLines, bytes);
 
     const QRectF extent = reader.Bounds();
-    FUZZ_REQUIRE(std::isfinite(extent.left()) && std::isfinite(extent.top())
-                     && std::isfinite(extent.width()) && std::isfinite(extent.height()),
+    FUZZ_REQUIRE(std::isfinite(extent.left()) && std::isfinite(extent.top()) && std::isfinite(extent.width())
+                     && std::isfinite(extent.height()),
                  bytes);
-    const bool untouched = extent == QRectF(ExtentStartMin, ExtentStartMin,
-                                            ExtentStartMax - ExtentStartMin,
-                                            ExtentStartMax - ExtentStartMin);
+    const bool untouched =
+        extent
+        == QRectF(ExtentStartMin, ExtentStartMin, ExtentStartMax - ExtentStartMin, ExtentStartMax - ExtentStartMin);
     // The number patterns hold no sign, so a real extent never reaches below 0.
-    FUZZ_REQUIRE(untouched || (extent.left() >= 0 && extent.top() >= 0
-                               && extent.width() >= 0 && extent.height() >= 0),
+    FUZZ_REQUIRE(untouched || (extent.left() >= 0 && extent.top() >= 0 && extent.width() >= 0 && extent.height() >= 0),
                  bytes);
 
     // The walk hands out each remaining line at most once, then "end" for good.

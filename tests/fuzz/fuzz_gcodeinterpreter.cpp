@@ -20,7 +20,7 @@ bool inside(double v, double low, double high)
     return v >= low - slack && v <= high + slack;
 }
 
-} // namespace
+}  // namespace
 
 FUZZ_INITIALIZE()
 

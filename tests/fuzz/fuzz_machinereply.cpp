@@ -12,10 +12,7 @@ namespace {
 using MachineReplies::LineSplitter;
 const QByteArray CutMark("...");
 
-bool isLineEnd(char c)
-{
-    return c == '\n' || c == '\r';
-}
+bool isLineEnd(char c) { return c == '\n' || c == '\r'; }
 
 // The lines a port would show for BYTES: each non-empty run between line ends, its first
 // MaxLine bytes kept and the cut marked; an unfinished run at the end is still pending.
@@ -37,10 +34,7 @@ QList<QByteArray> expectedLines(const QByteArray &bytes)
     return lines;
 }
 
-bool sameNumber(double a, double b)
-{
-    return a == b || (std::isnan(a) && std::isnan(b));
-}
+bool sameNumber(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
 
 bool sameReply(const MachineReply &a, const MachineReply &b)
 {
@@ -65,14 +59,14 @@ void checkReply(const QByteArray &line)
     if (reply.kind == MachineReply::Setting)
         FUZZ_REQUIRE(reply.code >= 0, line);
     // A "$N=" line whose value is no number still names its setting.
-    if (reply.kind != MachineReply::Error && reply.kind != MachineReply::Alarm
-        && reply.kind != MachineReply::Resend && !reply.text.startsWith('$'))
+    if (reply.kind != MachineReply::Error && reply.kind != MachineReply::Alarm && reply.kind != MachineReply::Resend
+        && !reply.text.startsWith('$'))
         FUZZ_REQUIRE(reply.code == 0, line);
     if (reply.kind == MachineReply::Status && reply.text.startsWith('<'))
         FUZZ_REQUIRE(reply.text.mid(1).startsWith(reply.state), line);
 }
 
-} // namespace
+}  // namespace
 
 FUZZ_INITIALIZE()
 

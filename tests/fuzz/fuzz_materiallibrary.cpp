@@ -13,7 +13,7 @@ bool sameRecord(const MaterialRecord &a, const MaterialRecord &b)
            && a.initPower == b.initPower && a.initSpeed == b.initSpeed && a.thickness == b.thickness;
 }
 
-} // namespace
+}  // namespace
 
 FUZZ_INITIALIZE()
 
@@ -35,9 +35,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     const std::vector<MaterialRecord> first = library.materials();
     for (const MaterialRecord &r : first) {
-        FUZZ_REQUIRE(std::isfinite(r.currentPower) && std::isfinite(r.currentSpeed)
-                         && std::isfinite(r.initPower) && std::isfinite(r.initSpeed)
-                         && std::isfinite(r.thickness),
+        FUZZ_REQUIRE(std::isfinite(r.currentPower) && std::isfinite(r.currentSpeed) && std::isfinite(r.initPower)
+                         && std::isfinite(r.initSpeed) && std::isfinite(r.thickness),
                      bytes);
         FUZZ_REQUIRE(library.find(r.name) != nullptr, r.name.toUtf8());
     }

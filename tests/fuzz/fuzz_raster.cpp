@@ -43,8 +43,8 @@ QImage pictureFrom(FuzzBytes &in)
     return image;
 }
 
-QByteArray exportOnce(Job job, const QImage &image, double scale, QPointF offset, float power,
-                      int feed, int travel, bool plain, float *estimate)
+QByteArray exportOnce(Job job, const QImage &image, double scale, QPointF offset, float power, int feed, int travel,
+                      bool plain, float *estimate)
 {
     Bitmap2Gcode generator;
     generator.SetPlainFormatting(plain);
@@ -76,7 +76,7 @@ QByteArray exportOnce(Job job, const QImage &image, double scale, QPointF offset
     return fuzzReadFile(QString::fromLatin1(OutputFile));
 }
 
-} // namespace
+}  // namespace
 
 FUZZ_INITIALIZE()
 
@@ -100,9 +100,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     FUZZ_REQUIRE(fast == plain, fast.left(600) + "\n--- plain:\n" + plain.left(600));
     FUZZ_REQUIRE(std::isfinite(fastEstimate) && fastEstimate >= 0, QByteArray::number(fastEstimate));
 
-    const GcodeBox box = {offset.x(), offset.x() + image.width() * scale,
-                          WorkHeight - offset.y() - image.height() * scale, WorkHeight - offset.y(),
-                          0.01, 255.0};
+    const GcodeBox box = {offset.x(),
+                          offset.x() + image.width() * scale,
+                          WorkHeight - offset.y() - image.height() * scale,
+                          WorkHeight - offset.y(),
+                          0.01,
+                          255.0};
     const int coordinates = fuzzCheckGcode(fast, box);
     // The frame alone is ten moves, so an export that wrote nothing is a fault too.
     FUZZ_REQUIRE(coordinates >= 20, fast.left(600));

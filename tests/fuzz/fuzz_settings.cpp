@@ -11,8 +11,8 @@
 
 namespace {
 
-const char *const TarnwyKeys[] = {"laser_on", "laser_off", "cnc_on", "cnc_off", "travel_speed",
-                                  "crue_speed", "cnc_feed_z", "cnc_travel_z", "mode", "pre_vector_path"};
+const char *const TarnwyKeys[] = {"laser_on",   "laser_off",  "cnc_on",       "cnc_off", "travel_speed",
+                                  "crue_speed", "cnc_feed_z", "cnc_travel_z", "mode",    "pre_vector_path"};
 
 struct Snapshot
 {
@@ -37,7 +37,7 @@ Snapshot readAll()
     return s;
 }
 
-} // namespace
+}  // namespace
 
 // QSettings keeps every file it parsed; leak checks would then scan the heap per input.
 FUZZ_INITIALIZE("-detect_leaks=0")

@@ -55,7 +55,7 @@ Extent checkImage(const SvgImage &image, const QByteArray &document)
     return e;
 }
 
-} // namespace
+}  // namespace
 
 FUZZ_INITIALIZE()
 
@@ -106,8 +106,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     FUZZ_REQUIRE(std::isfinite(estimate) && estimate >= 0, document);
 
     const QByteArray gcode = fuzzReadFile(QString::fromLatin1(OutputFile));
-    const GcodeBox box = {xOffset, xOffset + width, WorkHeight - yOffset - height,
-                          WorkHeight - yOffset + TopLift, PrintSlack, 255.0};
+    const GcodeBox box = {
+        xOffset, xOffset + width, WorkHeight - yOffset - height, WorkHeight - yOffset + TopLift, PrintSlack, 255.0};
     fuzzCheckGcode(gcode, box);
     return 0;
 }

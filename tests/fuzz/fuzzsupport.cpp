@@ -30,10 +30,7 @@ void quiet(QtMsgType type, const QMessageLogContext &, const QString &message)
     }
 }
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // The length of the number at `p` (plain or with an exponent), 0 when there is none.
 int numberLength(const char *p, const char *end)
@@ -42,10 +39,16 @@ int numberLength(const char *p, const char *end)
     if (q < end && (*q == '+' || *q == '-'))
         ++q;
     int digits = 0;
-    while (q < end && isDigit(*q)) { ++q; ++digits; }
+    while (q < end && isDigit(*q)) {
+        ++q;
+        ++digits;
+    }
     if (q < end && *q == '.') {
         ++q;
-        while (q < end && isDigit(*q)) { ++q; ++digits; }
+        while (q < end && isDigit(*q)) {
+            ++q;
+            ++digits;
+        }
     }
     if (digits == 0)
         return 0;
@@ -62,15 +65,12 @@ int numberLength(const char *p, const char *end)
     return int(q - p);
 }
 
-} // namespace
+}  // namespace
 
 // The run moves into a private folder, so corpus folders, inputs to replay and the place
 // for crash files are pinned to where the run was started first.
 // Font lookup of the offscreen platform keeps its cache until the process ends.
-extern "C" const char *__lsan_default_suppressions()
-{
-    return "leak:libfontconfig.so\n";
-}
+extern "C" const char *__lsan_default_suppressions() { return "leak:libfontconfig.so\n"; }
 
 static void pinPaths(int *argc, char ***argv, std::initializer_list<const char *> defaults)
 {
@@ -119,8 +119,8 @@ void fuzzStart(int *argc, char ***argv, std::initializer_list<const char *> defa
         close(null);
     }
     // In memory where there is room: the settings writes sync the disk on every call.
-    const QString base = QFileInfo(QStringLiteral("/dev/shm")).isWritable() ? QStringLiteral("/dev/shm")
-                                                                          : QDir::tempPath();
+    const QString base =
+        QFileInfo(QStringLiteral("/dev/shm")).isWritable() ? QStringLiteral("/dev/shm") : QDir::tempPath();
     g_root = new QTemporaryDir(base + QStringLiteral("/tarnwell-fuzz-XXXXXX"));
     if (!g_root->isValid() || !QDir::setCurrent(g_root->path()))
         fuzzFail("no private working folder");

@@ -33,8 +33,11 @@ QByteArray fuzzReadFile(const QString &name);
 
 // Stops the run with the message and the offending text; libFuzzer then saves the input.
 [[noreturn]] void fuzzFail(const char *what, const QByteArray &detail = QByteArray());
-#define FUZZ_REQUIRE(condition, detail) \
-    do { if (!(condition)) fuzzFail(#condition, (detail)); } while (false)
+#define FUZZ_REQUIRE(condition, detail)     \
+    do {                                    \
+        if (!(condition))                   \
+            fuzzFail(#condition, (detail)); \
+    } while (false)
 
 // Takes choices from the front of the input; the rest is the payload.
 class FuzzBytes
@@ -75,7 +78,7 @@ struct GcodeBox
     double bottom;
     double top;
     double slack;
-    double powerMax;   // S words lie in [0, powerMax]
+    double powerMax;  // S words lie in [0, powerMax]
 };
 
 // Every X, Y, Z, F, S and P word must carry a finite number in plain or exponent

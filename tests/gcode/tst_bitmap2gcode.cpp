@@ -24,15 +24,15 @@ const QString Footer = QStringLiteral("M107 \nG28 \n");
 // A doubled blank before Z marks the lines the exports spell apart.
 const char *const GroupLetters = "OCERLrlew";
 const char *const GroupTexts[] = {
-    "G0 X%1 Y%2 Z%3\nM106 S232 \nG1 F990 \nG1 X%1 Y%2  Z%3\n",               // O: black/white open
-    "G1 X%1 Y%2 Z%3\nM107 \nG0 F11880 \nG0 X%1 Y%2 Z%3\n",                   // C: close
-    "G1 X%1 Y%2 Z%3\nM107 \nG0 F11880 \nG0 X%1 Y%2  Z%3\n",                  // E: close at the right end
-    "G0 X%1 Y%2 Z0.000\nM106 S%3 \nG1 F990 \nG1 X%1 Y%2 Z0.000\n ",          // R: gray open, rightward
-    "G0 X%1 Y%2 Z0.000\nM106 S%3 \nG1 F990 \nG1 X%1 Y%2  Z0.000\n",          // L: gray open, leftward
-    "G1 X%1 Y%2  Z0.000\nM106 S%3 \nG1 X%1 Y%2  Z0.000\n",                   // r: power change, rightward
-    "G1 X%1 Y%2 Z0.000\nM106 S%3 \nG1 X%1 Y%2 Z0.000\n",                     // l: power change, leftward
-    "G1 X%1 Y%2 Z0.000\nM107 \nG0 F11880 \nG0 X%1 Y%2 Z0.000\n ",            // e: gray close at the row end
-    "G1 X%1 Y%2 Z0.000\nM107 \nG0 F11880 \nG0 X%1 Y%2 Z0.000\n",             // w: gray close at white
+    "G0 X%1 Y%2 Z%3\nM106 S232 \nG1 F990 \nG1 X%1 Y%2  Z%3\n",       // O: black/white open
+    "G1 X%1 Y%2 Z%3\nM107 \nG0 F11880 \nG0 X%1 Y%2 Z%3\n",           // C: close
+    "G1 X%1 Y%2 Z%3\nM107 \nG0 F11880 \nG0 X%1 Y%2  Z%3\n",          // E: close at the right end
+    "G0 X%1 Y%2 Z0.000\nM106 S%3 \nG1 F990 \nG1 X%1 Y%2 Z0.000\n ",  // R: gray open, rightward
+    "G0 X%1 Y%2 Z0.000\nM106 S%3 \nG1 F990 \nG1 X%1 Y%2  Z0.000\n",  // L: gray open, leftward
+    "G1 X%1 Y%2  Z0.000\nM106 S%3 \nG1 X%1 Y%2  Z0.000\n",           // r: power change, rightward
+    "G1 X%1 Y%2 Z0.000\nM106 S%3 \nG1 X%1 Y%2 Z0.000\n",             // l: power change, leftward
+    "G1 X%1 Y%2 Z0.000\nM107 \nG0 F11880 \nG0 X%1 Y%2 Z0.000\n ",    // e: gray close at the row end
+    "G1 X%1 Y%2 Z0.000\nM107 \nG0 F11880 \nG0 X%1 Y%2 Z0.000\n",     // w: gray close at white
 };
 
 // "O12,180 C13,180,0.001": groups by letter, X, Y and the third value (Z 0.000 if left out).
@@ -41,7 +41,8 @@ QString groups(const QString &list)
     QString text;
     for (const QString &group : list.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
         const QStringList v = group.mid(1).split(QLatin1Char(','));
-        const QString t = QString::fromLatin1(GroupTexts[QString::fromLatin1(GroupLetters).indexOf(group[0])]).arg(v[0], v[1]);
+        const QString t =
+            QString::fromLatin1(GroupTexts[QString::fromLatin1(GroupLetters).indexOf(group[0])]).arg(v[0], v[1]);
         text += t.contains(QLatin1String("%3")) ? t.arg(v.value(2, QStringLiteral("0.000"))) : t;
     }
     return text;
@@ -70,7 +71,8 @@ QImage picture(const QStringList &rows)
         return image;
     }
     const QString marks = QStringLiteral("X.abt");
-    const QRgb colours[] = {qRgb(0, 0, 0), qRgb(255, 255, 255), qRgb(127, 127, 127), qRgb(128, 128, 128), qRgba(0, 0, 0, 0)};
+    const QRgb colours[] = {qRgb(0, 0, 0), qRgb(255, 255, 255), qRgb(127, 127, 127), qRgb(128, 128, 128),
+                            qRgba(0, 0, 0, 0)};
     QImage image(rows.first().size(), rows.size(), QImage::Format_ARGB32);
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
@@ -109,12 +111,9 @@ QByteArray run(Bitmap2Gcode &generator, int kind, const QImage &image, double sc
     return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
 }
 
-quint32 word(const QImage &image, int x, int y)
-{
-    return reinterpret_cast<const quint32 *>(image.constScanLine(y))[x];
-}
+quint32 word(const QImage &image, int x, int y) { return reinterpret_cast<const quint32 *>(image.constScanLine(y))[x]; }
 
-} // namespace
+}  // namespace
 
 class TestBitmap2Gcode : public QObject
 {
@@ -142,8 +141,8 @@ void TestBitmap2Gcode::scan_data()
     QTest::addColumn<double>("scale");
     QTest::addColumn<float>("power");
     QTest::addColumn<QPointF>("offset");
-    QTest::addColumn<QString>("frame");   // empty: not checked
-    QTest::addColumn<QString>("body");    // between "M0 \n" and the footer
+    QTest::addColumn<QString>("frame");  // empty: not checked
+    QTest::addColumn<QString>("body");   // between "M0 \n" and the footer
     const auto row = [](const char *name, int kind, const QStringList &rows, double scale, const QString &body,
                         float power = -1, const QString &frame = QString(), QPointF offset = QPointF(10, 20)) {
         power = power >= 0 ? power : kind == BlackWhite ? 232 : 255;
@@ -154,8 +153,10 @@ void TestBitmap2Gcode::scan_data()
     row("one black pixel", BlackWhite, {"..X.."}, 1.0, groups("O12,180 C13,180"));
     row("run reaching the end going right", BlackWhite, {"...XX"}, 1.0, groups("O13,180 E14,180"));
     row("run reaching the end going left", BlackWhite, {".....", "XX..."}, 1.0, groups("O11,179 C10,179"));
-    row("burn opened at the last visited pixel stays on", BlackWhite, {"....X", "X...."}, 1.0, groups("O14,180 O10,179"));
-    row("127 and transparent are black, 128 white", BlackWhite, {"ab.t."}, 1.0, groups("O10,180 C11,180 O13,180 C14,180"));
+    row("burn opened at the last visited pixel stays on", BlackWhite, {"....X", "X...."}, 1.0,
+        groups("O14,180 O10,179"));
+    row("127 and transparent are black, 128 white", BlackWhite, {"ab.t."}, 1.0,
+        groups("O10,180 C11,180 O13,180 C14,180"));
     row("Z rises after eight groups", BlackWhite, {"X.X.X.X.X."}, 1.0,
         groups("O10,180 C11,180 O12,180 C13,180 O14,180 C15,180 O16,180 C17,180 O18,180,0.001 C19,180,0.001"));
     // Every fifth row; row 5 is odd, so it runs leftward.
@@ -172,23 +173,33 @@ void TestBitmap2Gcode::scan_data()
         232.5f, frame("12.3457", "199.5", "13.0123", "199.167"), QPointF(12.3456789, 0.5));
 
     row("gray: all-white row emits nothing", GrayLinear, {"255 255 255 255"}, 1.0, "");
-    row("gray: uniform row, closed at its last pixel", GrayLinear, {"100 100 100 100"}, 1.0, groups("R10,180,155 e13,180"));
-    row("gray: change in a burn, no M107", GrayLinear, {"100 100 50 255"}, 1.0, groups("R10,180,155 r12,180,205 w13,180"));
+    row("gray: uniform row, closed at its last pixel", GrayLinear, {"100 100 100 100"}, 1.0,
+        groups("R10,180,155 e13,180"));
+    row("gray: change in a burn, no M107", GrayLinear, {"100 100 50 255"}, 1.0,
+        groups("R10,180,155 r12,180,205 w13,180"));
     // Leftward rows read the word at the pixel's byte (bytes c + 2, c + 1, c as R, G, B);
     // column 3 reaches into the next row. Grays 230, 153, 100, 100.
-    row("gray: leftward row reads 32-bit words", GrayLinear, {"255 255 255 255", "100 100 100 100", "255 255 255 255"}, 1.0,
-        groups("L13,179,25 l12,179,102 l11,179,155 e10,179"));
+    row("gray: leftward row reads 32-bit words", GrayLinear, {"255 255 255 255", "100 100 100 100", "255 255 255 255"},
+        1.0, groups("L13,179,25 l12,179,102 l11,179,155 e10,179"));
     row("gray: W - 1 not a multiple of k, open", GrayLinear, {"100 100 100 100"}, 0.05, groups("R10,180,155"));
-    row("gray: W - 1 a multiple of k, closed", GrayLinear, {"100 100 100 100 100"}, 0.05, groups("R10,180,155 e10.2,180"));
+    row("gray: W - 1 a multiple of k, closed", GrayLinear, {"100 100 100 100 100"}, 0.05,
+        groups("R10,180,155 e10.2,180"));
     // k = 2: rows 0 and 4 go right, row 2 left (its column 0 reads 0, 255, 255: gray 215).
     row("gray: sampled rows alternate right, left, right", GrayLinear,
         {"0 255 255 255 255", "0 0 0 0 0", "0 255 255 255 255", "0 0 0 0 0", "0 255 255 255 255"}, 0.05,
         groups("R10,180,255 w10.1,180 e10,179.9 R10,179.8,255 w10.1,179.8"));
-    row("gray: same gray after white, no open", GrayLinear, {"100 255 100 100 255"}, 1.0, groups("R10,180,155 w11,180"));
+    row("gray: same gray after white, no open", GrayLinear, {"100 255 100 100 255"}, 1.0,
+        groups("R10,180,155 w11,180"));
     row("gray: linear power, 6 digits", GrayLinear, {"128 255"}, 1.0, groups("R10,180,49.8039 w11,180"), 100);
 
     // The correction curve, printed with three decimals.
-    const struct { const char *name; int gray; float power; const char *burn; } curve[] = {
+    const struct
+    {
+        const char *name;
+        int gray;
+        float power;
+        const char *burn;
+    } curve[] = {
         {"curve: full black at full power stays below 255", 0, 255, "220.113"},
         {"curve: the top, s = 241", 14, 255, "221.757"},
         {"curve: nearly white, middle piece", 254, 255, "19.348"},
@@ -261,12 +272,13 @@ void TestBitmap2Gcode::outputCannotBeCreated_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<QString>("language");
-    QTest::addColumn<QStringList>("boxes");   // title|text|icon of each box that came up
+    QTest::addColumn<QStringList>("boxes");  // title|text|icon of each box that came up
 
     const QString critical = QString::number(QMessageBox::Critical);
     const QStringList chinese = {QString::fromUtf8("提示|无法创建文件|") + critical};
     QTest::newRow("black/white, no language stored") << int(BlackWhite) << QString() << chinese;
-    QTest::newRow("linear gray, English") << int(GrayLinear) << "English" << QStringList{"Notice|Can't creat file|" + critical};
+    QTest::newRow("linear gray, English")
+        << int(GrayLinear) << "English" << QStringList{"Notice|Can't creat file|" + critical};
     QTest::newRow("corrected gray, Chinese") << int(GrayCorrected) << "Chinese" << chinese;
     QTest::newRow("black/white, Korean shows nothing") << int(BlackWhite) << "Korean" << QStringList();
 }
@@ -303,8 +315,8 @@ void TestBitmap2Gcode::badInput_data()
     QTest::addColumn<int>("kind");
     QTest::addColumn<QImage>("image");
     QTest::addColumn<double>("scale");
-    QTest::addColumn<int>("burns");   // "M106 S" lines after the frame; -1: refused, no file
-    QTest::addColumn<int>("stops");   // "M107" lines before the footer
+    QTest::addColumn<int>("burns");  // "M106 S" lines after the frame; -1: refused, no file
+    QTest::addColumn<int>("stops");  // "M107" lines before the footer
 
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const QImage black3 = black(3, 3, QImage::Format_RGB32);
@@ -319,15 +331,17 @@ void TestBitmap2Gcode::badInput_data()
     QTest::newRow("NaN scale refused") << int(BlackWhite) << black3 << nan << -1 << 0;
     QTest::newRow("NaN scale, corrected gray refused") << int(GrayCorrected) << black3 << nan << -1 << 0;
     QTest::newRow("null picture, infinite scale refused") << int(BlackWhite) << QImage() << inf << -1 << 0;
-    QTest::newRow("extent overflowing refused") << int(GrayLinear) << black(1, 20, QImage::Format_Grayscale8)
-                                                << 1e308 << -1 << 0;
+    QTest::newRow("extent overflowing refused")
+        << int(GrayLinear) << black(1, 20, QImage::Format_Grayscale8) << 1e308 << -1 << 0;
     // One pixel a row: the burn opens at the row's last pixel and is never closed.
-    QTest::newRow("1 x 100000, black/white") << int(BlackWhite) << black(1, 100000, QImage::Format_RGB32) << 0.1 << 100000 << 0;
+    QTest::newRow("1 x 100000, black/white")
+        << int(BlackWhite) << black(1, 100000, QImage::Format_RGB32) << 0.1 << 100000 << 0;
     // One pixel a row: the first pixel is also the last, which closes without opening.
-    QTest::newRow("1 x 100000, gray") << int(GrayCorrected) << black(1, 100000, QImage::Format_Grayscale8) << 0.1 << 0 << 100000;
+    QTest::newRow("1 x 100000, gray") << int(GrayCorrected) << black(1, 100000, QImage::Format_Grayscale8) << 0.1 << 0
+                                      << 100000;
     // The leftward row reads a word that runs past the last pixel of the picture.
-    QTest::newRow("leftward word at the end of the picture") << int(GrayLinear) << black(4, 2, QImage::Format_Grayscale8)
-                                                             << 1.0 << 2 << 2;
+    QTest::newRow("leftward word at the end of the picture")
+        << int(GrayLinear) << black(4, 2, QImage::Format_Grayscale8) << 1.0 << 2 << 2;
 }
 
 void TestBitmap2Gcode::badInput()
@@ -341,8 +355,9 @@ void TestBitmap2Gcode::badInput()
     Bitmap2Gcode generator;
     setUp(generator);
     if (burns < 0)
-        QTest::ignoreMessage(QtWarningMsg, qPrintable(QStringLiteral(
-            "No G-code written: the picture's size, position or power is not a number")));
+        QTest::ignoreMessage(
+            QtWarningMsg,
+            qPrintable(QStringLiteral("No G-code written: the picture's size, position or power is not a number")));
     const QByteArray text = run(generator, kind, image, scale);
     QCOMPARE(generator.LastRefusal().isEmpty(), burns >= 0);
     if (burns < 0) {
@@ -406,7 +421,10 @@ void TestBitmap2Gcode::fastPathSameBytes()
         }
         lines += out[1].count('\n');
         QVERIFY2(out[0] == out[1], qPrintable(QStringLiteral("picture %1: %2 x %3 at scale %4")
-                                                  .arg(i).arg(image.width()).arg(image.height()).arg(scale)));
+                                                  .arg(i)
+                                                  .arg(image.width())
+                                                  .arg(image.height())
+                                                  .arg(scale)));
     }
     // Header, frame and footer are 19 lines a file; most of what was compared must be scan lines.
     QVERIFY2(lines > 19 * pictures * 3, qPrintable(QString::number(lines)));
@@ -425,16 +443,18 @@ void TestBitmap2Gcode::zText()
         const float z = range == 0 ? counter : range == 1 ? float((i / 3) % 32769) : float(random.bounded(32768.0));
         const QByteArray plain = RasterGcodeWriter::zText(z).toLatin1();
         if (RasterGcodeWriter::quickZText(z) != plain)
-            QFAIL(qPrintable(QStringLiteral("counter %1: %2 instead of %3").arg(double(z), 0, 'g', 9)
-                                 .arg(QString::fromLatin1(RasterGcodeWriter::quickZText(z)), QString::fromLatin1(plain))));
+            QFAIL(qPrintable(
+                QStringLiteral("counter %1: %2 instead of %3")
+                    .arg(double(z), 0, 'g', 9)
+                    .arg(QString::fromLatin1(RasterGcodeWriter::quickZText(z)), QString::fromLatin1(plain))));
     }
 }
 
 void TestBitmap2Gcode::pictures_data()
 {
-    QTest::addColumn<bool>("halftone");   // the 5 x 5 halftone, else the error diffusion
+    QTest::addColumn<bool>("halftone");  // the 5 x 5 halftone, else the error diffusion
     QTest::addColumn<QImage>("image");
-    QTest::addColumn<QVector<uint>>("expected");   // words of the result; empty: returned as it came
+    QTest::addColumn<QVector<uint>>("expected");  // words of the result; empty: returned as it came
 
     // 'X' black, '.' white, 'o' as it was, row by row; pixel (0, 0) takes gray `corner` unless -1.
     const auto halftone = [](const char *name, QSize size, int gray, QString marks, int corner = -1) {
@@ -445,7 +465,9 @@ void TestBitmap2Gcode::pictures_data()
         marks.remove(QLatin1Char(' '));
         QVector<uint> words;
         for (int i = 0; i < marks.size(); ++i)
-            words << (marks[i] == 'X' ? 0xff000000u : marks[i] == '.' ? 0xffffffffu : word(image, i % size.width(), i / size.width()));
+            words << (marks[i] == 'X'   ? 0xff000000u
+                      : marks[i] == '.' ? 0xffffffffu
+                                        : word(image, i % size.width(), i / size.width()));
         QTest::newRow(name) << true << image << words;
     };
     const char *const same = "ooooo ooooo ooooo ooooo ooooo";
@@ -463,7 +485,8 @@ void TestBitmap2Gcode::pictures_data()
     halftone("mean 10: D", cell, 10, d);
     halftone("mean 9: black", cell, 9, "XXXXX XXXXX XXXXX XXXXX XXXXX");
     halftone("red is gray 87: C", cell, -1, c);
-    halftone("7 x 6: one cell, the rest untouched", QSize(7, 6), 100, "..X..oo .XXX.oo XXXXXoo .XXX.oo ..X..oo ooooooo");
+    halftone("7 x 6: one cell, the rest untouched", QSize(7, 6), 100,
+             "..X..oo .XXX.oo XXXXXoo .XXX.oo ..X..oo ooooooo");
 
     QImage indexed(5, 3, QImage::Format_Indexed8);
     indexed.setColorTable({qRgb(0, 0, 0), qRgb(200, 200, 200)});
@@ -476,14 +499,16 @@ void TestBitmap2Gcode::pictures_data()
     light.fill(qRgb(100, 100, 100));
     light.setPixel(2, 0, 0xff80ffc8u);
     QTest::newRow("diffusion: light pixel, error borrows across bytes")
-        << false << light << QVector<uint>{0xffffffff, 0xffffffff, 0xffffffff, 0xfe5f5f5e, 0xfe5f5f5e, 0xfdffffff, 0xfdfafaf9,
-            0xfe5f5f5e, 0xff5f5f5e, 0xff646464, 0xfeffffff, 0xfeffffff, 0xff5f5f5e, 0xff646464, 0xff646464};
+        << false << light
+        << QVector<uint>{0xffffffff, 0xffffffff, 0xffffffff, 0xfe5f5f5e, 0xfe5f5f5e, 0xfdffffff, 0xfdfafaf9, 0xfe5f5f5e,
+                         0xff5f5f5e, 0xff646464, 0xfeffffff, 0xfeffffff, 0xff5f5f5e, 0xff646464, 0xff646464};
     // Gray 60 turns black and leaves 7 (0xff070707); on the white margin it carries over.
     QImage dark(5, 3, QImage::Format_ARGB32);
     dark.fill(qRgb(60, 60, 60));
     QTest::newRow("diffusion: dark pixel, error carries across bytes")
-        << false << dark << QVector<uint>{0xffffffff, 0xffffffff, 0xff000000, 0xfd434343, 0xfd434343, 0xfdffffff, 0xfd070706,
-            0xfd434343, 0xfe434343, 0xff3c3c3c, 0xfeffffff, 0xfeffffff, 0xfe434343, 0xff3c3c3c, 0xff3c3c3c};
+        << false << dark
+        << QVector<uint>{0xffffffff, 0xffffffff, 0xff000000, 0xfd434343, 0xfd434343, 0xfdffffff, 0xfd070706, 0xfd434343,
+                         0xfe434343, 0xff3c3c3c, 0xfeffffff, 0xfeffffff, 0xfe434343, 0xff3c3c3c, 0xff3c3c3c};
     // Too few rows to diffuse: a white margin of two columns, gray 108 elsewhere.
     QImage small(3, 2, QImage::Format_ARGB32);
     small.fill(qRgb(10, 200, 30));

@@ -36,8 +36,7 @@ QString pixelsOf(const QImage &image)
 }
 
 // The moves of `gcode` in the order `interpreter` hands them out.
-QList<ToolpathMove> movesOf(GcodeInterpreter &interpreter, const QByteArray &gcode,
-                            ToolpathSummary *summary = nullptr)
+QList<ToolpathMove> movesOf(GcodeInterpreter &interpreter, const QByteArray &gcode, ToolpathSummary *summary = nullptr)
 {
     QList<ToolpathMove> moves;
     interpreter.setMoveHandler([&moves](const ToolpathMove &m) { moves << m; });
@@ -59,7 +58,7 @@ QImage render(const QByteArray &gcode, double pxPerMm, bool travel = false, bool
     return renderer.image();
 }
 
-} // namespace
+}  // namespace
 
 class TestGcodeInterpreter : public QObject
 {
@@ -160,9 +159,15 @@ private slots:
         QFETCH(QString, expected);
         GcodeInterpreter interpreter;
         const ToolpathSummary s = interpreter.run(gcode);
-        QCOMPARE(QStringLiteral("%1 %2(%3) %4 %5 %6 %7/%8").arg(s.lines).arg(s.linesNotUnderstood)
-                     .arg(s.firstLineNotUnderstood).arg(s.moves).arg(s.burnMoves).arg(ToolpathReport::extentText(s))
-                     .arg(s.burnMovesOutside).arg(s.travelMovesOutside),
+        QCOMPARE(QStringLiteral("%1 %2(%3) %4 %5 %6 %7/%8")
+                     .arg(s.lines)
+                     .arg(s.linesNotUnderstood)
+                     .arg(s.firstLineNotUnderstood)
+                     .arg(s.moves)
+                     .arg(s.burnMoves)
+                     .arg(ToolpathReport::extentText(s))
+                     .arg(s.burnMovesOutside)
+                     .arg(s.travelMovesOutside),
                  expected);
     }
 
@@ -197,7 +202,7 @@ private slots:
         QCOMPARE(pieces.last().z1, -1.0);
         for (const ToolpathMove &m : pieces) {
             QVERIFY(qAbs(std::hypot(m.x1 - 50, m.y1 - 50) - 10) < 1e-9);
-            QVERIFY(m.x1 >= 50 - 1e-9 && m.y1 <= 50 + 1e-9);   // clockwise: the lower right quarter
+            QVERIFY(m.x1 >= 50 - 1e-9 && m.y1 <= 50 + 1e-9);  // clockwise: the lower right quarter
         }
     }
 
@@ -210,8 +215,8 @@ private slots:
         QByteArray text = "M106 S255\n";
         const int lines = 200000;
         for (int i = 1; i <= lines; ++i)
-            text += "G1 X" + QByteArray::number(i % 2 ? 10 : 0) + " Y" + QByteArray::number(i * 0.0005, 'f', 4)
-                    + " F600\n";
+            text +=
+                "G1 X" + QByteArray::number(i % 2 ? 10 : 0) + " Y" + QByteArray::number(i * 0.0005, 'f', 4) + " F600\n";
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
         file.close();
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -319,7 +324,8 @@ private slots:
     void depthColours()
     {
         const QImage image = render("G0 X0 Y1 Z2\nM3 S1000\nG1 Z-1 F100\nG1 X2\nG1 Z-3\nG1 X4\n"
-                                    "G0 Z2\nG0 X0 Y3\nG1 Z0\nG1 X2\n", 1, false, true);
+                                    "G0 Z2\nG0 X0 Y3\nG1 Z0\nG1 X2\n",
+                                    1, false, true);
         // The deepest cut gets the deep colour, the shallowest the shallow one, between in between.
         QCOMPARE(image.pixel(2, 199), ToolpathRenderer::DeepColour);
         QCOMPARE(image.pixel(0, 197), ToolpathRenderer::ShallowColour);
@@ -334,18 +340,19 @@ private slots:
         // Only the parts beyond the area make the outside box: the burn past X 170 and the start
         // of the way home.
         const ToolpathSummary edge = interpreter.run(QByteArray("M106 S255\nG0 X160 Y10\nG1 X180 F600\nG28\n"));
-        QCOMPARE(QStringLiteral("%1 %2 %3 %4").arg(edge.outMinX).arg(edge.outMaxX).arg(edge.outMinY, 0, 'f', 3)
+        QCOMPARE(QStringLiteral("%1 %2 %3 %4")
+                     .arg(edge.outMinX)
+                     .arg(edge.outMaxX)
+                     .arg(edge.outMinY, 0, 'f', 3)
                      .arg(edge.outMaxY),
                  QStringLiteral("170 180 9.444 10"));
 
-        const ToolpathSummary inside =
-            interpreter.run(QByteArray("G1 F600\nM106 S255\nG1 X10.125 Y20\nG1 X12.5\n"));
+        const ToolpathSummary inside = interpreter.run(QByteArray("G1 F600\nM106 S255\nG1 X10.125 Y20\nG1 X12.5\n"));
         QCOMPARE(ToolpathReport::summaryLine(inside),
                  QStringLiteral("Lines: 4  Burn moves: 2  Extent: 0..12.5 x 0..20 mm  Estimated time: %1")
                      .arg(EstimatedTimeText(float(inside.seconds))));
         QCOMPARE(ToolpathReport::outsideLine(inside), QString());
-        const ToolpathSummary outside =
-            interpreter.run(QByteArray("M106 S255\nG1 X-0.5 Y201 F600\nM107\nG0 X171\n"));
+        const ToolpathSummary outside = interpreter.run(QByteArray("M106 S255\nG1 X-0.5 Y201 F600\nM107\nG0 X171\n"));
         QCOMPARE(ToolpathReport::outsideLine(outside),
                  QStringLiteral("Outside the work area: 1 burn move and 1 travel move reach X down to -0.5 mm, "
                                 "X up to 171 mm, Y up to 201 mm (the area is X 0..170 x Y 0..200 mm)"));

@@ -144,7 +144,7 @@ QVector<int> referenceOrder(const QPolygonF &starts, long long seconds)
     return order;
 }
 
-} // namespace
+}  // namespace
 
 class TestSvg2GcodeP : public QObject
 {
@@ -177,8 +177,8 @@ void TestSvg2GcodeP::exactGcode_data()
     QTest::addColumn<QString>("debugLine");
     const auto row = [](const char *name, const QByteArray &svg, int mode, QSize size, const QStringList &body,
                         const char *debugLine, int power = 232, QPointF place = QPointF()) {
-        QTest::newRow(name) << svg << mode << size << place << power << QStringList{"; job\n"} << "; job\n" << body
-                            << QString::fromLatin1(debugLine);
+        QTest::newRow(name) << svg << mode << size << place << power << QStringList{"; job\n"} << "; job\n"
+                            << body << QString::fromLatin1(debugLine);
     };
     const auto header = [](const char *name, const QStringList &headers, const QString &written) {
         QTest::newRow(name) << mmSvg("") << 0 << QSize(8, 8) << QPointF() << 232 << headers << written << QStringList()
@@ -205,11 +205,12 @@ void TestSvg2GcodeP::exactGcode_data()
         "total paths 1, total points 1");
     row("cubic split once, then a line, CNC", mmSvg("<path d='M0 0 C0 1 4 1 4 0 L4 3'/>"), 1, QSize(8, 6),
         QStringList{"M107", "G0 X0.0 Y201.0 Z0.0000 F11880.0", "M106 S255", "G4 P0.5", "G1 F594.0 ", "G1 Z-1.5 "}
-            + point("G1 X4.0 Y199.5 Z0.000 ") + point("G1 X8.0 Y201.0 Z0.000 ") + point("G1 X8.0 Y195.0 Z0.000 ") + cncEnd,
+            + point("G1 X4.0 Y199.5 Z0.000 ") + point("G1 X8.0 Y201.0 Z0.000 ") + point("G1 X8.0 Y195.0 Z0.000 ")
+            + cncEnd,
         "shapes 1");
     // The open path returns to its start (the next path's flag is read); the closed one does not.
-    row("open path then closed path, laser",
-        mmSvg("<path d='M0 0 L10 0 L10 10'/><path d='M12 0 L20 0 L20 10 Z'/>", 20), 0, QSize(20, 10),
+    row("open path then closed path, laser", mmSvg("<path d='M0 0 L10 0 L10 10'/><path d='M12 0 L20 0 L20 10 Z'/>", 20),
+        0, QSize(20, 10),
         laserStart + point("G1 X10.0 Y201.0 Z0.000 ") + point("G1 X10.0 Y191.0 Z0.000 ")
             + QStringList{"M107", "G0 X0.0 Y201.0 Z0.002 ", "M107", "G0 F11880.0 ", "M107",
                           "G0 X12.0 Y201.0 Z0.0002 F11880.0", "M106 S232 ", "G1 F594.0 "}
@@ -223,9 +224,11 @@ void TestSvg2GcodeP::exactGcode_data()
             + point("G1 X0.0 Y201.0 Z0.000 ", s255) + laserEnd,
         "bounds 0=0.000000 1=0.000000 2=5080.000000 3=7620.000000", 255);
     row("no shapes", mmSvg("<g><text>only words</text></g>"), 0, QSize(8, 8), {}, "shapes 0");
-    header("header: a shorter one keeps the older tail", {"; a longer earlier header\n", "; new\n"}, "; new\nnger earlier header\n");
+    header("header: a shorter one keeps the older tail", {"; a longer earlier header\n", "; new\n"},
+           "; new\nnger earlier header\n");
     header("header: an empty one changes nothing", {"; kept\n", ""}, "; kept\n");
-    header("header: longer than the buffer, cut at 64 bytes", {QString(70, QLatin1Char('x'))}, QString(64, QLatin1Char('x')));
+    header("header: longer than the buffer, cut at 64 bytes", {QString(70, QLatin1Char('x'))},
+           QString(64, QLatin1Char('x')));
     header("header: characters outside Latin-1 become ?", {"; \u00e9\u4e2d\n"}, "; \u00e9?\n");
 }
 
@@ -245,8 +248,9 @@ void TestSvg2GcodeP::exactGcode()
     const auto mm = [](double v) { return QString::number(v, 'f', 2); };
     const QString l = mm(place.x()), r = mm(place.x() + size.width()), t = mm(200 - place.y()),
                   b = mm(200 - place.y() - size.height());
-    const QStringList frame = {"G0 X" + l + " Y" + t + " F4600", "M106 S5 ", "G0 X" + r + " Y" + t + " ",
-                               "G0 X" + r + " Y" + b + " ", "G0 X" + l + " Y" + b + " ", "G0 X" + l + " Y" + t + " "};
+    const QStringList frame = {"G0 X" + l + " Y" + t + " F4600", "M106 S5 ",
+                               "G0 X" + r + " Y" + t + " ",      "G0 X" + r + " Y" + b + " ",
+                               "G0 X" + l + " Y" + b + " ",      "G0 X" + l + " Y" + t + " "};
     const QStringList start = QStringList{"G1 F2000 ", "G28 X0 Y0  ;move X/Y to min endstops "} + frame + frame;
     const QStringList end = body + QStringList{"M107", "G28", ""};
     QString debug;
@@ -280,7 +284,8 @@ void TestSvg2GcodeP::zCounter()
     Job job;
     job.mode = mode;
     const QStringList moves = exportSvg(mmSvg(zigzag + "'/>", 20), job)
-                                  .split(QLatin1Char('\n')).filter(QRegularExpression(QStringLiteral("^G1 X")));
+                                  .split(QLatin1Char('\n'))
+                                  .filter(QRegularExpression(QStringLiteral("^G1 X")));
     QCOMPARE(moves.size(), 60);
     QVERIFY2(moves[2 * (pointNumber - 1)].endsWith(z), qPrintable(moves[2 * (pointNumber - 1)]));
 }
@@ -351,11 +356,11 @@ void TestSvg2GcodeP::estimatedTime()
 
 void TestSvg2GcodeP::badInput_data()
 {
-    QTest::addColumn<QByteArray>("svg");      // empty: no input file
+    QTest::addColumn<QByteArray>("svg");  // empty: no input file
     QTest::addColumn<QString>("output");
     QTest::addColumn<bool>("scalable");
-    QTest::addColumn<int>("moves");           // -1, -2: fails with this result and no output file
-    QTest::addColumn<QString>("printed");     // printed once in the debug output
+    QTest::addColumn<int>("moves");        // -1, -2: fails with this result and no output file
+    QTest::addColumn<QString>("printed");  // printed once in the debug output
 
     const QByteArray good = mmSvg("<path d='M0 0 l1 0 l1 0'/>");
     const QString cannotOpen = QStringLiteral("error: Can't open input in.svg\n");
@@ -368,7 +373,8 @@ void TestSvg2GcodeP::badInput_data()
     QTest::newRow("vertical line") << mmSvg("<path d='M5 0 l0 5 l0 5'/>") << "out.gcode" << false << -2 << "shapes 1\n";
     QTest::newRow("missing input") << QByteArray() << "out.gcode" << false << -1 << cannotOpen;
     QTest::newRow("malformed input") << QByteArray("<svg><path d='M0 0 L1") << "out.gcode" << false << -1 << cannotOpen;
-    QTest::newRow("not XML") << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16) << "out.gcode" << false << -1 << cannotOpen;
+    QTest::newRow("not XML") << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16) << "out.gcode" << false << -1
+                             << cannotOpen;
     QTest::newRow("output folder missing") << good << "nowhere/out.gcode" << true << -1 << "shapes 1\n";
     QByteArray longPath = "<path d='M0 0";
     for (int i = 0; i < 100000; ++i)
@@ -376,8 +382,8 @@ void TestSvg2GcodeP::badInput_data()
     // A parabola tall enough to be split down to the depth limit everywhere: 4096 pieces, of which
     // 4095 are written (the last place was overwritten), then the line's end.
     QTest::newRow("segment flattened past 4096 points")
-        << mmSvg("<path d='M0 0 C8388608 4194304 16777216 4194304 25165824 0 L25165824 1'/>", 100) << "out.gcode" << true
-        << 2 * (4095 + 1) << "?!bez count\n";
+        << mmSvg("<path d='M0 0 C8388608 4194304 16777216 4194304 25165824 0 L25165824 1'/>", 100) << "out.gcode"
+        << true << 2 * (4095 + 1) << "?!bez count\n";
     QTest::newRow("100000 segments") << mmSvg(longPath + "'/>", 1000) << "out.gcode" << true << 200000 << "shapes 1\n";
 }
 
@@ -396,7 +402,8 @@ void TestSvg2GcodeP::badInput()
     in.close();
     QCOMPARE(Svg2GcodeP::CanScale(QStringLiteral("in.svg")), scalable);
     int result = 0;
-    const QString debug = printedBy([&] { result = pathconv_convert("in.svg", QFile::encodeName(output).constData(), 1); });
+    const QString debug =
+        printedBy([&] { result = pathconv_convert("in.svg", QFile::encodeName(output).constData(), 1); });
     QVERIFY2(debug.count(printed) == 1, qPrintable(debug.left(500)));
     QCOMPARE(result, moves < 0 ? moves : 0);
     const QString gcode = readFile(output);

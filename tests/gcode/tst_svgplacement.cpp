@@ -49,7 +49,7 @@ void configure(Svg2GcodeP &gen)
     Svg2GcodeP::UseFixedSeed(7);
 }
 
-} // namespace
+}  // namespace
 
 class TestSvgPlacement : public QObject
 {
@@ -118,7 +118,8 @@ void TestSvgPlacement::offsetAsArguments()
     QCOMPARE(TestFiles::read("file.gcode"), expected);
     QCOMPARE(TestFiles::read("drawing.gcode"), expected);
     // The frame starts at the offset; machine Y is flipped against the 200 mm height.
-    const QByteArray frame = QStringLiteral("\nG0 X%1 Y%2 F4600\n").arg(x, 0, 'f', 2).arg(200 - y, 0, 'f', 2).toLatin1();
+    const QByteArray frame =
+        QStringLiteral("\nG0 X%1 Y%2 F4600\n").arg(x, 0, 'f', 2).arg(200 - y, 0, 'f', 2).toLatin1();
     QVERIFY2(expected.contains(frame), expected.constData());
 }
 

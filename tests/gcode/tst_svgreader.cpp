@@ -14,7 +14,8 @@ QString dump(const SvgImage *image)
         for (const SvgPath &path : shape.paths) {
             QStringList pts;
             for (int i = 0; i < path.npts(); ++i)
-                pts << QStringLiteral("%1,%2").arg(double(path.pts[2 * i]), 0, 'g', 6)
+                pts << QStringLiteral("%1,%2")
+                           .arg(double(path.pts[2 * i]), 0, 'g', 6)
                            .arg(double(path.pts[2 * i + 1]), 0, 'g', 6);
             paths << (path.closed ? QStringLiteral("Z:") : QString()) + pts.join(QLatin1Char(' '));
         }
@@ -26,8 +27,8 @@ QString dump(const SvgImage *image)
 // A document whose user unit is one millimetre, so coordinates come out as written.
 QByteArray mmDocument(const QByteArray &body)
 {
-    return "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"100mm\" height=\"100mm\" viewBox=\"0 0 100 100\">"
-           + body + "</svg>";
+    return "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"100mm\" height=\"100mm\" viewBox=\"0 0 100 100\">" + body
+           + "</svg>";
 }
 
 QString parseDump(const QByteArray &document)
@@ -40,7 +41,7 @@ QString parseDump(const QByteArray &document)
     return text;
 }
 
-} // namespace
+}  // namespace
 
 class TestSvgReader : public QObject
 {
@@ -76,9 +77,11 @@ void TestSvgReader::elements_data()
     row("a drawing command after Z starts at the old start", "<path d='M0 0 L3 0 Z l0 3'/>",
         "Z:0,0 1,0 2,0 3,0 2,0 1,0 0,0 | 0,0 0,1 0,2 0,3");
     row("quadratic raised to cubic", "<path d='M0 0 Q3 3 6 0'/>", "0,0 2,2 4,2 6,0");
-    row("S reflects the last control point", "<path d='M0 0 C0 3 3 3 3 0 S6 -3 6 0'/>", "0,0 0,3 3,3 3,0 3,-3 6,-3 6,0");
+    row("S reflects the last control point", "<path d='M0 0 C0 3 3 3 3 0 S6 -3 6 0'/>",
+        "0,0 0,3 3,3 3,0 3,-3 6,-3 6,0");
     row("T reflects the last quadratic point", "<path d='M0 0 Q3 3 6 0 T12 0'/>", "0,0 2,2 4,2 6,0 8,-2 10,-2 12,0");
-    row("S after a line uses the pen as first control", "<path d='M0 0 L3 0 S6 3 6 0'/>", "0,0 1,0 2,0 3,0 3,0 6,3 6,0");
+    row("S after a line uses the pen as first control", "<path d='M0 0 L3 0 S6 3 6 0'/>",
+        "0,0 1,0 2,0 3,0 3,0 6,3 6,0");
     row("quarter arc is one cubic", "<path d='M10 0 A10 10 0 0 1 0 10'/>", "10,0 10,5.52285 5.52285,10 0,10");
     row("half arc is two cubics, flags written together", "<path d='M0 0a3 3 0 016 0'/>",
         "0,0 0,-1.65685 1.34315,-3 3,-3 4.65685,-3 6,-1.65685 6,0");
@@ -95,7 +98,8 @@ void TestSvgReader::elements_data()
     row("matrix", line + " transform='matrix(0 1 -1 0 5 5)'/>", "5,5 5,6 5,7 5,8");
     row("one shape per element", line + "/><line x1='0' y1='3' x2='3' y2='3'/>", "0,0 1,0 2,0 3,0\n0,3 1,3 2,3 3,3");
     row("display none, as attribute and in style, hides the subtree",
-        line + " display='none'/><g style='fill:red; display : none'>" + line + "/></g><line x1='0' y1='3' x2='3' y2='3'/>",
+        line + " display='none'/><g style='fill:red; display : none'>" + line
+            + "/></g><line x1='0' y1='3' x2='3' y2='3'/>",
         "0,3 1,3 2,3 3,3");
     row("defs, text, images and gradients are not drawn",
         "<defs><path d='M0 0 L3 0'/></defs><text x='1' y='1'>hi</text><image href='x.png' width='5' height='5'/>"
@@ -105,8 +109,9 @@ void TestSvgReader::elements_data()
     row("bad path data keeps what came before", "<path d='M0 0 L3 0 L x 5'/>", "0,0 1,0 2,0 3,0");
     row("path data not starting with a moveto draws nothing", "<path d='L3 0 L3 3'/>", "");
     const int depth = 20000;
-    row("20000 nested groups, each moving by 1", QByteArray("<g transform='translate(1,0)'>").repeated(depth) + line + "/>"
-        + QByteArray("</g>").repeated(depth), "20000,0 20001,0 20002,0 20003,0");
+    row("20000 nested groups, each moving by 1",
+        QByteArray("<g transform='translate(1,0)'>").repeated(depth) + line + "/>" + QByteArray("</g>").repeated(depth),
+        "20000,0 20001,0 20002,0 20003,0");
 }
 
 void TestSvgReader::elements()
@@ -137,9 +142,10 @@ void TestSvgReader::units_data()
         "<line x1='1' y1='2' x2='4' y2='2'/>", "0,0 254,0 508,0 762,0");
     row("no size at all: px, shifted", "", "<line x1='-1' y1='5' x2='2' y2='5'/>", "0,0 254,0 508,0 762,0");
     row("viewBox without size", "viewBox='0 0 10 10'", line, "0,0 254,0 508,0 762,0");
-    row("viewBox origin", "width='100mm' height='100mm' viewBox='10 10 100 100'", "<line x1='10' y1='10' x2='13' y2='10'/>",
-        "0,0 1,0 2,0 3,0");
-    row("aspect kept and centred", "width='100mm' height='50mm' viewBox='0 0 100 100'", line, "25,0 25.5,0 26,0 26.5,0");
+    row("viewBox origin", "width='100mm' height='100mm' viewBox='10 10 100 100'",
+        "<line x1='10' y1='10' x2='13' y2='10'/>", "0,0 1,0 2,0 3,0");
+    row("aspect kept and centred", "width='100mm' height='50mm' viewBox='0 0 100 100'", line,
+        "25,0 25.5,0 26,0 26.5,0");
     row("aspect none stretches", "width='100mm' height='50mm' viewBox='0 0 100 100' preserveAspectRatio='none'",
         "<line x1='0' y1='2' x2='3' y2='2'/>", "0,1 1,1 2,1 3,1");
     row("zero width collapses x without failing", "width='0' height='10mm' viewBox='0 0 10 10'",
@@ -159,7 +165,7 @@ void TestSvgReader::lengths_data()
     QTest::addColumn<QByteArray>("svgTag");
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QString>("expected");
-    QTest::addColumn<double>("stroke");   // the first shape's pen width
+    QTest::addColumn<double>("stroke");  // the first shape's pen width
     // One user unit is one millimetre of output in both documents; the second starts its
     // viewBox at (10, 20), which comes out at 0, 0.
     const QByteArray mm = "width='100mm' height='100mm' viewBox='0 0 100 100'";
@@ -168,7 +174,7 @@ void TestSvgReader::lengths_data()
                         double stroke = 1) {
         QTest::newRow(name) << tag << body << QString::fromLatin1(expected) << stroke;
     };
-    const QByteArray thirds = "0,0 32,0 64,0 96,0";   // a line from 0 to 96 user units (1 in)
+    const QByteArray thirds = "0,0 32,0 64,0 96,0";  // a line from 0 to 96 user units (1 in)
 
     row("mm at 96 dpi", mm, "<line x1='0' y1='0' x2='25.4mm' y2='0'/>", thirds);
     row("cm", mm, "<line x1='0' y1='0' x2='2.54cm' y2='0'/>", thirds);
@@ -176,11 +182,12 @@ void TestSvgReader::lengths_data()
     row("pt", mm, "<line x1='0' y1='0' x2='72pt' y2='0'/>", thirds);
     row("pc", mm, "<line x1='0' y1='0' x2='6pc' y2='0'/>", thirds);
     row("px is a user unit", mm, "<line x1='0px' y1='0' x2='3px' y2='0'/>", "0,0 1,0 2,0 3,0");
-    row("rect width in mm on a 200-wide viewBox", wide,
-        "<rect x='10' y='20' width='26.4583mm' height='3'/>", "Z:0,0 33.3333,0 66.6666,0 99.9999,0 99.9999,1 "
+    row("rect width in mm on a 200-wide viewBox", wide, "<rect x='10' y='20' width='26.4583mm' height='3'/>",
+        "Z:0,0 33.3333,0 66.6666,0 99.9999,0 99.9999,1 "
         "99.9999,2 99.9999,3 66.6666,3 33.3333,3 0,3 0,2 0,1 0,0");
     row("percent: positions from the viewBox corner, sizes of its width and height", wide,
-        "<rect x='0%' y='0%' width='50%' height='3%'/>", "Z:0,0 33.3333,0 66.6667,0 100,0 100,1 100,2 100,3 "
+        "<rect x='0%' y='0%' width='50%' height='3%'/>",
+        "Z:0,0 33.3333,0 66.6667,0 100,0 100,1 100,2 100,3 "
         "66.6667,3 33.3333,3 0,3 0,2 0,1 0,0");
     row("percent radius of the normalised diagonal", wide, "<circle cx='50' cy='50' r='10%'/>",
         "Z:55.8114,30 55.8114,38.7324 48.7324,45.8114 40,45.8114 31.2676,45.8114 24.1886,38.7324 24.1886,30 "
@@ -201,8 +208,8 @@ void TestSvgReader::lengths_data()
     row("ellipse: ry alone stands for rx", mm, "<ellipse cx='5' cy='5' style='ry:2'/>",
         "Z:7,5 7,6.10457 6.10457,7 5,7 3.89543,7 3,6.10457 3,5 3,3.89543 3.89543,3 5,3 6.10457,3 7,3.89543 7,5");
     row("stroke width in mm, inherited, scaled by the transform", mm,
-        "<g stroke-width='0.5mm'><line x1='0' y1='0' x2='3' y2='0' transform='scale(2)'/></g>",
-        "0,0 2,0 4,0 6,0", 96 / 25.4);
+        "<g stroke-width='0.5mm'><line x1='0' y1='0' x2='3' y2='0' transform='scale(2)'/></g>", "0,0 2,0 4,0 6,0",
+        96 / 25.4);
     row("stroke width in the style", mm, "<line x1='0' y1='0' x2='3' y2='0' style='stroke-width:4%'/>",
         "0,0 1,0 2,0 3,0", 4);
 }
@@ -213,8 +220,8 @@ void TestSvgReader::lengths()
     QFETCH(QByteArray, body);
     QFETCH(QString, expected);
     QFETCH(double, stroke);
-    SvgImage *image = SvgReader::parse("<svg xmlns='http://www.w3.org/2000/svg' " + svgTag + ">" + body + "</svg>",
-                                       "mm", 0.1f);
+    SvgImage *image =
+        SvgReader::parse("<svg xmlns='http://www.w3.org/2000/svg' " + svgTag + ">" + body + "</svg>", "mm", 0.1f);
     QVERIFY(image && !image->shapes.empty());
     const QString got = dump(image);
     const double pen = image->shapes.front().strokeWidth;
@@ -236,8 +243,10 @@ void TestSvgReader::refused_data()
     QTest::newRow("binary garbage") << garbage;
     QTest::newRow("not an svg root") << QByteArray("<html><line x1='0' y1='0' x2='3' y2='0'/></html>");
     QTest::newRow("coordinate beyond a float") << QByteArray("<svg><line x1='0' y1='0' x2='1e37' y2='0'/></svg>");
-    QTest::newRow("document size beyond a float") << QByteArray("<svg width='1e37' height='1'><line x1='0' y1='0' x2='1' y2='0'/></svg>");
-    QTest::newRow("shift to the origin beyond a float") << QByteArray("<svg><line x1='-1e36' y1='0' x2='1e36' y2='0'/></svg>");
+    QTest::newRow("document size beyond a float")
+        << QByteArray("<svg width='1e37' height='1'><line x1='0' y1='0' x2='1' y2='0'/></svg>");
+    QTest::newRow("shift to the origin beyond a float")
+        << QByteArray("<svg><line x1='-1e36' y1='0' x2='1e36' y2='0'/></svg>");
 }
 
 void TestSvgReader::refused()

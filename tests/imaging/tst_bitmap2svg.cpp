@@ -38,9 +38,12 @@ QImage withRects(int w, int h, const QList<QPair<QRectF, QRgb>> &rects = {}, boo
 // Two square rings, the second with an island in its hole.
 QImage rings()
 {
-    return withRects(120, 60, {{QRect(5, 5, 40, 40), Ink}, {QRect(15, 15, 20, 20), Paper},
-                               {QRect(60, 5, 50, 50), Ink}, {QRect(70, 15, 30, 30), Paper},
-                               {QRect(80, 25, 10, 10), Ink}});
+    return withRects(120, 60,
+                     {{QRect(5, 5, 40, 40), Ink},
+                      {QRect(15, 15, 20, 20), Paper},
+                      {QRect(60, 5, 50, 50), Ink},
+                      {QRect(70, 15, 30, 30), Paper},
+                      {QRect(80, 25, 10, 10), Ink}});
 }
 
 // A ring between the two radii around (50, 50).
@@ -78,7 +81,7 @@ QImage renderEnclosedArea(QString svg, const QSize &size)
     return area;
 }
 
-} // namespace
+}  // namespace
 
 class TestBitmap2Svg : public QObject
 {
@@ -187,8 +190,10 @@ private slots:
         ScopedWorkDir dir;
         QList<QxPotrace::Polygon> polygons;
         QxPotrace::Polygon polygon;
-        const double awkward[] = {0, -0.0, 1e-5, 0.0001, 0.00012345675, 99999.95, 99999.4, 123456.7, -3.5, 0.3203125,
-                                  1.234375, 2.5, 999.9995, 1e-4 * 0.99999999, 64000.25, 0.1, 1.0 / 3, -1e-7, 1e9};
+        const double awkward[] = {
+            0,       -0.0,      1e-5,     0.0001, 0.00012345675, 99999.95,          99999.4,  123456.7,
+            -3.5,    0.3203125, 1.234375, 2.5,    999.9995,      1e-4 * 0.99999999, 64000.25, 0.1,
+            1.0 / 3, -1e-7,     1e9};
         for (double a : awkward)
             polygon.boundary << QPointF(a, 1.5) << QPointF(2, a) << QPointF(a, a);
         polygon.boundary << QPointF(1, 1) << QPointF(1, 1) << QPointF(1 + 1e-14, 1) << QPointF(0, 1.5 + 1e-13);
@@ -243,9 +248,8 @@ private slots:
         QFETCH(double, allowed);
         ScopedWorkDir dir;
         QVERIFY(withRects(30, 30).save("blank.png")
-                && withRects(40, 40, {{QRect(5, 5, 10, 10), Ink}}).save("square.png")
-                && rings().save("rings.png") && rings().save("rings.jpg", nullptr, 100)
-                && circleRing(40, 20).save("circle.png"));
+                && withRects(40, 40, {{QRect(5, 5, 10, 10), Ink}}).save("square.png") && rings().save("rings.png")
+                && rings().save("rings.jpg", nullptr, 100) && circleRing(40, 20).save("circle.png"));
 
         Bitmap2Svg tracer;
         QImage picture = withRects(40, 40);  // the last picture traced

@@ -58,7 +58,8 @@ QImage adaptiveByIntegral(const QImage &in)
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x)
             integral[size_t(y) * w + x] = PixelOps::Gray(in.pixel(x, y)) + (x ? integral[size_t(y) * w + x - 1] : 0)
-                + (y ? integral[size_t(y - 1) * w + x] : 0) - (x && y ? integral[size_t(y - 1) * w + x - 1] : 0);
+                                          + (y ? integral[size_t(y - 1) * w + x] : 0)
+                                          - (x && y ? integral[size_t(y - 1) * w + x - 1] : 0);
     auto at = [&](int x, int y) { return integral[size_t(y) * w + x]; };
     QImage out(w, h, QImage::Format_ARGB32);
     for (int y = 0; y < h; ++y) {
@@ -73,7 +74,7 @@ QImage adaptiveByIntegral(const QImage &in)
     return out;
 }
 
-} // namespace
+}  // namespace
 
 class TestImgBinaryEdit : public QObject
 {
@@ -133,10 +134,10 @@ private slots:
         QFETCH(QPoint, at);
         QFETCH(uint, expected);
 
-        const QImage out = op == "global" ? PixelOps::GlobalThreshold(picture, threshold)
-                : op == "inverted" ? PixelOps::InvertedThreshold(picture, threshold)
-                : op == "outline" ? PixelOps::Outline(PixelOps::InvertedThreshold(picture, threshold))
-                : PixelOps::AdaptiveThreshold(picture);
+        const QImage out = op == "global"     ? PixelOps::GlobalThreshold(picture, threshold)
+                           : op == "inverted" ? PixelOps::InvertedThreshold(picture, threshold)
+                           : op == "outline"  ? PixelOps::Outline(PixelOps::InvertedThreshold(picture, threshold))
+                                              : PixelOps::AdaptiveThreshold(picture);
         QCOMPARE(out.size(), picture.size());
         QCOMPARE(out.pixel(at), expected);
         if (op == "adaptive")  // every other pixel is white, and unlike the global threshold, opaque

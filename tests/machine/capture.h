@@ -19,17 +19,29 @@ inline QStringList args(const QSignalSpy &spy)
 }
 
 // Debug lines written by the test's own thread while it lives.
-struct MessageCapture {
-    static QStringList &lines() { static QStringList l; return l; }
-    MessageCapture() : m_old(qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &s) {
-        if (QThread::currentThread() == qApp->thread()) lines().append(s); })) { lines().clear(); }
+struct MessageCapture
+{
+    static QStringList &lines()
+    {
+        static QStringList l;
+        return l;
+    }
+    MessageCapture()
+        : m_old(qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &s) {
+              if (QThread::currentThread() == qApp->thread())
+                  lines().append(s);
+          }))
+    {
+        lines().clear();
+    }
     ~MessageCapture() { qInstallMessageHandler(m_old); }
     QStringList starting(const QString &prefix) const { return lines().filter(QRegExp("^" + QRegExp::escape(prefix))); }
     QtMessageHandler m_old;
 };
 
 // Closes every message box that turns up; notes "title|text|buttons" of each.
-struct ModalCloser : QTimer {
+struct ModalCloser : QTimer
+{
     QStringList seen;
     ModalCloser()
     {

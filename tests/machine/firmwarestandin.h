@@ -23,18 +23,18 @@ public:
 
     Kind kind;
     PtyPair pty;
-    QByteArray wire;              // every byte received
-    QList<QByteArray> lines;      // every line received (Marlin: without number and checksum)
-    int ackDelayMs = 0;           // GRBL: time to "execute" one buffered line
-    int errorAtLine = 0;          // answer the Nth job line (counted from 1, after "G90") with an error
-    int alarmAtLine = 0;          // GRBL: raise ALARM:1 at the Nth job line
-    int resendAtNumber = 0;       // Marlin: ask once for this line number again
-    int busyAtLine = 0;           // Marlin: answer "echo:busy" three times before this job line's ok
-    bool silent = false;          // answers nothing at all
+    QByteArray wire;          // every byte received
+    QList<QByteArray> lines;  // every line received (Marlin: without number and checksum)
+    int ackDelayMs = 0;       // GRBL: time to "execute" one buffered line
+    int errorAtLine = 0;      // answer the Nth job line (counted from 1, after "G90") with an error
+    int alarmAtLine = 0;      // GRBL: raise ALARM:1 at the Nth job line
+    int resendAtNumber = 0;   // Marlin: ask once for this line number again
+    int busyAtLine = 0;       // Marlin: answer "echo:busy" three times before this job line's ok
+    bool silent = false;      // answers nothing at all
     bool held = false, overflowed = false;
-    int maxBuffered = 0;          // GRBL: most bytes waiting in its receive buffer
+    int maxBuffered = 0;  // GRBL: most bytes waiting in its receive buffer
     int jobLines = 0;
-    int grblMaxPower = 1000;      // GRBL: the $30 setting it reports
+    int grblMaxPower = 1000;  // GRBL: the $30 setting it reports
 
     FirmwareStandIn(Kind k, const QString &dir, const QString &tag = "fw") : kind(k), pty(dir, tag) {}
 
@@ -61,14 +61,19 @@ public:
                 QTest::qWait(1);
         }
     }
-    void unplug() { delete m_notifier; m_notifier = nullptr; pty.stop(); }
+    void unplug()
+    {
+        delete m_notifier;
+        m_notifier = nullptr;
+        pty.stop();
+    }
     // What came after the link's own set-up.
     QByteArray jobWire() const { return wire.contains("G90\n") ? wire.mid(wire.indexOf("G90\n")) : QByteArray(); }
 
 private:
     QSocketNotifier *m_notifier = nullptr;
     QByteArray m_partial;
-    std::deque<QByteArray> m_buffer;   // GRBL: lines received, not yet executed
+    std::deque<QByteArray> m_buffer;  // GRBL: lines received, not yet executed
     int m_buffered = 0;
     QTimer m_tick;
 
@@ -89,7 +94,7 @@ private:
             realtime(c);
             return;
         }
-        if (kind == Grbl && ++m_buffered > GrblBuffer)   // the line end takes its byte too
+        if (kind == Grbl && ++m_buffered > GrblBuffer)  // the line end takes its byte too
             overflowed = true;
         maxBuffered = qMax(maxBuffered, m_buffered);
         if (c != '\n') {

@@ -10,13 +10,14 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-struct PtyPair {
+struct PtyPair
+{
     QString a, b;  // links to the two ends
     QProcess socat;
-    int fd = -1;   // the test's end
+    int fd = -1;  // the test's end
 
-    PtyPair(const QString &dir, const QString &tag)
-        : a(QDir(dir).filePath(tag + "A")), b(QDir(dir).filePath(tag + "B")) {}
+    PtyPair(const QString &dir, const QString &tag) : a(QDir(dir).filePath(tag + "A")), b(QDir(dir).filePath(tag + "B"))
+    {}
     ~PtyPair() { stop(); }
     QString endA() const { return a; }
 

@@ -18,7 +18,8 @@ const QString kConnect = QString::fromUtf8("连接"), kDisconnect = QString::fro
 const QString kNoPortBox = "Notice|Serial open failed.|1";
 
 // A panel whose list holds the end of a fresh pty pair.
-struct Rig {
+struct Rig
+{
     ScopedWorkDir dir;
     PtyPair pty{dir.path(), "tty"};
     CPSerialPort panel;
@@ -47,7 +48,7 @@ struct Rig {
         return pty.read(4) == "sync";
     }
 };
-}
+}  // namespace
 
 class TestCPSerialPort : public QObject
 {
@@ -150,7 +151,7 @@ private slots:
         QCOMPARE(args(shown), QStringList({answer, ""}));
         QCOMPARE(capture.starting("get from arduino:"),
                  QStringList{"get from arduino: " + QString(answer).replace("\n", "\\n").prepend('"').append('"')});
-        rig.pty.stop();  // unplugged while open
+        rig.pty.stop();              // unplugged while open
         for (int i = 0; i < 5; ++i)  // must neither block this thread nor crash
             rig.panel.WritePort("G1 X1");
         ModalCloser closer;

@@ -22,11 +22,14 @@ private slots:
     }
     void frame()
     {
-        QFETCH(QRectF, rect); QFETCH(QStringList, xy);
+        QFETCH(QRectF, rect);
+        QFETCH(QStringList, xy);
         const auto at = [&xy](int x, int y) { return "X" + xy[x] + " Y" + xy[y]; };
-        const QStringList trace{"G0 " + at(0, 1) + " F3000\n", "M4 P30 \n", "G1 " + at(2, 1) + " F3000 \n",
-                                "G1 " + at(2, 3) + " \n", "G1 " + at(0, 3) + " \n", "G1 " + at(0, 1) + " \n"};
-        const QStringList one = QStringList{"G90 \n", "M4 P0 \n"} + trace + trace << "M4 P0 \n" << "G1 F2000 X0 Y0 \n";
+        const QStringList trace{"G0 " + at(0, 1) + " F3000\n",  "M4 P30 \n",
+                                "G1 " + at(2, 1) + " F3000 \n", "G1 " + at(2, 3) + " \n",
+                                "G1 " + at(0, 3) + " \n",       "G1 " + at(0, 1) + " \n"};
+        const QStringList one = QStringList{"G90 \n", "M4 P0 \n"} + trace + trace << "M4 P0 \n"
+                                                                                  << "G1 F2000 X0 Y0 \n";
         FrontEnd front;
         QSignalSpy sent(&front, &FrontEnd::Sig_toarduino);
         front.GenBounding(rect);
@@ -56,7 +59,9 @@ private slots:
     }
     void jobStates()
     {
-        QFETCH(QStringList, actions); QFETCH(QStringList, sent); QFETCH(int, state);
+        QFETCH(QStringList, actions);
+        QFETCH(QStringList, sent);
+        QFETCH(int, state);
         QFETCH(bool, finished);
         QFile job("job.gcode");  // in the test program's own work directory
         QVERIFY(job.open(QIODevice::WriteOnly) && job.write("G90\nG0 X10 Y20\nG1 X30 Y5 S255\n;end\n") > 0);
@@ -64,11 +69,16 @@ private slots:
         FrontEnd front;
         QSignalSpy out(&front, &FrontEnd::Sig_toarduino);
         for (const QString &action : actions) {
-            if (action == "stop") front.SlotStop();
-            else if (action == "recov") front.SlotRecov();
-            else if (action == "cancel") front.SlotCancle();
-            else if (action == "ui") front.SlotUIWrite("G1 X5 F2000");
-            else front.SlotPrint(action);
+            if (action == "stop")
+                front.SlotStop();
+            else if (action == "recov")
+                front.SlotRecov();
+            else if (action == "cancel")
+                front.SlotCancle();
+            else if (action == "ui")
+                front.SlotUIWrite("G1 X5 F2000");
+            else
+                front.SlotPrint(action);
         }
         QCOMPARE(args(out), sent);
         QCOMPARE(front.State(), state);

@@ -54,8 +54,11 @@ private slots:
     }
     void read()
     {
-        QFETCH(QByteArray, content); QFETCH(int, count); QFETCH(QRectF, bounds);
-        QFETCH(QStringList, debug); QFETCH(QStringList, commands);
+        QFETCH(QByteArray, content);
+        QFETCH(int, count);
+        QFETCH(QRectF, bounds);
+        QFETCH(QStringList, debug);
+        QFETCH(QStringList, commands);
         ScopedWorkDir dir;
         GSendModel model;
         model.OpenFile(writeJob(dir, "G0 X50 Y50\nG90\n"));  // a new file starts from its first line
@@ -85,8 +88,21 @@ private slots:
         const QList<QByteArray> heads = {"G1 ", "G0 ", " G1 ", "G01 ", "G1 G0 ", "G0 X1 G1 ", ";G1 ", "G2 "};
         const QList<QByteArray> letters = {"", "", "w", "ds", "s ", "wx", " d"};
         const QList<QByteArray> spaces = {"", "", " ", "  "};
-        const QList<QByteArray> numbers = {"", "0", "7", "00.5", "12.5", "3.", ".25", "170.0", "1.2.3", "-4", "1e5",
-                                           "123456789012345", "1.23456789012345", "1234567890123456.5", "9.99999999",
+        const QList<QByteArray> numbers = {"",
+                                           "0",
+                                           "7",
+                                           "00.5",
+                                           "12.5",
+                                           "3.",
+                                           ".25",
+                                           "170.0",
+                                           "1.2.3",
+                                           "-4",
+                                           "1e5",
+                                           "123456789012345",
+                                           "1.23456789012345",
+                                           "1234567890123456.5",
+                                           "9.99999999",
                                            "0.1000000000000001"};
         const QList<QByteArray> tails = {"", "", " S255", " ;c", "Y2", " G1 X5 Y6", "\r"};
         const QString xy = " [wds]* *X([0-9.]*[0-9]*) *Y([0-9.]*[0-9]*)";

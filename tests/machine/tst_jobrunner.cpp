@@ -8,7 +8,11 @@
 namespace {
 
 // A small raster-like job as the program writes it, and what GRBL must receive for it.
-struct Job { QByteArray file, grblWire; int lines = 0; };
+struct Job
+{
+    QByteArray file, grblWire;
+    int lines = 0;
+};
 
 Job makeJob(int moves, bool framePause = false)
 {
@@ -56,7 +60,8 @@ bool connectTo(FirmwareStandIn &fw, MachineLink &link, bool banner = true)
 }
 
 // A stand-in, a link for it and a runner on the link.
-struct Rig {
+struct Rig
+{
     FirmwareStandIn fw;
     MachineLink link;
     JobRunner runner{&link};
@@ -66,7 +71,7 @@ struct Rig {
     bool run(const QByteArray &file) { return runner.loadText(file, "job", &message) && runner.start(); }
 };
 
-} // namespace
+}  // namespace
 
 class TestJobRunner : public QObject
 {
@@ -92,7 +97,10 @@ private slots:
     }
     void load()
     {
-        QFETCH(QByteArray, text); QFETCH(QString, error); QFETCH(int, lines); QFETCH(int, pauses);
+        QFETCH(QByteArray, text);
+        QFETCH(QString, error);
+        QFETCH(int, lines);
+        QFETCH(int, pauses);
         Rig r;
         QCOMPARE(r.runner.loadText(text, "job.gcode", &r.message), error.isEmpty());
         QVERIFY2(r.message.contains(error), qPrintable(r.message));
@@ -122,14 +130,15 @@ private slots:
     }
     void estimate()
     {
-        QFETCH(QByteArray, text); QFETCH(double, seconds);
+        QFETCH(QByteArray, text);
+        QFETCH(double, seconds);
         Rig r;
         QVERIFY(r.runner.loadText(text, "job", &r.message));
         QVERIFY(qAbs(r.runner.estimatedSeconds() - seconds) < 1e-6);
         QCOMPARE(r.runner.remainingSeconds(), r.runner.estimatedSeconds());
-        r.runner.setProgramEstimate(46);   // the generator's figure wins, spread over the moves
+        r.runner.setProgramEstimate(46);  // the generator's figure wins, spread over the moves
         QCOMPARE(r.runner.remainingSeconds(), 46.0);
-        QVERIFY(r.runner.loadText("G1 X1\n", "job", &r.message));   // a new job forgets it
+        QVERIFY(r.runner.loadText("G1 X1\n", "job", &r.message));  // a new job forgets it
         QVERIFY(r.runner.remainingSeconds() < 1);
     }
 
@@ -150,7 +159,9 @@ private slots:
     }
     void grblStream()
     {
-        QFETCH(int, ackDelayMs); QFETCH(bool, framePause); QFETCH(int, maxPower);
+        QFETCH(int, ackDelayMs);
+        QFETCH(bool, framePause);
+        QFETCH(int, maxPower);
         Rig r;
         r.fw.ackDelayMs = ackDelayMs;
         r.fw.grblMaxPower = maxPower;
@@ -159,7 +170,7 @@ private slots:
         QCOMPARE(r.link.grblMaxPower(), maxPower);
         r.runner.setPauseAtFrame(framePause);
         if (framePause)
-            r.runner.setLaserOffText("M107 ");   // the machine settings' text, in GRBL's words
+            r.runner.setLaserOffText("M107 ");  // the machine settings' text, in GRBL's words
         const Job job = makeJob(framePause ? 30 : 300, true);
         QVERIFY(r.run(job.file));
         if (framePause) {
@@ -179,7 +190,7 @@ private slots:
         QCOMPARE(withoutPolls(r.fw.jobWire()), expected);
         QVERIFY(!r.fw.overflowed);
         QVERIFY(r.fw.maxBuffered <= MachineLink::GrblWindow);
-        if (ackDelayMs)   // the window is used, not one line at a time
+        if (ackDelayMs)  // the window is used, not one line at a time
             QVERIFY2(r.fw.maxBuffered > 100, qPrintable(QString::number(r.fw.maxBuffered)));
     }
 
@@ -194,9 +205,9 @@ private slots:
         r.runner.pause();
         QTest::qWait(300);
         QCOMPARE(r.runner.state(), JobRunner::Paused);
-        QByteArray after = withoutPolls(r.fw.wire.mid(mark));   // may begin with lines written just before
+        QByteArray after = withoutPolls(r.fw.wire.mid(mark));  // may begin with lines written just before
         QCOMPARE(after.mid(after.indexOf('!')), QByteArray("!"));
-        QTRY_VERIFY(r.link.unansweredBytes() > 0);   // held lines wait in the board
+        QTRY_VERIFY(r.link.unansweredBytes() > 0);  // held lines wait in the board
         mark = r.fw.wire.size();
         r.runner.resume();
         QTRY_VERIFY_WITH_TIMEOUT(withoutPolls(r.fw.wire.mid(mark)).size() > 20, 5000);
@@ -208,7 +219,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(r.fw.wire.endsWith("M5\n"), 5000);
         QTest::qWait(200);
         after = withoutPolls(r.fw.wire.mid(mark));
-        QCOMPARE(after.mid(after.indexOf('\x18')), QByteArray("\x18M5\n"));   // nothing of the job after it
+        QCOMPARE(after.mid(after.indexOf('\x18')), QByteArray("\x18M5\n"));  // nothing of the job after it
     }
 
     void marlinControls()
@@ -223,15 +234,15 @@ private slots:
         QTRY_VERIFY(r.link.unansweredLines() == 0 && r.link.queuedLines() == 0 && r.fw.lines.last() == "M107");
         const int held = r.fw.lines.size();
         QTest::qWait(200);
-        QCOMPARE(r.fw.lines.size(), held);   // nothing more while paused
+        QCOMPARE(r.fw.lines.size(), held);  // nothing more while paused
         QVERIFY(QRegularExpression("\\nN\\d+ M107\\*\\d+\\n$").match(r.fw.wire).hasMatch());
-        QByteArray power;   // the last power command before the pause
+        QByteArray power;  // the last power command before the pause
         for (int i = 0; i < held - 1; ++i)
             if (r.fw.lines[i].startsWith("M10"))
                 power = r.fw.lines[i];
         r.runner.resume();
         QTRY_VERIFY(r.fw.lines.size() > held + 5);
-        QCOMPARE(r.fw.lines[held], power);   // the power in force comes back
+        QCOMPARE(r.fw.lines[held], power);  // the power in force comes back
         r.runner.stop();
         QTRY_VERIFY(r.fw.wire.endsWith("M410\nM107\n"));
     }
@@ -263,8 +274,11 @@ private slots:
     }
     void errors()
     {
-        QFETCH(int, kind); QFETCH(QString, fault); QFETCH(int, failure);
-        QFETCH(QString, message); QFETCH(QByteArray, beamOff);
+        QFETCH(int, kind);
+        QFETCH(QString, fault);
+        QFETCH(int, failure);
+        QFETCH(QString, message);
+        QFETCH(QByteArray, beamOff);
         Rig r{FirmwareStandIn::Kind(kind)};
         (fault == "alarm" ? r.fw.alarmAtLine : r.fw.errorAtLine) = 5;
         r.fw.ackDelayMs = 2;
@@ -340,7 +354,10 @@ private slots:
     }
     void detection()
     {
-        QFETCH(int, kind); QFETCH(bool, banner); QFETCH(bool, silent); QFETCH(int, firmware);
+        QFETCH(int, kind);
+        QFETCH(bool, banner);
+        QFETCH(bool, silent);
+        QFETCH(int, firmware);
         Rig r{FirmwareStandIn::Kind(kind)};
         r.fw.silent = silent;
         QSignalSpy failed(&r.link, &MachineLink::failed);

@@ -50,8 +50,11 @@ private slots:
     }
     void reply()
     {
-        QFETCH(QByteArray, line); QFETCH(int, kind); QFETCH(int, code);
-        QFETCH(QByteArray, state); QFETCH(QPointF, position);
+        QFETCH(QByteArray, line);
+        QFETCH(int, kind);
+        QFETCH(int, code);
+        QFETCH(QByteArray, state);
+        QFETCH(QPointF, position);
         const MachineReply r = MachineReplies::parse(line);
         QCOMPARE(int(r.kind), kind);
         QCOMPARE(r.code, code);
@@ -86,7 +89,10 @@ private slots:
     }
     void splitter()
     {
-        QFETCH(QList<QByteArray>, chunks); QFETCH(QList<QByteArray>, lines); QFETCH(int, dropped); QFETCH(int, pending);
+        QFETCH(QList<QByteArray>, chunks);
+        QFETCH(QList<QByteArray>, lines);
+        QFETCH(int, dropped);
+        QFETCH(int, pending);
         MachineReplies::LineSplitter splitter;
         QList<QByteArray> got;
         for (const QByteArray &chunk : chunks)
@@ -114,7 +120,8 @@ private slots:
     }
     void clockText()
     {
-        QFETCH(double, seconds); QFETCH(QString, text);
+        QFETCH(double, seconds);
+        QFETCH(QString, text);
         QCOMPARE(JobRunner::clockText(seconds), text);
     }
 
@@ -153,7 +160,10 @@ private slots:
     }
     void grblRewrite()
     {
-        QFETCH(QByteArray, line); QFETCH(int, maxPower); QFETCH(QByteArray, sent); QFETCH(bool, pause);
+        QFETCH(QByteArray, line);
+        QFETCH(int, maxPower);
+        QFETCH(QByteArray, sent);
+        QFETCH(bool, pause);
         QCOMPARE(GrblRewrite::line(line, maxPower), sent);
         QCOMPARE(GrblRewrite::isProgramPause(line), pause);
     }

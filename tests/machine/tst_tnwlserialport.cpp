@@ -6,7 +6,8 @@
 
 // The worker in its own thread, reached only by queued calls; its signals land
 // on this object, in the test's thread.
-struct Worker : QObject {
+struct Worker : QObject
+{
     QThread thread;
     TNWLserialport *port = new TNWLserialport;
     QList<bool> opens;
@@ -22,7 +23,11 @@ struct Worker : QObject {
         port->moveToThread(&thread);
         thread.start();
     }
-    ~Worker() override { thread.quit(); thread.wait(5000); }
+    ~Worker() override
+    {
+        thread.quit();
+        thread.wait(5000);
+    }
     void call(const char *slot, const QString &arg)
     {
         QMetaObject::invokeMethod(port, slot, Qt::QueuedConnection, Q_ARG(QString, arg));
@@ -64,8 +69,11 @@ private slots:
     }
     void toggleAndWrite()
     {
-        QFETCH(QStringList, names); QFETCH(QStringList, texts); QFETCH(QList<bool>, opens);
-        QFETCH(QByteArray, onA); QFETCH(QByteArray, onB);
+        QFETCH(QStringList, names);
+        QFETCH(QStringList, texts);
+        QFETCH(QList<bool>, opens);
+        QFETCH(QByteArray, onA);
+        QFETCH(QByteArray, onB);
         ScopedWorkDir dir;
         PtyPair a(dir.path(), "a"), b(dir.path(), "b");
         QVERIFY(a.start() && b.start());

@@ -67,7 +67,7 @@ private slots:
         QFETCH(int, modules);
         QFETCH(QByteArray, header);
         ScopedWorkDir dir;
-        QFile old(QStringLiteral("q.bmp"));   // a failed write leaves the previous picture
+        QFile old(QStringLiteral("q.bmp"));  // a failed write leaves the previous picture
         QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old") == 3);
         old.close();
         QCOMPARE(QrCodeBitmap::write(text, path), modules > 0);

@@ -41,7 +41,7 @@ private slots:
         if (found)
             QCOMPARE(looked, index);
         else
-            QCOMPARE(looked, -7);   // untouched on failure
+            QCOMPARE(looked, -7);  // untouched on failure
         QCOMPARE(AppSettings::languageIndex(), index);
     }
 
@@ -126,7 +126,7 @@ private slots:
         QCOMPARE(AppSettings::mode(), QString());
         QCOMPARE(AppSettings::languageIndex(), 0);
         QCOMPARE(AppSettings::threshold(), 0);
-        AppSettings::setMode("laser");      // must not crash
+        AppSettings::setMode("laser");  // must not crash
         AppSettings::setThreshold(10);
         if (kind == 1) {
             QVERIFY(QFileInfo("Config.ini").isDir());

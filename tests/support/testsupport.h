@@ -14,10 +14,7 @@
 class ScopedWorkDir
 {
 public:
-    ScopedWorkDir() : m_previous(QDir::currentPath())
-    {
-        QDir::setCurrent(m_dir.path());
-    }
+    ScopedWorkDir() : m_previous(QDir::currentPath()) { QDir::setCurrent(m_dir.path()); }
     ~ScopedWorkDir() { QDir::setCurrent(m_previous); }
     QString path() const { return m_dir.path(); }
     QString file(const QString &name) const { return m_dir.filePath(name); }
@@ -45,20 +42,20 @@ inline QByteArray read(const QString &name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-} // namespace TestFiles
+}  // namespace TestFiles
 
 // Like QTEST_MAIN, but offscreen by default and run inside its own work directory.
-#define TARNWELL_TEST_MAIN(TestObject)                                   \
-    int main(int argc, char *argv[])                                     \
-    {                                                                    \
-        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))              \
-            qputenv("QT_QPA_PLATFORM", "offscreen");                     \
-        QApplication app(argc, argv);                                    \
-        app.setAttribute(Qt::AA_Use96Dpi, true);                         \
-        ScopedWorkDir workDir;                                           \
-        TestObject tc;                                                   \
-        QTEST_SET_MAIN_SOURCE_PATH                                       \
-        return QTest::qExec(&tc, argc, argv);                            \
+#define TARNWELL_TEST_MAIN(TestObject)                      \
+    int main(int argc, char *argv[])                        \
+    {                                                       \
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) \
+            qputenv("QT_QPA_PLATFORM", "offscreen");        \
+        QApplication app(argc, argv);                       \
+        app.setAttribute(Qt::AA_Use96Dpi, true);            \
+        ScopedWorkDir workDir;                              \
+        TestObject tc;                                      \
+        QTEST_SET_MAIN_SOURCE_PATH                          \
+        return QTest::qExec(&tc, argc, argv);               \
     }
 
 #endif

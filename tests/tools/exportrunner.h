@@ -7,7 +7,7 @@
 
 struct ExportRun
 {
-    int status = -1;   // -1: still running after two minutes, -2: crashed
+    int status = -1;  // -1: still running after two minutes, -2: crashed
     QByteArray out;
     QByteArray err;
 };
@@ -16,7 +16,7 @@ inline ExportRun runExport(const QStringList &args)
 {
     QProcess process;
     process.start(QStringLiteral(TARNWELL_EXPORT), args);
-    process.closeWriteChannel();   // it must never wait for input
+    process.closeWriteChannel();  // it must never wait for input
     ExportRun run;
     if (!process.waitForFinished(120000)) {
         process.kill();

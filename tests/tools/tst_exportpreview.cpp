@@ -87,7 +87,7 @@ QByteArray exportAndPreview(const QStringList &args)
     return preview.out;
 }
 
-} // namespace
+}  // namespace
 
 class TestExportPreview : public QObject
 {
@@ -99,8 +99,8 @@ private slots:
         ScopedWorkDir dir;
         const QImage picture = shapesPicture(400, 300);
         QVERIFY(picture.save(dir.file("shapes.png")));
-        const QByteArray out = exportAndPreview({"raster", "--input", "shapes.png", "--output", "job.gcode", "--width",
-                                                 "40", "--x", "12", "--y", "30"});
+        const QByteArray out = exportAndPreview(
+            {"raster", "--input", "shapes.png", "--output", "job.gcode", "--width", "40", "--x", "12", "--y", "30"});
         QVERIFY2(out.contains("Extent: 12..52 x 140..170 mm"), out.constData());
 
         const QImage png(dir.file("job.png"));
@@ -133,8 +133,9 @@ private slots:
             for (int c = 20; c < 280; ++c)
                 picture.scanLine(r)[c] = uchar(c < 150 ? 40 : 200);
         QVERIFY(picture.save(dir.file("gray.png")));
-        QVERIFY(!exportAndPreview({"raster", "--input", "gray.png", "--output", "job.gcode", "--width", "30",
-                                   "--style", "gray"}).isEmpty());
+        QVERIFY(!exportAndPreview(
+                     {"raster", "--input", "gray.png", "--output", "job.gcode", "--width", "30", "--style", "gray"})
+                     .isEmpty());
         const QImage png(dir.file("job.png"));
         const std::vector<char> burned = mask(png, 0, 0, 300, 200, 250), gray = mask(picture, 0, 0, 300, 200, 255);
         QVERIFY2(covered(gray, burned) >= 0.97, qPrintable(QString::number(covered(gray, burned))));
@@ -164,15 +165,18 @@ private slots:
             QCOMPARE(runExport({"trace", "--input", "shapes.png", "--output", "drawing.svg"}).status, 0);
         } else {
             // The same shapes drawn as an SVG, as a user's CNC drawing would come.
-            TestFiles::write(dir.file("drawing.svg"),
-                      "<svg xmlns='http://www.w3.org/2000/svg' width='400' height='300' viewBox='0 0 400 300'>"
-                      "<g fill='black'><path d='M0 0 H400 V300 H0 Z M8 8 V292 H392 V8 Z'/>"
-                      "<ellipse cx='133' cy='100' rx='80' ry='50'/><rect x='200' y='150' width='133' height='75'/>"
-                      "<path d='M26.1 258.3 L361.7 126.1 L363.9 131.7 L28.3 263.9 Z'/></g></svg>");
+            TestFiles::write(
+                dir.file("drawing.svg"),
+                "<svg xmlns='http://www.w3.org/2000/svg' width='400' height='300' viewBox='0 0 400 300'>"
+                "<g fill='black'><path d='M0 0 H400 V300 H0 Z M8 8 V292 H392 V8 Z'/>"
+                "<ellipse cx='133' cy='100' rx='80' ry='50'/><rect x='200' y='150' width='133' height='75'/>"
+                "<path d='M26.1 258.3 L361.7 126.1 L363.9 131.7 L28.3 263.9 Z'/></g></svg>");
         }
-        QVERIFY(!exportAndPreview({"vector", "--input", "drawing.svg", "--output", "job.gcode", "--width", "40",
-                                   "--height", "30", "--x", "20", "--y", "50", "--seed", "3", "--mode", mode,
-                                   "--feed-z", "-1", "--travel-z", "3"}).isEmpty());
+        QVERIFY(
+            !exportAndPreview({"vector",   "--input", "drawing.svg", "--output", "job.gcode", "--width",    "40",
+                               "--height", "30",      "--x",         "20",       "--y",       "50",         "--seed",
+                               "3",        "--mode",  mode,          "--feed-z", "-1",        "--travel-z", "3"})
+                 .isEmpty());
 
         // Edges of the picture (black pixels with a white neighbour) or of the SVG's shapes, in a
         // window with a margin, as a burn along the picture's outer edge may lie just beyond it.
@@ -189,8 +193,8 @@ private slots:
             p.drawRect(QRectF(8, 8, 384, 284));
             p.drawEllipse(QPointF(133, 100), 80, 50);
             p.drawRect(QRectF(200, 150, 133, 75));
-            p.drawPolygon(QPolygonF({QPointF(26.1, 258.3), QPointF(361.7, 126.1), QPointF(363.9, 131.7),
-                                     QPointF(28.3, 263.9)}));
+            p.drawPolygon(
+                QPolygonF({QPointF(26.1, 258.3), QPointF(361.7, 126.1), QPointF(363.9, 131.7), QPointF(28.3, 263.9)}));
             p.end();
             edge = mask(outlines, 0, 0, mw, mh, 128);
         }

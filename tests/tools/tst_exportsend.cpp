@@ -24,7 +24,7 @@ void startSend(QProcess &tool, FirmwareStandIn &fw, const QByteArray &perLine, i
     QVERIFY(tool.waitForStarted());
 }
 
-} // namespace
+}  // namespace
 
 class TestExportSend : public QObject
 {
@@ -64,8 +64,13 @@ private slots:
     }
     void send()
     {
-        QFETCH(int, kind); QFETCH(QStringList, options); QFETCH(QByteArray, stdinText); QFETCH(QString, fault);
-        QFETCH(int, status); QFETCH(QString, message); QFETCH(QByteArray, wireEnd);
+        QFETCH(int, kind);
+        QFETCH(QStringList, options);
+        QFETCH(QByteArray, stdinText);
+        QFETCH(QString, fault);
+        QFETCH(int, status);
+        QFETCH(QString, message);
+        QFETCH(QByteArray, wireEnd);
         ScopedWorkDir dir;
         TestFiles::write("job.gcode", FramedJob);
         FirmwareStandIn fw(FirmwareStandIn::Kind(kind), dir.path());
@@ -115,7 +120,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(fw.lines.size() > 20, 15000);
         ::kill(pid_t(tool.processId()), SIGINT);
         QTest::qWait(200);
-        fw.banner();   // after its reset
+        fw.banner();  // after its reset
         QTRY_COMPARE_WITH_TIMEOUT(tool.state(), QProcess::NotRunning, 10000);
         QCOMPARE(tool.exitStatus(), QProcess::NormalExit);
         QCOMPARE(tool.exitCode(), 3);
@@ -143,7 +148,10 @@ private slots:
     }
     void badInput()
     {
-        QFETCH(QString, port); QFETCH(QString, input); QFETCH(QStringList, options); QFETCH(QString, message);
+        QFETCH(QString, port);
+        QFETCH(QString, input);
+        QFETCH(QStringList, options);
+        QFETCH(QString, message);
         ScopedWorkDir dir;
         TestFiles::write("job.gcode", FramedJob);
         TestFiles::write("picture.png", QByteArray("\x89PNG\r\n\x1a\n\0\0", 10));
@@ -156,7 +164,7 @@ private slots:
         const ExportRun run = runExport(QStringList{"send", "--port", device, "--input", input} + options);
         QCOMPARE(run.status, 2);
         QVERIFY2(run.err.contains(message.toUtf8()) && run.err.count('\n') == 1, run.err.constData());
-        QTest::qWait(200);   // what the tool may have written is read in this loop
+        QTest::qWait(200);  // what the tool may have written is read in this loop
         QVERIFY(!fw.wire.contains("G1"));
     }
 };

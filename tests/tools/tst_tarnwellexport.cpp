@@ -25,13 +25,14 @@ const char *const SquareSvg =
     "<path d=\"M2 2 L18 2 L18 18 L2 18 Z\" fill=\"none\" stroke=\"black\"/></svg>\n";
 
 // A PNG whose header gives colour type 1, which no decoder accepts.
-const QByteArray BadHeaderPng(
-    "\x89\x50\x4e\x47\x0d\x0a\x1a\x0a\x00\x00\x00\x0d\x49\x48\x44\x52\x00\x00\x00\x20\x00\x00\x00\x20"
-    "\x08\x01\x00\x00\x00\xee\xad\x42\x4d\x00\x00\x00\x12\x49\x44\x41\x54\x78\x9c\x63\x60\x18\x05\xa3"
-    "\x60\x14\x8c\x02\xec\x00\x00\x04\x20\x00\x01\x86\xb3\x3d\x44\x00\x00\x00\x00\x49\x45\x4e\x44\xae"
-    "\x42\x60\x82", 75);
+const QByteArray
+    BadHeaderPng("\x89\x50\x4e\x47\x0d\x0a\x1a\x0a\x00\x00\x00\x0d\x49\x48\x44\x52\x00\x00\x00\x20\x00\x00\x00\x20"
+                 "\x08\x01\x00\x00\x00\xee\xad\x42\x4d\x00\x00\x00\x12\x49\x44\x41\x54\x78\x9c\x63\x60\x18\x05\xa3"
+                 "\x60\x14\x8c\x02\xec\x00\x00\x04\x20\x00\x01\x86\xb3\x3d\x44\x00\x00\x00\x00\x49\x45\x4e\x44\xae"
+                 "\x42\x60\x82",
+                 75);
 
-} // namespace
+}  // namespace
 
 class TestTarnwellExport : public QObject
 {
@@ -120,7 +121,7 @@ private slots:
         TestFiles::write("job.gcode", "G1 X1\n");
         // So narrow that scaling it to 20 mm overflows.
         TestFiles::write("tiny.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20mm\" height=\"20mm\" "
-                              "viewBox=\"0 0 20 20\"><path d=\"M0 0 L1e-40 1e-40\"/></svg>");
+                                     "viewBox=\"0 0 20 20\"><path d=\"M0 0 L1e-40 1e-40\"/></svg>");
         const ExportRun run = runExport(args);
         QCOMPARE(run.status, 2);
         QVERIFY2(run.err.endsWith('\n') && run.err.count('\n') == 1, run.err.constData());
@@ -170,7 +171,7 @@ private slots:
         const QString time = EstimatedTimeText(generator.TakeEstimatedTime());
 
         QStringList args{"raster", "--input", "pic.png", "--output", "out.gcode", "--width", "3",
-                         "--x", "12.5", "--y", "40", "--style", style};
+                         "--x",    "12.5",    "--y",     "40",       "--style",   style};
         if (speed != 33)
             args << "--speed" << QString::number(speed);
         if (power != 91)
@@ -189,8 +190,8 @@ private slots:
     {
         ScopedWorkDir dir;
         TestFiles::write("square.svg", SquareSvg);
-        const QStringList args{"vector", "--input", "square.svg", "--output", "a.gcode", "--width", "20",
-                               "--height", "20", "--x", "5", "--y", "5", "--seed", "7"};
+        const QStringList args{"vector", "--input", "square.svg", "--output", "a.gcode", "--width", "20", "--height",
+                               "20",     "--x",     "5",          "--y",      "5",       "--seed",  "7"};
         ExportRun first = runExport(args);
         QCOMPARE(first.status, 0);
         QVERIFY(first.out.startsWith("Estimated time: "));
