@@ -4,8 +4,8 @@
 set -euo pipefail
 
 PACKAGES=(
-  # build
-  cmake ninja-build g++ pkg-config
+  # build, and the source layout check
+  cmake ninja-build g++ pkg-config clang-format
   # Qt 5 and libraries
   qtbase5-dev libqt5svg5-dev libqt5serialport5-dev libqt5opengl5-dev
   qttools5-dev qttools5-dev-tools

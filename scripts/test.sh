@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what the project needs, builds it and runs the whole test suite twice:
-# once as released, once under AddressSanitizer and UndefinedBehaviorSanitizer;
+# Installs what the project needs, checks the source layout, builds it and runs the whole
+# test suite twice: once as released, once under AddressSanitizer and UndefinedBehaviorSanitizer;
 # then fuzzes every reader for 20 seconds and checks the Debian package.
 # Usage: scripts/test.sh            (set SKIP_INSTALL=1 to skip the package step)
 set -euo pipefail
@@ -12,6 +12,9 @@ fi
 
 export QT_QPA_PLATFORM=offscreen
 jobs="$(nproc)"
+
+echo "== Source layout (.clang-format) =="
+"$root/scripts/format.sh" --check
 
 echo "== Release build and tests =="
 "$root/scripts/build.sh" "$root/build"
