@@ -182,6 +182,14 @@ TravelClock clockAtCorner(const QPointF &offset, float *total)
 // Machine Y of picture row r: rows run down from the top of the work area.
 double rowMachineY(qint64 r, double scale, const QPointF &offset) { return WorkArea::Height - r * scale - offset.y(); }
 
+// Tells the writer which row comes next and gives the row's machine Y for the travel clock.
+float startRow(RasterGcodeWriter &out, qint64 r, double scale, const QPointF &offset)
+{
+    const double y = rowMachineY(r, scale, offset);
+    out.setRow(y);
+    return float(y);
+}
+
 // Rows (and, for grayscale, columns) taken for a scale: lines never closer than the pitch.
 qint64 rowStride(double scale)
 {
@@ -373,9 +381,7 @@ void Bitmap2Gcode::ExportBlackPix(QImage image, QString savefile, double scale)
 
     const qint64 stride = rowStride(scale);
     for (qint64 r = 0; r < height; r += stride) {
-        const double y = rowMachineY(r, scale, offset);
-        const float rowY = float(y);
-        out.setRow(y);
+        const float rowY = startRow(out, r, scale, offset);
         const QRgb *line = reinterpret_cast<const QRgb *>(picture.constScanLine(int(r)));
         // The direction follows the row number itself, so an even stride scans every row
         // left to right.
@@ -463,9 +469,7 @@ void Bitmap2Gcode::exportGray(const QImage &image, const QString &savefile, doub
     TravelClock clock = clockAtCorner(offset, &m_estimatedTime);
     const qint64 stride = rowStride(scale);
     for (qint64 r = 0; r < height; r += stride) {
-        const double y = rowMachineY(r, scale, offset);
-        const float rowY = float(y);
-        out.setRow(y);
+        const float rowY = startRow(out, r, scale, offset);
         const uchar *row = picture.row(r);
         const bool rightward = r % (2 * stride) == 0;
         // Rightward rows read one byte per pixel (an 8-bit picture is expected); leftward rows
