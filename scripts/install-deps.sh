@@ -9,9 +9,11 @@ PACKAGES=(
   # Qt 5 and libraries
   qtbase5-dev libqt5svg5-dev libqt5serialport5-dev libqt5opengl5-dev
   qttools5-dev qttools5-dev-tools
-  nlohmann-json3-dev libqrencode-dev libpotrace-dev
+  nlohmann-json3-dev libqrencode-dev libpotrace-dev libpolyclipping-dev
+  # Qt's own catalogues, so its dialogs follow the interface language
+  qttranslations5-l10n
   # tests and looking at the program
-  xvfb xauth xdotool socat imagemagick fonts-wqy-zenhei
+  xvfb xauth xdotool socat imagemagick fonts-wqy-zenhei fonts-dejavu-core
   libgl1-mesa-dri
   # fuzzing (clang's libFuzzer)
   clang libclang-rt-14-dev
