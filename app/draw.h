@@ -20,6 +20,7 @@ class Bitmap2Svg;
 class CPSerialPort;
 class FrontEnd;
 class ImgBinaryEdit;
+class JobWindow;
 class MachinePanel;
 class QHBoxLayout;
 class QLineEdit;
@@ -46,6 +47,10 @@ public:
     CPSerialPort *serialPanel() const { return m_serialPanel; }
     FrontEnd *streamer() const { return m_frontEnd; }
     MachinePanel *machinePanel() const { return m_machinePanel; }
+    JobWindow *jobWindow() const { return m_jobWindow; }
+    // Copies the canvas's prepared picture or drawing into the Job window, at its place and size;
+    // the new item's index, or -1 when nothing is placed (draw_jobwindow.cpp).
+    int addToJob();
     QSize pictureSize() const { return QSize(m_pictureWidth, m_pictureHeight); }
 
     // How the window asks for a file name and shows a notice. Qt's dialogs unless replaced,
@@ -179,6 +184,7 @@ private:
     // Manual control (draw_machine.cpp).
     void sendJog(const char *axisTemplate);
     void setUpMachinePanel();
+    void setUpJobWindow();
     void loadSnippet(const QString &target);
     // Material library (draw_materials.cpp).
     void startMaterials();
@@ -225,6 +231,7 @@ private:
     WaitingForm *m_waiting = nullptr;
     RenderForm *m_renderForm = nullptr;
     MachinePanel *m_machinePanel = nullptr;
+    JobWindow *m_jobWindow = nullptr;
 
     QTranslator *m_translator = nullptr;
     struct MaterialRecord *m_material = nullptr;  // the record selected in the combo box

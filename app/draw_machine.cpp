@@ -77,4 +77,5 @@ void Draw::setUpMachinePanel()
         return QRectF(pos.x(), WorkArea::Height - pos.y() - height, width, height);
     });
     ui->layoutLanguage->insertWidget(0, m_machinePanel->createOpenButton(this));
+    setUpJobWindow();
 }

@@ -1,10 +1,12 @@
 // Program entry: builds the main window, applies the dark stylesheet,
 // shows the splash picture for two seconds, then runs the event loop.
 #include "draw.h"
+#include "jobwindow.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QPixmap>
 #include <QSplashScreen>
 #include <QThread>
@@ -48,5 +50,13 @@ int main(int argc, char *argv[])
 
     splash.close();
     window.show();
+    // A job file named on the command line (a double-click in a file manager) opens in the Job window.
+    const QStringList arguments = app.arguments();
+    if (arguments.size() > 1
+        && QFileInfo(arguments.at(1)).suffix().compare(QLatin1String("tljob"), Qt::CaseInsensitive) == 0) {
+        window.jobWindow()->show();
+        window.jobWindow()->openJob(arguments.at(1));
+        window.jobWindow()->raise();
+    }
     return app.exec();
 }
