@@ -5,8 +5,7 @@
 
 JobDocumentCommand::JobDocumentCommand(JobModel *model, const QString &text, JobDocument before, JobDocument after)
     : QUndoCommand(text), m_model(model), m_before(std::move(before)), m_after(std::move(after))
-{
-}
+{}
 
 void JobDocumentCommand::undo() { m_model->setDocument(m_before); }
 

@@ -11,8 +11,8 @@ bool valid(const JobDocument &doc, int item) { return item >= 0 && item < int(do
 
 QString layerColor(int index)
 {
-    static const char *const Colors[] = {"#2060c0", "#d03030", "#20a040", "#e08000", "#8040c0", "#00a0a0",
-                                         "#c04080", "#606060"};
+    static const char *const Colors[] = {"#2060c0", "#d03030", "#20a040", "#e08000",
+                                         "#8040c0", "#00a0a0", "#c04080", "#606060"};
     return QString::fromLatin1(Colors[std::abs(index) % 8]);
 }
 
@@ -182,12 +182,24 @@ void alignItems(JobDocument *doc, const QList<int> &items, Align align)
             continue;
         JobItem &it = doc->items[size_t(i)];
         switch (align) {
-        case Align::Left: it.x = all.left(); break;
-        case Align::HCenter: it.x = all.center().x() - it.width / 2; break;
-        case Align::Right: it.x = all.right() - it.width; break;
-        case Align::Bottom: it.y = all.top(); break;  // QRectF's top is the smaller Y: the bottom on the bed
-        case Align::VCenter: it.y = all.center().y() - it.height / 2; break;
-        case Align::Top: it.y = all.bottom() - it.height; break;
+        case Align::Left:
+            it.x = all.left();
+            break;
+        case Align::HCenter:
+            it.x = all.center().x() - it.width / 2;
+            break;
+        case Align::Right:
+            it.x = all.right() - it.width;
+            break;
+        case Align::Bottom:
+            it.y = all.top();
+            break;  // QRectF's top is the smaller Y: the bottom on the bed
+        case Align::VCenter:
+            it.y = all.center().y() - it.height / 2;
+            break;
+        case Align::Top:
+            it.y = all.bottom() - it.height;
+            break;
         }
     }
 }

@@ -11,8 +11,8 @@
 
 struct JobItemLook
 {
-    QImage picture;      // fills the item's rectangle; null for outlines
-    QPainterPath path;   // mm, relative to the item's top-left corner, Y down
+    QImage picture;       // fills the item's rectangle; null for outlines
+    QPainterPath path;    // mm, relative to the item's top-left corner, Y down
     bool filled = false;  // fill the path (fill layers and vector items on image layers), else stroke it
     QColor color;
     QString error;  // the source does not decode

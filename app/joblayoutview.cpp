@@ -52,7 +52,10 @@ void JobLayoutView::scrollContentsBy(int dx, int dy)
     m_left->update();
 }
 
-QPointF JobLayoutView::machineAt(const QPoint &viewportPos) const { return m_scene->toMachine(mapToScene(viewportPos)); }
+QPointF JobLayoutView::machineAt(const QPoint &viewportPos) const
+{
+    return m_scene->toMachine(mapToScene(viewportPos));
+}
 
 void JobLayoutView::fitBed()
 {
@@ -88,7 +91,8 @@ JobItemGraphic *JobLayoutView::handleAt(const QPoint &viewPos, int *corner) cons
     for (JobItemGraphic *g : m_scene->graphics()) {
         if (!g->isSelected())
             continue;
-        const QRectF rect = g->mapRectToScene(QRectF(QPointF(), g->boundingRect().adjusted(0.5, 0.5, -0.5, -0.5).size()));
+        const QRectF rect =
+            g->mapRectToScene(QRectF(QPointF(), g->boundingRect().adjusted(0.5, 0.5, -0.5, -0.5).size()));
         for (int c = 0; c < 4; ++c) {
             if (handleRect(rect, c).adjusted(-2, -2, 2, 2).contains(viewPos)) {
                 *corner = c;
@@ -238,13 +242,25 @@ void JobLayoutView::keyPressEvent(QKeyEvent *event)
     const double step = (event->modifiers() & Qt::ShiftModifier) ? FineNudgeStep : NudgeStep;
     double dx = 0, dy = 0;
     switch (event->key()) {
-    case Qt::Key_Left: dx = -step; break;
-    case Qt::Key_Right: dx = step; break;
-    case Qt::Key_Up: dy = step; break;
-    case Qt::Key_Down: dy = -step; break;
+    case Qt::Key_Left:
+        dx = -step;
+        break;
+    case Qt::Key_Right:
+        dx = step;
+        break;
+    case Qt::Key_Up:
+        dy = step;
+        break;
+    case Qt::Key_Down:
+        dy = -step;
+        break;
     case Qt::Key_Delete:
-    case Qt::Key_Backspace: emit deleteRequested(); return;
-    default: QGraphicsView::keyPressEvent(event); return;
+    case Qt::Key_Backspace:
+        emit deleteRequested();
+        return;
+    default:
+        QGraphicsView::keyPressEvent(event);
+        return;
     }
     const QList<int> selected = m_scene->selectedIndices();
     if (!selected.isEmpty())
@@ -286,10 +302,10 @@ void JobLayoutView::drawForeground(QPainter *painter, const QRectF &)
     for (JobItemGraphic *g : m_scene->graphics()) {
         if (!g->isSelected())
             continue;
-        const QRectF rect = g->mapRectToScene(QRectF(QPointF(), g->boundingRect().adjusted(0.5, 0.5, -0.5, -0.5).size()));
+        const QRectF rect =
+            g->mapRectToScene(QRectF(QPointF(), g->boundingRect().adjusted(0.5, 0.5, -0.5, -0.5).size()));
         for (int c = 0; c < 4; ++c)
             painter->drawRect(handleRect(rect, c));
     }
     painter->restore();
 }
-

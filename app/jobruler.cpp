@@ -10,8 +10,7 @@
 
 JobRuler::JobRuler(JobLayoutView *view, Qt::Orientation orientation, QWidget *parent)
     : QWidget(parent), m_view(view), m_orientation(orientation)
-{
-}
+{}
 
 double JobRuler::labelStep(double pixelsPerMm)
 {

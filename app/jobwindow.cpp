@@ -12,7 +12,10 @@
 #include "jobtextdialog.h"
 #include "layerpanel.h"
 #include "machinepanel.h"
+#include "machineprofiledialog.h"
+#include "machineprofilestore.h"
 #include "previewpanel.h"
+#include "testgriddialog.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -107,9 +110,9 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
                       : QFileDialog::getOpenFileName(this, title, QString(), filter);
     };
     m_askClose = [this](const QString &text) {
-        const auto answer = QMessageBox::question(this, windowTitle(), text,
-                                                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
-                                                  QMessageBox::Save);
+        const auto answer =
+            QMessageBox::question(this, windowTitle(), text,
+                                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
         return answer == QMessageBox::Save      ? CloseAnswer::Save
                : answer == QMessageBox::Discard ? CloseAnswer::Discard
                                                 : CloseAnswer::Cancel;
@@ -122,6 +125,31 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
             return false;
         *source = dialog.source();
         return true;
+    };
+
+    m_profiles = std::make_unique<MachineProfileStore>();
+    QString profileError;
+    if (!m_profiles->load(&profileError))
+        statusBar()->showMessage(profileError, 8000);
+    m_editProfiles = [this](MachineProfileStore *store) {
+        MachineProfileDialog dialog(*store, this);
+        if (m_machine)
+            dialog.setLink(m_machine->link());
+        if (dialog.exec() != QDialog::Accepted)
+            return false;
+        *store = dialog.store();
+        return true;
+    };
+
+    m_askGrid = [this](JobDocument *grid) {
+        TestGridDialog dialog(document().machine, this);
+        while (dialog.exec() == QDialog::Accepted) {
+            QString error;
+            if (dialog.makeDocument(grid, &error))
+                return true;
+            notice(error);
+        }
+        return false;
     };
 
     buildActions();
@@ -198,6 +226,8 @@ void JobWindow::buildActions()
     m_alignVCenter = make(QKeySequence(), "actionAlignVCenter");
     m_alignTop = make(QKeySequence(), "actionAlignTop");
     m_addLayer = make(QKeySequence(), "actionAddLayer");
+    m_profilesAction = make(QKeySequence(), "actionMachineProfiles");
+    m_gridAction = make(QKeySequence(), "actionTestGrid");
     m_frame = make(QKeySequence(), "actionFrame");
     m_run = make(QKeySequence(), "actionRunJob");
     m_zoomIn = make(QKeySequence::ZoomIn, "actionZoomIn");
@@ -220,8 +250,8 @@ void JobWindow::buildActions()
     connect(m_export, &QAction::triggered, this, &JobWindow::exportJob);
     connect(m_close, &QAction::triggered, this, &QWidget::close);
     connect(m_addPicture, &QAction::triggered, this, [this] {
-        const QString path = m_chooseFile(FileQuestion::AddFile, tr("Add picture"),
-                                          tr("Pictures (*.png *.jpg *.jpeg *.bmp *.gif)"));
+        const QString path =
+            m_chooseFile(FileQuestion::AddFile, tr("Add picture"), tr("Pictures (*.png *.jpg *.jpeg *.bmp *.gif)"));
         if (!path.isEmpty())
             addFile(path);
     });
@@ -242,8 +272,8 @@ void JobWindow::buildActions()
         setSelection(all);
     });
     const std::pair<QAction *, JobEdits::Align> aligns[] = {
-        {m_alignLeft, JobEdits::Align::Left},     {m_alignHCenter, JobEdits::Align::HCenter},
-        {m_alignRight, JobEdits::Align::Right},   {m_alignBottom, JobEdits::Align::Bottom},
+        {m_alignLeft, JobEdits::Align::Left},       {m_alignHCenter, JobEdits::Align::HCenter},
+        {m_alignRight, JobEdits::Align::Right},     {m_alignBottom, JobEdits::Align::Bottom},
         {m_alignVCenter, JobEdits::Align::VCenter}, {m_alignTop, JobEdits::Align::Top}};
     for (const auto &pair : aligns) {
         const JobEdits::Align align = pair.second;
@@ -257,6 +287,8 @@ void JobWindow::buildActions()
         m_model->change(tr("Add layer"), [&](JobDocument &doc) { added = JobEdits::addLayer(&doc, Operation::Image); });
         m_layers->setCurrentLayer(added);
     });
+    connect(m_profilesAction, &QAction::triggered, this, &JobWindow::editProfiles);
+    connect(m_gridAction, &QAction::triggered, this, &JobWindow::newTestGrid);
     connect(m_frame, &QAction::triggered, this, &JobWindow::frameJob);
     connect(m_run, &QAction::triggered, this, &JobWindow::runJob);
     connect(m_zoomIn, &QAction::triggered, this, [this] { m_view->zoomBy(1.25); });
@@ -311,6 +343,9 @@ void JobWindow::buildMenus()
     });
 
     m_machineMenu = menuBar()->addMenu(QString());
+    m_machineMenu->addAction(m_profilesAction);
+    m_machineMenu->addAction(m_gridAction);
+    m_machineMenu->addSeparator();
     m_machineMenu->addAction(m_frame);
     m_machineMenu->addAction(m_run);
 }
@@ -417,6 +452,8 @@ void JobWindow::retranslateUi()
     m_alignTop->setText(tr("Align top"));
     m_addLayer->setText(tr("Add layer"));
     m_frame->setText(tr("Frame"));
+    m_profilesAction->setText(tr("Machine profiles…"));
+    m_gridAction->setText(tr("Material test grid…"));
     m_run->setText(tr("Run job"));
     m_zoomIn->setText(tr("Zoom in"));
     m_zoomOut->setText(tr("Zoom out"));
@@ -471,7 +508,7 @@ QString JobWindow::jobFilter() const { return tr("Jobs (*.tljob);;All files (*)"
 void JobWindow::newJob()
 {
     JobDocument doc;
-    doc.machine = m_model->document().machine;
+    doc.machine = m_profiles->current();
     m_model->reset(doc);
     m_summary.clear();
     m_summaryLabel->clear();
@@ -537,9 +574,12 @@ bool JobWindow::maybeSave()
         return true;
     const QString name = m_model->filePath().isEmpty() ? tr("Untitled job") : QFileInfo(m_model->filePath()).fileName();
     switch (m_askClose(tr("%1 has unsaved changes. Save them?").arg(name))) {
-    case CloseAnswer::Save: return save();
-    case CloseAnswer::Discard: return true;
-    case CloseAnswer::Cancel: break;
+    case CloseAnswer::Save:
+        return save();
+    case CloseAnswer::Discard:
+        return true;
+    case CloseAnswer::Cancel:
+        break;
     }
     return false;
 }
@@ -602,7 +642,8 @@ QSizeF JobWindow::startSize(const JobSource &source) const
     if (!JobSources::naturalSize(source, &w, &h, &error) || w <= 0 || h <= 0)
         return QSizeF();
     switch (source.kind) {
-    case SourceKind::Text: break;  // already mm at its em size
+    case SourceKind::Text:
+        break;  // already mm at its em size
     case SourceKind::Svg:
     case SourceKind::Trace:
         w *= SvgUnitMm;
@@ -654,9 +695,9 @@ bool JobWindow::addFile(const QString &path, const QPointF *at)
     JobItem item;
     item.source.name = QFileInfo(path).fileName();
     item.source.data = file.readAll();
-    item.source.kind =
-        QFileInfo(path).suffix().compare(QLatin1String("svg"), Qt::CaseInsensitive) == 0 ? SourceKind::Svg
-                                                                                          : SourceKind::Picture;
+    item.source.kind = QFileInfo(path).suffix().compare(QLatin1String("svg"), Qt::CaseInsensitive) == 0
+                           ? SourceKind::Svg
+                           : SourceKind::Picture;
     const QSizeF size = startSize(item.source);
     if (size.isEmpty()) {
         notice(tr("%1 is neither a picture nor an SVG drawing").arg(item.source.name));
@@ -832,6 +873,35 @@ void JobWindow::setProfile(const MachineProfile &profile)
     m_view->fitBed();
 }
 
+bool JobWindow::editProfiles()
+{
+    MachineProfileStore edited = *m_profiles;
+    if (!m_editProfiles(&edited))
+        return false;
+    QString error;
+    if (!edited.save(&error)) {
+        notice(error);
+        return false;
+    }
+    *m_profiles = edited;
+    setProfile(m_profiles->current());
+    return true;
+}
+
+bool JobWindow::newTestGrid()
+{
+    if (!maybeSave())
+        return false;
+    JobDocument grid;
+    if (!m_askGrid(&grid))
+        return false;
+    newJob();
+    // One undo step, so the new job counts as unsaved and closing it asks.
+    m_model->change(tr("Material test grid"), [&](JobDocument &doc) { doc = grid; });
+    m_view->fitBed();
+    return true;
+}
+
 QRectF JobWindow::jobBounds() const
 {
     QList<int> items;
@@ -899,9 +969,8 @@ bool JobWindow::frameJob()
         notice(tr("Connect to the machine in the Machine window first"));
         return false;
     }
-    const auto lines =
-        MachinePanel::frameLines(bounds, m_machine->link()->firmware(), int(m_framePower->value()),
-                                 int(document().machine.travelSpeed), m_machine->link()->grblMaxPower());
+    const auto lines = MachinePanel::frameLines(bounds, m_machine->link()->firmware(), int(m_framePower->value()),
+                                                int(document().machine.travelSpeed), m_machine->link()->grblMaxPower());
     for (const QByteArray &line : lines)
         m_machine->link()->sendLine(line);
     statusBar()->showMessage(tr("Framing X %1 to %2, Y %3 to %4 mm")

@@ -14,11 +14,13 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 
 class JobLayoutScene;
 class JobLayoutView;
 class JobModel;
 class LayerPanel;
+class MachineProfileStore;
 class MachinePanel;
 class PreviewPanel;
 class QAction;
@@ -55,6 +57,12 @@ public:
     void setCloseQuestion(CloseQuestion question) { m_askClose = std::move(question); }
     void setNoticeShower(NoticeShower shower) { m_showNotice = std::move(shower); }
     void setSourceAsker(SourceAsker asker) { m_askSource = std::move(asker); }
+    // Edits the machine profiles; false when cancelled.
+    using ProfileEditor = std::function<bool(MachineProfileStore *store)>;
+    void setProfileEditor(ProfileEditor editor) { m_editProfiles = std::move(editor); }
+    // Asks for a material test grid; false when cancelled.
+    using GridAsker = std::function<bool(JobDocument *grid)>;
+    void setGridAsker(GridAsker asker) { m_askGrid = std::move(asker); }
 
     // ---- Job files.
     void newJob();
@@ -91,6 +99,12 @@ public:
     QDoubleSpinBox *heightField() const { return m_hField; }
 
     // ---- Machine.
+    // The saved profiles (machine-profiles.json); a new job takes the selected one.
+    const MachineProfileStore &profiles() const { return *m_profiles; }
+    // Edits the profiles, saves them and gives the job the selected one.
+    bool editProfiles();
+    // Asks for a material test grid and opens it as a new, unsaved job.
+    bool newTestGrid();
     // The job's machine profile (one undo step); the layout shows its bed.
     void setProfile(const MachineProfile &profile);
     // Writes the job's G-code; the summary and the preview show the result.
@@ -147,6 +161,9 @@ private:
     CloseQuestion m_askClose;
     NoticeShower m_showNotice;
     SourceAsker m_askSource;
+    ProfileEditor m_editProfiles;
+    GridAsker m_askGrid;
+    std::unique_ptr<MachineProfileStore> m_profiles;
 
     QMenu *m_fileMenu, *m_editMenu, *m_layerMenu, *m_machineMenu, *m_recentMenu, *m_alignMenu, *m_moveToMenu;
     QToolBar *m_mainBar, *m_itemBar;
@@ -154,6 +171,7 @@ private:
     QAction *m_undo, *m_redo, *m_addPicture, *m_addSvg, *m_addText, *m_addQr, *m_duplicate, *m_delete, *m_centre,
         *m_selectAll;
     QAction *m_alignLeft, *m_alignHCenter, *m_alignRight, *m_alignBottom, *m_alignVCenter, *m_alignTop;
+    QAction *m_profilesAction, *m_gridAction;
     QAction *m_addLayer, *m_frame, *m_run, *m_zoomIn, *m_zoomOut, *m_fit;
     QDoubleSpinBox *m_xField, *m_yField, *m_wField, *m_hField;
     QCheckBox *m_keepAspect;

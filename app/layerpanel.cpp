@@ -362,8 +362,8 @@ void LayerPanel::showLayer()
 {
     const JobDocument &doc = m_model->document();
     const bool has = m_current >= 0 && m_current < int(doc.layers.size());
-    for (QWidget *w : std::initializer_list<QWidget *>{m_name, m_color, m_operation, m_speed, m_power, m_passes, m_pages,
-                                                       m_remove, m_up, m_down})
+    for (QWidget *w : std::initializer_list<QWidget *>{m_name, m_color, m_operation, m_speed, m_power, m_passes,
+                                                       m_pages, m_remove, m_up, m_down})
         w->setEnabled(has);
     if (!has)
         return;

@@ -82,7 +82,10 @@ bool near(const QRectF &a, const QRectF &b, double tolerance = 0.011)
            && std::abs(a.width() - b.width()) < tolerance && std::abs(a.height() - b.height()) < tolerance;
 }
 
-QString describe(const QRectF &r) { return QStringLiteral("%1,%2 %3x%4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height()); }
+QString describe(const QRectF &r)
+{
+    return QStringLiteral("%1,%2 %3x%4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
+}
 
 // One item of each kind, added through the window.
 bool addKind(Rig &rig, SourceKind kind, const QString &folder)
@@ -101,7 +104,8 @@ bool addKind(Rig &rig, SourceKind kind, const QString &folder)
     case SourceKind::Qr:
         rig.nextSource.text = QStringLiteral("https://example.org/42");
         return rig.window.addQr();
-    case SourceKind::Trace: break;
+    case SourceKind::Trace:
+        break;
     }
     return false;
 }
@@ -200,9 +204,8 @@ void TestJobWindow::editsFollowFieldsAndUndo()
     ScopedWorkDir dir;
     Rig rig;
     QVERIFY(addKind(rig, SourceKind::Picture, dir.path()));
-    rig.window.model()->change(QStringLiteral("place"), [](JobDocument &doc) {
-        JobEdits::setItemRect(&doc, 0, QRectF(10, 20, 40, 20));
-    });
+    rig.window.model()->change(QStringLiteral("place"),
+                               [](JobDocument &doc) { JobEdits::setItemRect(&doc, 0, QRectF(10, 20, 40, 20)); });
     if (edit.startsWith(QLatin1String("free"))) {
         rig.window.findChild<QCheckBox *>(QStringLiteral("keepAspect"))->setChecked(false);
         QVERIFY(!rig.doc().items[0].keepAspect);
@@ -228,7 +231,7 @@ void TestJobWindow::editsFollowFieldsAndUndo()
     else {
         const Qt::KeyboardModifiers mods = edit.contains(QLatin1String("shift")) ? Qt::ShiftModifier : Qt::NoModifier;
         const QString name = edit.section(QLatin1Char(' '), -1);
-        const Qt::Key key = name == QLatin1String("right") ? Qt::Key_Right
+        const Qt::Key key = name == QLatin1String("right")  ? Qt::Key_Right
                             : name == QLatin1String("left") ? Qt::Key_Left
                             : name == QLatin1String("up")   ? Qt::Key_Up
                                                             : Qt::Key_Down;
@@ -274,9 +277,8 @@ void TestJobWindow::mouseDragMovesAndResizes()
     Rig rig;
     rig.window.show();
     QVERIFY(addKind(rig, SourceKind::Picture, dir.path()));
-    rig.window.model()->change(QStringLiteral("place"), [](JobDocument &doc) {
-        JobEdits::setItemRect(&doc, 0, QRectF(20, 30, 40, 20));
-    });
+    rig.window.model()->change(QStringLiteral("place"),
+                               [](JobDocument &doc) { JobEdits::setItemRect(&doc, 0, QRectF(20, 30, 40, 20)); });
     JobLayoutView *view = rig.window.view();
     view->resetTransform();
     view->scale(4, 4);
