@@ -12,6 +12,7 @@
 #include <QEvent>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -58,6 +59,11 @@ LayerPanel::LayerPanel(JobModel *model, QWidget *parent) : QWidget(parent), m_mo
 {
     setObjectName(QStringLiteral("layerPanel"));
     m_chooseColor = [this](const QColor &initial) { return QColorDialog::getColor(initial, this); };
+    m_askName = [this](const QString &suggestion) {
+        return QInputDialog::getText(this, tr("Save as preset"), tr("Name of the preset"), QLineEdit::Normal,
+                                     suggestion);
+    };
+    m_presets.load();
     build();
     retranslateUi();
     connect(m_model, &JobModel::documentChanged, this, &LayerPanel::refresh);
@@ -88,6 +94,20 @@ void LayerPanel::build()
         buttons->addWidget(b);
     buttons->addStretch();
     layout->addLayout(buttons);
+
+    auto *presetRow = new QHBoxLayout;
+    m_preset = new QComboBox;
+    m_preset->setObjectName(QStringLiteral("presetCombo"));
+    m_preset->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_preset->setMinimumContentsLength(12);
+    m_applyPreset = new QPushButton;
+    m_savePreset = new QPushButton;
+    presetRow->addWidget(m_preset, 1);
+    presetRow->addWidget(m_applyPreset);
+    presetRow->addWidget(m_savePreset);
+    layout->addLayout(presetRow);
+    connect(m_applyPreset, &QPushButton::clicked, this, [this] { applyPreset(m_preset->currentIndex()); });
+    connect(m_savePreset, &QPushButton::clicked, this, &LayerPanel::saveLayerAsPreset);
 
     m_form = new QFormLayout;
     m_name = new QLineEdit;
@@ -305,6 +325,10 @@ void LayerPanel::retranslateUi()
     m_kerfSide->setItemText(1, tr("Inside"));
     m_kerfSide->setItemText(2, tr("Outside"));
     setLabel(m_lineForm, m_kerf, tr("Kerf"));
+    m_applyPreset->setText(tr("Apply"));
+    m_applyPreset->setToolTip(tr("Give the layer the preset's operation, speed, power, passes and interval"));
+    m_savePreset->setText(tr("Save as preset…"));
+    fillPresets();
     refresh();
 }
 
@@ -363,7 +387,7 @@ void LayerPanel::showLayer()
     const JobDocument &doc = m_model->document();
     const bool has = m_current >= 0 && m_current < int(doc.layers.size());
     for (QWidget *w : std::initializer_list<QWidget *>{m_name, m_color, m_operation, m_speed, m_power, m_passes,
-                                                       m_pages, m_remove, m_up, m_down})
+                                                       m_pages, m_remove, m_up, m_down, m_applyPreset, m_savePreset})
         w->setEnabled(has);
     if (!has)
         return;
@@ -413,6 +437,53 @@ void LayerPanel::editLayer(const std::function<void(JobLayer &)> &edit)
         if (index >= 0 && index < int(doc.layers.size()))
             edit(doc.layers[size_t(index)]);
     });
+}
+
+QString LayerPanel::language()
+{
+    //: The language code of this catalogue: zh, en or ko. It picks the language of the preset names.
+    const QString code = tr("en");
+    return code == QLatin1String("zh") || code == QLatin1String("ko") ? code : QStringLiteral("en");
+}
+
+void LayerPanel::fillPresets()
+{
+    const QString lang = language();
+    const int current = m_preset->currentIndex();
+    m_preset->clear();
+    for (const JobPreset &p : m_presets.presets)
+        m_preset->addItem(p.name(lang));
+    m_preset->setCurrentIndex(std::max(0, std::min(current, m_preset->count() - 1)));
+}
+
+bool LayerPanel::applyPreset(int index)
+{
+    if (index < 0 || index >= int(m_presets.presets.size()))
+        return false;
+    const JobPreset preset = m_presets.presets[size_t(index)];
+    const int layer = m_current;
+    return m_model->change(tr("Apply preset"), [&](JobDocument &doc) {
+        if (layer >= 0 && layer < int(doc.layers.size()))
+            preset.applyTo(&doc.layers[size_t(layer)]);
+    });
+}
+
+bool LayerPanel::saveLayerAsPreset()
+{
+    if (m_current < 0 || m_current >= int(m_model->document().layers.size()))
+        return false;
+    const JobLayer &layer = m_model->document().layers[size_t(m_current)];
+    const QString name = m_askName(layer.name).trimmed();
+    if (name.isEmpty())
+        return false;
+    JobPresetLibrary updated = m_presets;
+    updated.presets.push_back(JobPreset::fromLayer(layer, name));
+    if (!updated.save())
+        return false;
+    m_presets = updated;
+    fillPresets();
+    m_preset->setCurrentIndex(m_preset->count() - 1);
+    return true;
 }
 
 void LayerPanel::moveCurrent(int step)

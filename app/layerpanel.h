@@ -5,6 +5,7 @@
 #define LAYERPANEL_H
 
 #include "jobdocument.h"
+#include "jobpresetlibrary.h"
 
 #include <QColor>
 #include <QWidget>
@@ -34,6 +35,18 @@ public:
     // How a colour is picked: Qt's colour dialog unless replaced (tests answer without a dialog).
     using ColorChooser = std::function<QColor(const QColor &initial)>;
     void setColorChooser(ColorChooser chooser) { m_chooseColor = std::move(chooser); }
+    // How a new preset's name is asked: an input dialog unless replaced; empty means cancelled.
+    using NameAsker = std::function<QString(const QString &suggestion)>;
+    void setNameAsker(NameAsker asker) { m_askName = std::move(asker); }
+
+    // The material presets (job-presets.json in the configuration folder).
+    const JobPresetLibrary &presets() const { return m_presets; }
+    // Gives the selected layer the preset's settings (one undo step).
+    bool applyPreset(int index);
+    // Saves the selected layer as a new preset, named by the user.
+    bool saveLayerAsPreset();
+    // The language the preset names are shown in: "zh", "en" or "ko", from the loaded catalogue.
+    static QString language();
 
     // The line the list shows for a layer.
     static QString summary(const JobLayer &layer);
@@ -55,15 +68,20 @@ private:
     void editLayer(const std::function<void(JobLayer &)> &edit);
     void readListOrder();
     void moveCurrent(int step);
+    void fillPresets();
 
     JobModel *m_model;
     ColorChooser m_chooseColor;
+    NameAsker m_askName;
+    JobPresetLibrary m_presets;
     int m_current = -1;
     bool m_updating = false;
     bool m_orderCheckPending = false;
 
     QListWidget *m_list;
     QToolButton *m_add, *m_remove, *m_up, *m_down;
+    QComboBox *m_preset;
+    QPushButton *m_applyPreset, *m_savePreset;
     QLineEdit *m_name;
     QPushButton *m_color;
     QComboBox *m_operation;

@@ -48,6 +48,7 @@ MachineProfileDialog::MachineProfileDialog(const MachineProfileStore &store, QWi
 
     auto *form = new QFormLayout;
     m_name = new QLineEdit;
+    m_name->setObjectName(QStringLiteral("profileName"));
     m_dialect = new QComboBox;
     m_dialect->addItem(tr("GRBL (M4 S)"));
     m_dialect->addItem(tr("Marlin (M3 S / M5)"));

@@ -209,9 +209,8 @@ void TestGridDialog::refresh()
     for (const JobItem &item : doc.items) {
         const JobLayer &layer = doc.layers[size_t(item.layer)];
         const JobItemLook look = JobItemLook::make(item, layer, 120);
-        const QRectF target(8 + (item.x - bounds.left()) * scale,
-                            8 + (bounds.bottom() - item.y - item.height) * scale, item.width * scale,
-                            item.height * scale);
+        const QRectF target(8 + (item.x - bounds.left()) * scale, 8 + (bounds.bottom() - item.y - item.height) * scale,
+                            item.width * scale, item.height * scale);
         if (!look.picture.isNull()) {
             painter.drawImage(target, look.picture);
             continue;
@@ -232,12 +231,12 @@ void TestGridDialog::refresh()
     m_view->setPixmap(QPixmap::fromImage(m_picture));
     JobExportResult result;
     if (JobExport::run(doc, &result, &error))
-        m_time->setText(tr("%1 cells, %2 x %3 mm, estimated time %4")
-                            .arg(params().powerCount
-                                 * (params().rowsArePasses ? params().passesCount : params().speedCount))
-                            .arg(bounds.width(), 0, 'f', 1)
-                            .arg(bounds.height(), 0, 'f', 1)
-                            .arg(QString::fromLatin1(JobFormat::duration(result.seconds))));
+        m_time->setText(
+            tr("%1 cells, %2 x %3 mm, estimated time %4")
+                .arg(params().powerCount * (params().rowsArePasses ? params().passesCount : params().speedCount))
+                .arg(bounds.width(), 0, 'f', 1)
+                .arg(bounds.height(), 0, 'f', 1)
+                .arg(QString::fromLatin1(JobFormat::duration(result.seconds))));
     else
         m_time->setText(error);
 }
