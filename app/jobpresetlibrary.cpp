@@ -84,8 +84,8 @@ QByteArray JobPresetLibrary::toJson() const
     QJsonArray list;
     for (const JobPreset &p : presets) {
         QJsonObject o;
-        o[QStringLiteral("name")] =
-            QJsonObject{{QStringLiteral("zh"), p.nameZh}, {QStringLiteral("en"), p.nameEn}, {QStringLiteral("ko"), p.nameKo}};
+        o[QStringLiteral("name")] = QJsonObject{
+            {QStringLiteral("zh"), p.nameZh}, {QStringLiteral("en"), p.nameEn}, {QStringLiteral("ko"), p.nameKo}};
         o[QStringLiteral("operation")] = JobNames::operation(p.operation);
         o[QStringLiteral("speed")] = p.speed;
         o[QStringLiteral("power")] = p.power;
@@ -147,7 +147,8 @@ bool JobPresetLibrary::load(QString *error)
         return true;
     presets = starting();
     if (error)
-        *error = QFileInfo(path()).fileName() + QStringLiteral(": ") + (why.isEmpty() ? QStringLiteral("cannot be read") : why);
+        *error = QFileInfo(path()).fileName() + QStringLiteral(": ")
+                 + (why.isEmpty() ? QStringLiteral("cannot be read") : why);
     return false;
 }
 

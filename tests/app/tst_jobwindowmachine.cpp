@@ -96,8 +96,8 @@ void TestJobWindowMachine::profileFile()
     QFETCH(int, selected);
     QFETCH(double, bedWidth);
     ScopedWorkDir dir;
-    QVERIFY(MachineProfileStore::path().startsWith(
-        QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)));
+    QVERIFY(
+        MachineProfileStore::path().startsWith(QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)));
     QVERIFY(!MachineProfileStore::path().startsWith(dir.path()));
     QDir().mkpath(QFileInfo(MachineProfileStore::path()).absolutePath());
     TestFiles::write(MachineProfileStore::path(), json);
@@ -309,11 +309,11 @@ void TestJobWindowMachine::testGridMatchesTool()
              qPrintable(dialog.timeText()));
 
     QProcess tool;
-    tool.start(QStringLiteral(TARNWELL_EXPORT_TOOL), QStringList{QStringLiteral("testgrid"), QStringLiteral("--output"),
-                                                                  dir.file(QStringLiteral("grid.gcode")),
-                                                                  QStringLiteral("--job"),
-                                                                  dir.file(QStringLiteral("grid.tljob"))}
-                                                         + arguments);
+    tool.start(QStringLiteral(TARNWELL_EXPORT_TOOL),
+               QStringList{QStringLiteral("testgrid"), QStringLiteral("--output"),
+                           dir.file(QStringLiteral("grid.gcode")), QStringLiteral("--job"),
+                           dir.file(QStringLiteral("grid.tljob"))}
+                   + arguments);
     QVERIFY(tool.waitForFinished(60000));
     QCOMPARE(tool.exitCode(), 0);
     JobDocument written;
