@@ -4,6 +4,7 @@
 #include "jobgeometry.h"
 #include "jobraster.h"
 
+#include <QCache>
 #include <QDataStream>
 #include <QIODevice>
 #include <QtGlobal>
@@ -12,7 +13,35 @@
 
 namespace {
 
+constexpr int ScreenSide = 1400;  // a decoded picture is kept at most this many pixels on a side
+constexpr int CachedPictures = 24;
+
 bool isPictureKind(SourceKind kind) { return kind == SourceKind::Picture || kind == SourceKind::Qr; }
+
+// The source as gray, reduced for the screen. Decoding a large photo takes far longer than
+// processing it, so each source is decoded once and kept while it is in use.
+bool screenGray(const JobSource &source, QImage *out, QString *error)
+{
+    static QCache<QByteArray, QImage> cache(CachedPictures);
+    QByteArray key;
+    QDataStream stream(&key, QIODevice::WriteOnly);
+    stream << int(source.kind) << qHash(source.data) << source.data.size() << source.text << int(source.level)
+           << source.quietZone;
+    if (QImage *found = cache.object(key)) {
+        *out = *found;
+        return true;
+    }
+    QImage gray;
+    if (!JobSources::gray(source, &gray, error))
+        return false;
+    // QR modules stay sharp; photos are averaged down.
+    if (source.kind == SourceKind::Picture && std::max(gray.width(), gray.height()) > ScreenSide)
+        gray = gray.scaled(ScreenSide, ScreenSide, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+                   .convertToFormat(QImage::Format_Grayscale8);
+    cache.insert(key, new QImage(gray));
+    *out = gray;
+    return true;
+}
 
 // Burn levels (0 burns) as the layer's colour over transparency.
 QImage tint(const QImage &cells, const QColor &color)
@@ -41,7 +70,7 @@ JobItemLook JobItemLook::make(const JobItem &item, const JobLayer &layer, int ma
         return look;
     if (isPictureKind(item.source.kind)) {
         QImage gray;
-        if (!JobSources::gray(item.source, &gray, &look.error))
+        if (!screenGray(item.source, &gray, &look.error))
             return look;
         ImageParams params = layer.image;
         if (layer.operation != Operation::Image) {
