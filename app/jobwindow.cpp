@@ -32,7 +32,9 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QSaveFile>
+#include <QScrollArea>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QToolBar>
@@ -80,7 +82,12 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
     m_layers = new LayerPanel(m_model, this);
     auto *layerDock = new QDockWidget(this);
     layerDock->setObjectName(QStringLiteral("layerDock"));
-    layerDock->setWidget(m_layers);
+    // The settings of an image layer are long: they scroll in a low window.
+    auto *layerScroll = new QScrollArea;
+    layerScroll->setWidget(m_layers);
+    layerScroll->setWidgetResizable(true);
+    layerScroll->setFrameShape(QFrame::NoFrame);
+    layerDock->setWidget(layerScroll);
     layerDock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
     addDockWidget(Qt::RightDockWidgetArea, layerDock);
 
@@ -97,6 +104,8 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
     auto *previewDock = new QDockWidget(this);
     previewDock->setObjectName(QStringLiteral("jobPreviewDock"));
     previewDock->setWidget(previewBox);
+    layerDock->setMinimumWidth(360);
+    previewDock->setMinimumWidth(360);
     addDockWidget(Qt::RightDockWidgetArea, previewDock);
     tabifyDockWidget(layerDock, previewDock);
     layerDock->raise();
@@ -110,14 +119,21 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
                       : QFileDialog::getOpenFileName(this, title, QString(), filter);
     };
     m_askClose = [this](const QString &text) {
-        const auto answer =
-            QMessageBox::question(this, windowTitle(), text,
-                                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
-        return answer == QMessageBox::Save      ? CloseAnswer::Save
-               : answer == QMessageBox::Discard ? CloseAnswer::Discard
+        QMessageBox box(QMessageBox::Question, windowTitle(), text, QMessageBox::NoButton, this);
+        QPushButton *save = box.addButton(tr("Save"), QMessageBox::AcceptRole);
+        QPushButton *discard = box.addButton(tr("Discard"), QMessageBox::DestructiveRole);
+        box.addButton(tr("Cancel"), QMessageBox::RejectRole);
+        box.setDefaultButton(save);
+        box.exec();
+        return box.clickedButton() == save      ? CloseAnswer::Save
+               : box.clickedButton() == discard ? CloseAnswer::Discard
                                                 : CloseAnswer::Cancel;
     };
-    m_showNotice = [this](const QString &text) { QMessageBox::warning(this, windowTitle(), text); };
+    m_showNotice = [this](const QString &text) {
+        QMessageBox box(QMessageBox::Warning, windowTitle(), text, QMessageBox::NoButton, this);
+        box.addButton(tr("OK"), QMessageBox::AcceptRole);
+        box.exec();
+    };
     m_askSource = [this](JobSource *source) {
         JobTextDialog dialog(source->kind, this);
         dialog.setSource(*source);

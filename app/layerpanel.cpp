@@ -119,12 +119,12 @@ void LayerPanel::build()
     m_passes = new QSpinBox;
     m_passes->setRange(1, 100);
     m_passes->setKeyboardTracking(false);
-    m_form->addRow(QString(), m_name);
-    m_form->addRow(QString(), m_color);
-    m_form->addRow(QString(), m_operation);
-    m_form->addRow(QString(), m_speed);
-    m_form->addRow(QString(), m_power);
-    m_form->addRow(QString(), m_passes);
+    m_form->addRow(new QLabel, m_name);
+    m_form->addRow(new QLabel, m_color);
+    m_form->addRow(new QLabel, m_operation);
+    m_form->addRow(new QLabel, m_speed);
+    m_form->addRow(new QLabel, m_power);
+    m_form->addRow(new QLabel, m_passes);
     layout->addLayout(m_form);
 
     m_pages = new QStackedWidget;
@@ -148,18 +148,18 @@ void LayerPanel::build()
     m_imageOverscan = spin(0, 50, 1, 0.5, QStringLiteral(" mm"));
     m_imageBidirectional = new QCheckBox;
     m_reverseOffset = spin(-5, 5, 3, 0.01, QStringLiteral(" mm"));
-    m_imageForm->addRow(QString(), m_imageMode);
-    m_imageForm->addRow(QString(), m_dither);
-    m_imageForm->addRow(QString(), m_threshold);
-    m_imageForm->addRow(QString(), m_brightness);
-    m_imageForm->addRow(QString(), m_contrast);
-    m_imageForm->addRow(QString(), m_gamma);
-    m_imageForm->addRow(QString(), m_minPower);
-    m_imageForm->addRow(QString(), m_invert);
-    m_imageForm->addRow(QString(), m_imageInterval);
-    m_imageForm->addRow(QString(), m_imageOverscan);
-    m_imageForm->addRow(QString(), m_imageBidirectional);
-    m_imageForm->addRow(QString(), m_reverseOffset);
+    m_imageForm->addRow(new QLabel, m_imageMode);
+    m_imageForm->addRow(new QLabel, m_dither);
+    m_imageForm->addRow(new QLabel, m_threshold);
+    m_imageForm->addRow(new QLabel, m_brightness);
+    m_imageForm->addRow(new QLabel, m_contrast);
+    m_imageForm->addRow(new QLabel, m_gamma);
+    m_imageForm->addRow(new QLabel, m_minPower);
+    m_imageForm->addRow(new QLabel, m_invert);
+    m_imageForm->addRow(new QLabel, m_imageInterval);
+    m_imageForm->addRow(new QLabel, m_imageOverscan);
+    m_imageForm->addRow(new QLabel, m_imageBidirectional);
+    m_imageForm->addRow(new QLabel, m_reverseOffset);
     m_pages->addWidget(imagePage);
 
     auto *fillPage = new QWidget;
@@ -170,11 +170,11 @@ void LayerPanel::build()
     m_crossHatch = new QCheckBox;
     m_fillOverscan = spin(0, 50, 1, 0.5, QStringLiteral(" mm"));
     m_fillBidirectional = new QCheckBox;
-    m_fillForm->addRow(QString(), m_fillInterval);
-    m_fillForm->addRow(QString(), m_angle);
-    m_fillForm->addRow(QString(), m_crossHatch);
-    m_fillForm->addRow(QString(), m_fillOverscan);
-    m_fillForm->addRow(QString(), m_fillBidirectional);
+    m_fillForm->addRow(new QLabel, m_fillInterval);
+    m_fillForm->addRow(new QLabel, m_angle);
+    m_fillForm->addRow(new QLabel, m_crossHatch);
+    m_fillForm->addRow(new QLabel, m_fillOverscan);
+    m_fillForm->addRow(new QLabel, m_fillBidirectional);
     m_pages->addWidget(fillPage);
 
     auto *linePage = new QWidget;
@@ -183,8 +183,8 @@ void LayerPanel::build()
     m_kerfSide = new QComboBox;
     m_kerfSide->addItems({QString(), QString(), QString()});
     m_kerf = spin(0, 5, 3, 0.01, QStringLiteral(" mm"));
-    m_lineForm->addRow(QString(), m_kerfSide);
-    m_lineForm->addRow(QString(), m_kerf);
+    m_lineForm->addRow(new QLabel, m_kerfSide);
+    m_lineForm->addRow(new QLabel, m_kerf);
     m_pages->addWidget(linePage);
     layout->addWidget(m_pages);
 

@@ -77,6 +77,8 @@ MachineProfileDialog::MachineProfileDialog(const MachineProfileStore &store, QWi
     top->addLayout(form, 1);
 
     auto *box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    box->button(QDialogButtonBox::Ok)->setText(tr("OK"));
+    box->button(QDialogButtonBox::Cancel)->setText(tr("Cancel"));
     connect(box, &QDialogButtonBox::accepted, this, [this] {
         storeFields();
         accept();

@@ -48,11 +48,11 @@ QWidget *range(QWidget *from, QWidget *to, QWidget *steps)
     auto *row = new QWidget;
     auto *layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(from);
+    layout->addWidget(from, 2);
     layout->addWidget(new QLabel(QStringLiteral("\u2192")));
-    layout->addWidget(to);
+    layout->addWidget(to, 2);
     layout->addWidget(new QLabel(QStringLiteral("\u00d7")));
-    layout->addWidget(steps);
+    layout->addWidget(steps, 1);
     return row;
 }
 }  // namespace
@@ -108,6 +108,7 @@ TestGridDialog::TestGridDialog(const MachineProfile &machine, QWidget *parent) :
     top->addLayout(right);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     buttons->button(QDialogButtonBox::Ok)->setText(tr("Create job"));
+    buttons->button(QDialogButtonBox::Cancel)->setText(tr("Cancel"));
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto *layout = new QVBoxLayout(this);

@@ -70,6 +70,14 @@
         <source>Alignment</source>
         <translation>Alignment</translation>
     </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
 </context>
 <context>
     <name>JobWindow</name>
@@ -421,6 +429,18 @@
         <source>Copy the prepared picture or drawing into the Job window</source>
         <translation>Copy the prepared picture or drawing into the Job window</translation>
     </message>
+    <message>
+        <source>Discard</source>
+        <translation>Discard</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
 </context>
 <context>
     <name>LayerPanel</name>
@@ -692,6 +712,14 @@
         <source>Asking the board…</source>
         <translation>Asking the board…</translation>
     </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
 </context>
 <context>
     <name>TestGridDialog</name>
@@ -754,6 +782,10 @@
     <message>
         <source>%1 cells, %2 x %3 mm, estimated time %4</source>
         <translation>%1 cells, %2 x %3 mm, estimated time %4</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
     </message>
 </context>
 </TS>

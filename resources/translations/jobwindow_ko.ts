@@ -70,6 +70,14 @@
         <source>Alignment</source>
         <translation>정렬</translation>
     </message>
+    <message>
+        <source>OK</source>
+        <translation>확인</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>취소</translation>
+    </message>
 </context>
 <context>
     <name>JobWindow</name>
@@ -421,6 +429,18 @@
         <source>Copy the prepared picture or drawing into the Job window</source>
         <translation>준비한 그림이나 도면을 작업 창으로 복사합니다</translation>
     </message>
+    <message>
+        <source>Discard</source>
+        <translation>저장 안 함</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>취소</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>확인</translation>
+    </message>
 </context>
 <context>
     <name>LayerPanel</name>
@@ -692,6 +712,14 @@
         <source>Asking the board…</source>
         <translation>보드에 묻는 중…</translation>
     </message>
+    <message>
+        <source>OK</source>
+        <translation>확인</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>취소</translation>
+    </message>
 </context>
 <context>
     <name>TestGridDialog</name>
@@ -754,6 +782,10 @@
     <message>
         <source>%1 cells, %2 x %3 mm, estimated time %4</source>
         <translation>칸 %1개, %2 x %3 mm, 예상 시간 %4</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>취소</translation>
     </message>
 </context>
 </TS>

@@ -70,6 +70,14 @@
         <source>Alignment</source>
         <translation>对齐</translation>
     </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
 </context>
 <context>
     <name>JobWindow</name>
@@ -421,6 +429,18 @@
         <source>Copy the prepared picture or drawing into the Job window</source>
         <translation>把已处理好的图片或矢量图复制到作业窗口</translation>
     </message>
+    <message>
+        <source>Discard</source>
+        <translation>不保存</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
 </context>
 <context>
     <name>LayerPanel</name>
@@ -692,6 +712,14 @@
         <source>Asking the board…</source>
         <translation>正在询问主板…</translation>
     </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
 </context>
 <context>
     <name>TestGridDialog</name>
@@ -754,6 +782,10 @@
     <message>
         <source>%1 cells, %2 x %3 mm, estimated time %4</source>
         <translation>%1 个方格，%2 x %3 mm，预计用时 %4</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
     </message>
 </context>
 </TS>
