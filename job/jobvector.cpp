@@ -25,6 +25,9 @@ const double Scale = 1e5;
 const double ArcTolerance = 0.0025 * Scale;
 // Most hatch lines one set may have; a finer request is refused as absurd.
 const long MaxScanLines = 4000000;
+// How much longer than the two overscans a gap along a hatch line must be to be crossed by travel
+// rather than at zero power without stopping (as raster rows do).
+const double GapTravel = 10.0;
 // Cells a contour's box may cover before it is kept in the list every probe looks at.
 const long MaxCellsPerBox = 64;
 
@@ -235,7 +238,7 @@ private:
 };
 
 // Burns arranged hatch lines, each segment with overscan before and after it along the line. A gap
-// on the same line no longer than both overscans together is crossed at zero power without stopping.
+// on the same line no longer than both overscans and GapTravel is crossed at zero power without stopping.
 void burnLines(const std::vector<std::vector<Segment>> &lines, double overscan, Emitter &out)
 {
     const double run = std::max(0.0, overscan);
@@ -247,7 +250,7 @@ void burnLines(const std::vector<std::vector<Segment>> &lines, double overscan, 
             if (length <= 0)
                 continue;
             const QPointF u = (s.b - s.a) / length;
-            if (open && distance(last, s.a) <= 2 * run) {
+            if (open && distance(last, s.a) <= 2 * run + GapTravel) {
                 out.idle(s.a);
             } else {
                 if (open)

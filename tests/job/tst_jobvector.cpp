@@ -89,6 +89,7 @@ private slots:
     void innerBeforeOuter();
     void nearestNeighbour_data();
     void nearestNeighbour();
+    void nearestNeighbourAmongMany();
     void planLineMoves();
     void planFillMoves_data();
     void planFillMoves();
@@ -353,6 +354,45 @@ void TestJobVector::nearestNeighbour()
         QCOMPARE(c.points.size(), c.closed ? size_t(5) : size_t(3));
 }
 
+void TestJobVector::nearestNeighbourAmongMany()
+{
+    // 400 small triangles scattered over the bed: each next contour starts at the vertex nearest
+    // to where the last one ended, checked against every vertex left.
+    quint32 seed = 12345;
+    auto next = [&seed] {
+        seed = seed * 1664525u + 1013904223u;
+        return double(seed >> 8) / double(1 << 24);
+    };
+    JobShape shape;
+    for (int i = 0; i < 400; ++i) {
+        const QPointF c((i % 20) * 8 + next() * 6, (i / 20) * 10 + next() * 8);
+        shape.contours.push_back(
+            JobContour{{c, c + QPointF(1 + next(), next()), c + QPointF(next(), 1 + next())}, true});
+    }
+    const std::vector<JobContour> cut = JobVector::order({{shape}}, QPointF(85, 100));
+    QCOMPARE(cut.size(), size_t(400));
+    std::vector<bool> used(400, false);
+    QPointF at(85, 100);
+    for (const JobContour &c : cut) {
+        double best = 1e18;
+        for (size_t i = 0; i < 400; ++i)
+            if (!used[i])
+                for (const QPointF &p : shape.contours[i].points)
+                    best = std::min(best, std::hypot(p.x() - at.x(), p.y() - at.y()));
+        const double taken = std::hypot(c.points.front().x() - at.x(), c.points.front().y() - at.y());
+        QCOMPARE(taken, best);
+        for (size_t i = 0; i < 400; ++i) {
+            const Points &pts = shape.contours[i].points;
+            if (!used[i] && std::find(pts.begin(), pts.end(), c.points.front()) != pts.end()) {
+                used[i] = true;
+                break;
+            }
+        }
+        at = c.points.back();
+    }
+    QVERIFY(std::all_of(used.begin(), used.end(), [](bool u) { return u; }));
+}
+
 void TestJobVector::planLineMoves()
 {
     // A 2 mm square with a 0.2 mm kerf outside, from the origin: it starts at its nearest corner.
@@ -396,7 +436,8 @@ void TestJobVector::planFillMoves_data()
     QTest::addColumn<QString>("expected");
 
     // Unit squares `left` mm from the bed's edge (one, or two `gap` apart on the same lines),
-    // hatched 0.5 mm apart with 1 mm overscan at 600 mm/min, from the origin.
+    // hatched 0.5 mm apart with 1 mm overscan at 600 mm/min, from the origin. A gap up to the two
+    // overscans and 10 mm is crossed at zero power.
     // clang-format off
     QTest::newRow("one square") << -1.0 << 10.0
         << "T 9000 250 C 10000 250 0 600 C 11000 250 5000 600 C 12000 250 0 600 "
@@ -404,14 +445,14 @@ void TestJobVector::planFillMoves_data()
     QTest::newRow("overscan held on the bed") << -1.0 << 0.5
         << "T 0 250 C 500 250 0 600 C 1500 250 5000 600 C 2500 250 0 600 "
            "T 2500 750 C 1500 750 0 600 C 500 750 5000 600 C 0 750 0 600";
-    QTest::newRow("short gap crossed at zero power") << 2.0 << 10.0
-        << "T 9000 250 C 10000 250 0 600 C 11000 250 5000 600 C 13000 250 0 600 C 14000 250 5000 600 "
-           "C 15000 250 0 600 T 15000 750 C 14000 750 0 600 C 13000 750 5000 600 C 11000 750 0 600 "
+    QTest::newRow("short gap crossed at zero power") << 12.0 << 10.0
+        << "T 9000 250 C 10000 250 0 600 C 11000 250 5000 600 C 23000 250 0 600 C 24000 250 5000 600 "
+           "C 25000 250 0 600 T 25000 750 C 24000 750 0 600 C 23000 750 5000 600 C 11000 750 0 600 "
            "C 10000 750 5000 600 C 9000 750 0 600";
-    QTest::newRow("long gap travelled") << 3.0 << 10.0
-        << "T 9000 250 C 10000 250 0 600 C 11000 250 5000 600 C 12000 250 0 600 T 13000 250 "
-           "C 14000 250 0 600 C 15000 250 5000 600 C 16000 250 0 600 T 16000 750 C 15000 750 0 600 "
-           "C 14000 750 5000 600 C 13000 750 0 600 T 12000 750 C 11000 750 0 600 C 10000 750 5000 600 "
+    QTest::newRow("long gap travelled") << 12.5 << 10.0
+        << "T 9000 250 C 10000 250 0 600 C 11000 250 5000 600 C 12000 250 0 600 T 22500 250 "
+           "C 23500 250 0 600 C 24500 250 5000 600 C 25500 250 0 600 T 25500 750 C 24500 750 0 600 "
+           "C 23500 750 5000 600 C 22500 750 0 600 T 12000 750 C 11000 750 0 600 C 10000 750 5000 600 "
            "C 9000 750 0 600";
     // clang-format on
 }
