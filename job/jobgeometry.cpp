@@ -214,6 +214,47 @@ bool decodePicture(const QByteArray &data, QImage *image, QString *error)
     return true;
 }
 
+// A colour as gray (qGray's weights, as the tracer reads ink), laid on white by its opacity.
+uchar grayOnWhite(QRgb c)
+{
+    const int a = qAlpha(c);
+    return uchar((qGray(c) * a + 255 * (255 - a) + 127) / 255);
+}
+
+// The picture as 8-bit gray without a 32-bit copy of pictures that are gray or have a palette.
+QImage grayOnWhite(const QImage &picture)
+{
+    if (picture.format() == QImage::Format_Grayscale8)
+        return picture;
+    const QImage::Format format = picture.format();
+    const bool paletted =
+        format == QImage::Format_Mono || format == QImage::Format_MonoLSB || format == QImage::Format_Indexed8;
+    const bool direct = format == QImage::Format_RGB32 || format == QImage::Format_ARGB32;
+    const QImage source = paletted ? picture.convertToFormat(QImage::Format_Indexed8)
+                          : direct ? picture
+                                   : picture.convertToFormat(QImage::Format_ARGB32);
+    QImage out(source.width(), source.height(), QImage::Format_Grayscale8);
+    uchar lut[256] = {};
+    if (paletted) {
+        const QVector<QRgb> colors = source.colorTable();
+        for (int i = 0; i < colors.size() && i < 256; ++i)
+            lut[i] = grayOnWhite(colors.at(i));
+    }
+    for (int y = 0; y < source.height(); ++y) {
+        uchar *row = out.scanLine(y);
+        if (paletted) {
+            const uchar *in = source.constScanLine(y);
+            for (int x = 0; x < source.width(); ++x)
+                row[x] = lut[in[x]];
+        } else {
+            const QRgb *in = reinterpret_cast<const QRgb *>(source.constScanLine(y));
+            for (int x = 0; x < source.width(); ++x)
+                row[x] = grayOnWhite(in[x]);
+        }
+    }
+    return out;
+}
+
 bool readSvg(const QByteArray &data, SourceDrawing *drawing, QString *error)
 {
     // Millimetres at the CSS resolution, so the natural size of a drawing is its size on paper.
@@ -453,22 +494,7 @@ bool gray(const JobSource &source, QImage *image, QString *error)
     QImage picture;
     if (!decodePicture(source.data, &picture, error))
         return false;
-    if (!picture.hasAlphaChannel()) {
-        *image = picture.convertToFormat(QImage::Format_Grayscale8);
-        return true;
-    }
-    // Laid on white: each pixel's gray blended with white by its opacity.
-    const QImage argb = picture.convertToFormat(QImage::Format_ARGB32);
-    QImage out(argb.width(), argb.height(), QImage::Format_Grayscale8);
-    for (int y = 0; y < argb.height(); ++y) {
-        const QRgb *in = reinterpret_cast<const QRgb *>(argb.constScanLine(y));
-        uchar *row = out.scanLine(y);
-        for (int x = 0; x < argb.width(); ++x) {
-            const int a = qAlpha(in[x]);
-            row[x] = uchar((qGray(in[x]) * a + 255 * (255 - a) + 127) / 255);
-        }
-    }
-    *image = out;
+    *image = grayOnWhite(picture);
     return true;
 }
 

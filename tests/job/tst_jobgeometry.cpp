@@ -103,6 +103,7 @@ private slots:
     void textItem();
     void qrGray_data();
     void qrGray();
+    void pictureGray_data();
     void pictureGray();
     void rasterise_data();
     void rasterise();
@@ -443,29 +444,54 @@ void TestJobGeometry::qrGray()
             QVERIFY(image.constScanLine(y)[x] == 0 || image.constScanLine(y)[x] == 255);
 }
 
+// One row of pixels in the format given.
+QImage pixelRow(QImage::Format format, const QVector<QRgb> &pixels, const QVector<QRgb> &palette = {})
+{
+    QImage image(pixels.size(), 1, format);
+    if (!palette.isEmpty()) {
+        image.setColorTable(palette);
+        for (int i = 0; i < pixels.size(); ++i)
+            image.setPixel(i, 0, uint(pixels[i]));  // palette indexes
+        return image;
+    }
+    for (int i = 0; i < pixels.size(); ++i)
+        image.setPixel(i, 0, pixels[i]);
+    return image;
+}
+
+void TestJobGeometry::pictureGray_data()
+{
+    QTest::addColumn<QImage>("picture");
+    QTest::addColumn<QVector<int>>("expected");
+
+    // Gray is qGray's (11 red + 16 green + 5 blue) / 32, laid on white by the pixel's opacity:
+    // red gives 87, blue 39, green 127, black at 51/255 opacity 204.
+    const QRgb clear = qRgba(0, 0, 0, 0), faint = qRgba(0, 0, 0, 51);
+    const QRgb black = qRgb(0, 0, 0), white = qRgb(255, 255, 255), red = qRgb(255, 0, 0);
+    // clang-format off
+    QTest::newRow("argb") << pixelRow(QImage::Format_ARGB32, {clear, black, faint, red}) << QVector<int>{255, 0, 204, 87};
+    QTest::newRow("rgb") << pixelRow(QImage::Format_RGB32, {white, qRgb(50, 50, 50), qRgb(0, 0, 255)}) << QVector<int>{255, 50, 39};
+    QTest::newRow("gray") << pixelRow(QImage::Format_Grayscale8, {black, qRgb(77, 77, 77), white}) << QVector<int>{0, 77, 255};
+    QTest::newRow("one bit") << pixelRow(QImage::Format_Mono, {1, 0, 1}, {white, black}) << QVector<int>{0, 255, 0};
+    QTest::newRow("palette with alpha") << pixelRow(QImage::Format_Indexed8, {0, 1, 2}, {clear, red, faint}) << QVector<int>{255, 87, 204};
+    QTest::newRow("rgb 24-bit") << pixelRow(QImage::Format_RGB888, {qRgb(0, 255, 0), black}) << QVector<int>{127, 0};
+    // clang-format on
+}
+
 void TestJobGeometry::pictureGray()
 {
-    QImage picture(4, 1, QImage::Format_ARGB32);
-    picture.setPixel(0, 0, qRgba(0, 0, 0, 0));    // transparent: white
-    picture.setPixel(1, 0, qRgba(0, 0, 0, 255));  // black
-    picture.setPixel(2, 0, qRgba(0, 0, 0, 51));   // a fifth of black on white
-    picture.setPixel(3, 0, qRgba(100, 100, 100, 255));
+    QFETCH(QImage, picture);
+    QFETCH(QVector<int>, expected);
+    // Through the bytes of a PNG file, which keeps the format: gray, one bit, palette or colour.
     QImage image;
     QString error;
     QVERIFY(JobSources::gray(source(SourceKind::Picture, png(picture)), &image, &error));
     QCOMPARE(image.format(), QImage::Format_Grayscale8);
-    const uchar *row = image.constScanLine(0);
-    QCOMPARE(int(row[0]), 255);
-    QCOMPARE(int(row[1]), 0);
-    QCOMPARE(int(row[2]), 204);
-    QCOMPARE(int(row[3]), 100);
-
-    QImage opaque(2, 1, QImage::Format_RGB32);
-    opaque.setPixel(0, 0, qRgb(255, 255, 255));
-    opaque.setPixel(1, 0, qRgb(50, 50, 50));
-    QVERIFY(JobSources::gray(source(SourceKind::Picture, png(opaque)), &image, &error));
-    QCOMPARE(int(image.constScanLine(0)[0]), 255);
-    QCOMPARE(int(image.constScanLine(0)[1]), 50);
+    QCOMPARE(image.size(), QSize(expected.size(), 1));
+    QVector<int> got;
+    for (int x = 0; x < image.width(); ++x)
+        got << image.constScanLine(0)[x];
+    QCOMPARE(got, expected);
     QVERIFY(!JobSources::gray(source(SourceKind::Svg, svg("<rect width=\"1\" height=\"1\"/>")), &image, &error));
 }
 
