@@ -87,6 +87,7 @@ private slots:
     void kerfOffsetOfRing();
     void innerBeforeOuter_data();
     void innerBeforeOuter();
+    void openPathInsideIsCutFirst();
     void nearestNeighbour_data();
     void nearestNeighbour();
     void nearestNeighbourAmongMany();
@@ -316,6 +317,23 @@ void TestJobVector::innerBeforeOuter()
         starts << QStringLiteral("%1,%2").arg(c.points.front().x()).arg(c.points.front().y());
     }
     QCOMPARE(starts.join(QLatin1Char(' ')), expected);
+}
+
+void TestJobVector::openPathInsideIsCutFirst()
+{
+    // An engraved line inside a part is made before the part is cut free, though the part's
+    // corner is nearer; the line's nearer end comes first.
+    JobShape part = rectShape(0, 0, 10, 10);
+    JobContour line;
+    line.closed = false;
+    line.points = {{7, 4}, {3, 4}};
+    part.contours.push_back(line);
+    const std::vector<JobContour> cut = JobVector::order({{part}}, QPointF(-1, -1));
+    QCOMPARE(cut.size(), size_t(2));
+    QVERIFY(!cut[0].closed);
+    QCOMPARE(cut[0].points, (Points{{3, 4}, {7, 4}}));
+    QVERIFY(cut[1].closed);
+    QCOMPARE(cut[1].points.front(), QPointF(10, 0));
 }
 
 void TestJobVector::nearestNeighbour_data()
