@@ -411,6 +411,9 @@ void findParents(std::vector<Node> &nodes, const QRectF &box)
             closed.push_back(int(i));
     if (closed.empty())
         return;
+    // Smallest first, so the first candidate found to hold a contour is its parent.
+    std::stable_sort(closed.begin(), closed.end(),
+                     [&](int a, int b) { return nodes[size_t(a)].area < nodes[size_t(b)].area; });
     const GridShape grid(box, closed.size());
     std::vector<std::vector<int>> cells(size_t(grid.w) * size_t(grid.h));
     std::vector<int> large;
@@ -431,21 +434,25 @@ void findParents(std::vector<Node> &nodes, const QRectF &box)
         const std::vector<int> &cell =
             cells[size_t(grid.cellY(probe.y())) * size_t(grid.w) + size_t(grid.cellX(probe.x()))];
         double bestArea = std::numeric_limits<double>::max();
-        auto consider = [&](int j) {
-            const Node &c = nodes[size_t(j)];
-            if (size_t(j) == i || !(c.area > n.area) || c.area >= bestArea)
+        // The smallest holder in an area-sorted list: true once the rest can only be larger.
+        auto search = [&](const std::vector<int> &list) {
+            for (int j : list) {
+                const Node &c = nodes[size_t(j)];
+                if (c.area >= bestArea)
+                    return;
+                if (size_t(j) == i || !(c.area > n.area))
+                    continue;
+                if (c.x0 > n.x0 || c.y0 > n.y0 || c.x1 < n.x1 || c.y1 < n.y1)
+                    continue;
+                if (!insidePolygon(c.contour->points, probe))
+                    continue;
+                bestArea = c.area;
+                n.parent = j;
                 return;
-            if (c.x0 > n.x0 || c.y0 > n.y0 || c.x1 < n.x1 || c.y1 < n.y1)
-                return;
-            if (!insidePolygon(c.contour->points, probe))
-                return;
-            bestArea = c.area;
-            n.parent = j;
+            }
         };
-        for (int j : cell)
-            consider(j);
-        for (int j : large)
-            consider(j);
+        search(cell);
+        search(large);
     }
     for (const Node &n : nodes)
         if (n.parent >= 0)

@@ -88,6 +88,7 @@ private slots:
     void innerBeforeOuter_data();
     void innerBeforeOuter();
     void openPathInsideIsCutFirst();
+    void deepNesting();
     void nearestNeighbour_data();
     void nearestNeighbour();
     void nearestNeighbourAmongMany();
@@ -334,6 +335,27 @@ void TestJobVector::openPathInsideIsCutFirst()
     QCOMPARE(cut[0].points, (Points{{3, 4}, {7, 4}}));
     QVERIFY(cut[1].closed);
     QCOMPARE(cut[1].points.front(), QPointF(10, 0));
+}
+
+void TestJobVector::deepNesting()
+{
+    // 100 nested squares, given from the outside in, and a lone square beside them: from anywhere,
+    // every square is cut before the one around it.
+    JobGeometry nest;
+    for (int k = 100; k >= 1; --k)
+        nest.push_back(rectShape(100 - k * 0.5, 100 - k * 0.5, 100 + k * 0.5, 100 + k * 0.5));
+    for (const QPointF &from : {QPointF(0, 0), QPointF(100, 100), QPointF(200, 0)}) {
+        const std::vector<JobContour> cut = JobVector::order({nest, {rectShape(160, 0, 161, 1)}}, from);
+        QCOMPARE(cut.size(), size_t(101));
+        double last = 0;
+        for (const JobContour &c : cut) {
+            const double side = bounds(c.points).width();
+            if (side == 1.0 && c.points.front().x() >= 160)
+                continue;
+            QVERIFY2(side > last, qPrintable(QStringLiteral("%1 after %2").arg(side).arg(last)));
+            last = side;
+        }
+    }
 }
 
 void TestJobVector::nearestNeighbour_data()
