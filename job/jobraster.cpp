@@ -176,28 +176,34 @@ Kernel kernel(DitherKernel k)
              {1, 2, 2}}};
 }
 
-// Floyd-Steinberg has its own loop: it is the kernel jobs use most.
+// Floyd-Steinberg has its own loop, as it is the kernel jobs use most: the error for the right
+// neighbour and the two sums still open on the next row stay in registers, each cell of the next
+// row is written once, and n / 16 is rounded without a branch (halves away from zero).
 void diffuseFloydSteinberg(QImage *cells)
 {
     const int w = cells->width();
     const int h = cells->height();
-    std::vector<int> rows(2 * size_t(w + 2), 0);
+    std::vector<int> rows(2 * size_t(w + 1), 0);
     int *now = rows.data() + 1;
-    int *next = now + (w + 2);
+    int *next = now + (w + 1);
     for (int y = 0; y < h; ++y) {
         uchar *line = cells->scanLine(y);
+        int right = 0;      // sent to x by x - 1
+        int belowLeft = 0;  // next[x - 1] so far
+        int belowHere = 0;  // next[x] so far
         for (int x = 0; x < w; ++x) {
-            const int value = line[x] + divRound(now[x], 16);
+            const int n = now[x] + right;
+            const int value = line[x] + ((n + 8 + (n >> 31)) >> 4);
             const int result = value < 128 ? 0 : 255;
             const int e = value - result;
             line[x] = uchar(result);
-            now[x + 1] += 7 * e;
-            next[x - 1] += 3 * e;
-            next[x] += 5 * e;
-            next[x + 1] += e;
+            right = 7 * e;
+            next[x - 1] = belowLeft + 3 * e;
+            belowLeft = belowHere + 5 * e;
+            belowHere = e;
         }
+        next[w - 1] = belowLeft;
         std::swap(now, next);
-        std::fill(next - 1, next + w + 1, 0);
     }
 }
 
