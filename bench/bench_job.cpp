@@ -6,7 +6,6 @@
 #include "jobraster.h"
 #include "machinevalues.h"
 
-#include <QCryptographicHash>
 #include <QFile>
 #include <QTextStream>
 

@@ -71,8 +71,10 @@ ImageParams imageParams(ImageMode mode, DitherKernel kernel = DitherKernel::Floy
     return p;
 }
 
-// The gray picture of the diffusion tests, 3 x 3.
+// The gray pictures of the diffusion tests: a 3 x 3 ramp,
 const char *const Ramp = "90 100 110/120 130 140/150 160 170";
+// And a 4 x 2 one on which the kernels differ.
+const char *const Q = "70 60 110 170/80 170 150 180";
 
 }  // namespace
 
@@ -291,6 +293,31 @@ void TestJobRaster::dither_data()
     //  row 2 N = 270+228-570+504-220 = 212, 180+342-238-456+630-440 = 18, 228-357-228+504-550 = -403:
     //         150 + 7 = 157 -> 255, e -98; 160 + (18-490)/32 (-15) = 145 -> 255, e -110;
     //         170 + (-403-294-550)/32 (-39) = 131 -> 255
+    // The same kernels on Q (70 60 110 170 / 80 170 150 180), where each gives its own result:
+    // Floyd-Steinberg: 70 -> 0, e 70; 60 + 490/16 (31) = 91 -> 0, e 91; 110 + 637/16 (40) = 150 -> 255,
+    //   e -105; 170 + (-735/16 = -46) = 124 -> 0, e 124; row 1 N = 350+273 = 623, 70+455-315 = 210,
+    //   91-525+372 = -62, -105+620 = 515: 80 + 39 = 119 -> 0, e 119; 170 + (210+833)/16 (65) = 235
+    //   -> 255, e -20; 150 + (-62-140)/16 (-13) = 137 -> 255, e -118; 180 + (515-826)/16 (-19) -> 255
+    // Atkinson: 70 -> 0, e 70; 60 + 70/8 (9) = 69 -> 0, e 69; 110 + 139/8 (17) = 127 -> 0, e 127;
+    //   170 + 196/8 (24.5 -> 25) = 195 -> 255, e -60; row 1 N = 139, 266, 136, 67: 80 + 17 = 97 -> 0,
+    //   e 97; 170 + 363/8 (45) -> 255, e -40; 150 + 193/8 (24) -> 255, e -81; 180 + (-54/8 = -7) -> 255
+    // Jarvis: 70 -> 0, e 70; 60 + 490/48 (10) = 70 -> 0, e 70; 110 + 840/48 (17.5 -> 18) = 128 -> 255,
+    //   e -127; 170 + (350-889)/48 (-11) = 159 -> 255, e -96; row 1 N = 490+350-381 = 459,
+    //   350+490-635-288 = -83, 210+350-889-480 = -809, 210-635-672 = -1097: 80 + 10 = 90 -> 0, e 90;
+    //   170 + 547/48 (11) -> 255, e -74; 150 + (-809+450-518)/48 (-18) = 132 -> 255, e -123;
+    //   180 + (-1097-370-861)/48 (-48.5 -> -49) = 131 -> 255
+    // Stucki: 70 -> 0, e 70; 60 + 560/42 (13) = 73 -> 0, e 73; 110 + 864/42 (21) = 131 -> 255, e -124;
+    //   170 + (292-992)/42 (-17) = 153 -> 255, e -102; row 1 N = 560+292-248 = 604,
+    //   280+584-496-204 = 164, 140+292-992-408 = -968, 146-496-816 = -1166: 80 + 14 = 94 -> 0, e 94;
+    //   170 + 916/42 (22) -> 255, e -63; 150 + (-968+376-504)/42 (-26) = 124 -> 0, e 124;
+    //   180 + (-1166-252+992)/42 (-10) -> 255
+    // Sierra: 70 -> 0, e 70; 60 + 350/32 (11) = 71 -> 0, e 71; 110 + 565/32 (18) = 128 -> 255, e -127;
+    //   170 + (213-635)/32 (-13) = 157 -> 255, e -98; row 1 N = 350+284-254 = 380,
+    //   280+355-508-196 = -69, 140+284-635-392 = -603, 142-508-490 = -856: 80 + 12 = 92 -> 0, e 92;
+    //   170 + 391/32 (12) -> 255, e -73; 150 + (-603+276-365)/32 (-22) = 128 -> 255, e -127;
+    //   180 + (-856-219-635)/32 (-53) = 127 -> 0
+    // Halves: 8 -> 0 sends 56/16 = 3.5 -> 4, and 124 + 4 = 128 stays white; 247 -> 255 sends -56/16
+    // = -3.5 -> -4, and 131 - 4 = 127 burns; Atkinson: 251 -> 255 sends -4/8 = -0.5 -> -1: 127 burns.
     // Bayer: row 0 burns below 8 136 40 168 8, row 1 below 200 72 232 104 200, row 4 as row 0.
     // clang-format off
     QTest::newRow("floyd-steinberg") << DitherKernel::FloydSteinberg << Ramp << "0 255 0/0 255 0/255 0 255";
@@ -298,6 +325,14 @@ void TestJobRaster::dither_data()
     QTest::newRow("jarvis")          << DitherKernel::Jarvis << Ramp << "0 0 255/255 0 255/255 255 255";
     QTest::newRow("stucki")          << DitherKernel::Stucki << Ramp << "0 0 255/255 255 0/255 0 255";
     QTest::newRow("sierra")          << DitherKernel::Sierra << Ramp << "0 0 255/255 0 255/255 255 255";
+    QTest::newRow("floyd-steinberg Q") << DitherKernel::FloydSteinberg << Q << "0 0 255 0/0 255 255 255";
+    QTest::newRow("atkinson Q")        << DitherKernel::Atkinson << Q << "0 0 0 255/0 255 255 255";
+    QTest::newRow("jarvis Q")          << DitherKernel::Jarvis << Q << "0 0 255 255/0 255 255 255";
+    QTest::newRow("stucki Q")          << DitherKernel::Stucki << Q << "0 0 255 255/0 255 0 255";
+    QTest::newRow("sierra Q")          << DitherKernel::Sierra << Q << "0 0 255 255/0 255 255 0";
+    QTest::newRow("half up")           << DitherKernel::FloydSteinberg << "8 124" << "0 255";
+    QTest::newRow("half down")         << DitherKernel::FloydSteinberg << "247 131" << "255 0";
+    QTest::newRow("half down, by 8")   << DitherKernel::Atkinson << "251 128" << "255 0";
     QTest::newRow("bayer")           << DitherKernel::Bayer4
                                      << "8 135 39 168 7/199 72 231 104 200/0 0 0 0 0/255 255 255 255 255/7 136 7 7 8"
                                      << "255 0 0 255 0/0 255 0 255 255/0 0 0 0 0/255 255 255 255 255/0 255 0 0 255";
@@ -429,6 +464,8 @@ void TestJobRaster::scanCells_data()
         << 170000 << "T170000,5050 C169800,5050,1000 C167800,5050,0";
     QTest::newRow("offset kept on the bed") << "0 0/0 0" << QRectF(169.8, 0, 0.2, 0.2) << 0.5 << 0.05 << 170.0
         << 0 << "T169300,150 C169800,150,0 C170000,150,1000 T170000,50 C169850,50,1000 C169350,50,0";
+    QTest::newRow("as near either end") << "0" << QRectF(10, 10, 0.1, 0.1) << 0.0 << 0.0 << 170.0 << 10050
+        << "T10000,10050 C10100,10050,1000";
     QTest::newRow("no overscan") << "255 0 0 255" << QRectF(1, 1, 0.4, 0.1) << 0.0 << 0.0 << 170.0 << 1100
         << "T1100,1050 C1300,1050,1000";
     QTest::newRow("long gap travelled") << "0 255 0" << QRectF(10, 10, 60, 10) << 2.0 << 0.0 << 170.0 << 0
