@@ -25,7 +25,8 @@
 // 16 m + 8, m the matrix entry at (r mod 4, c mod 4).
 //
 // Scan. A cell's power: threshold and dither burn cells below 128 at the layer's power; grayscale
-// maps v to minPower + (power - minPower)(255 - v) / 255, rounded. A cell of power 0 is white.
+// maps v to minPower + (power - minPower)(255 - v) / 255, rounded to a multiple of the power step.
+// A cell of power 0 is white.
 // Rows run from the top down; rows with no burnt cell are skipped. When bidirectional, the first
 // burnt row starts at whichever end is nearer the current X and each following burnt row turns
 // back; otherwise every row runs left to right. A row: travel to its start, a zero-power move over
@@ -380,10 +381,11 @@ void scan(const QImage &cells, const QRectF &rect, const ScanSettings &settings,
     const ImageParams &params = settings.params;
 
     qint32 power[256];
+    const qint32 step = std::max(1, settings.powerStep);
     for (int v = 0; v < 256; ++v) {
+        const double gray = settings.minPower + double(settings.power - settings.minPower) * (255 - v) / 255.0;
         if (params.mode == ImageMode::Grayscale)
-            power[v] = qint32(
-                std::llround(settings.minPower + double(settings.power - settings.minPower) * (255 - v) / 255.0));
+            power[v] = qint32(std::llround(gray / step) * step);
         else
             power[v] = v < 128 ? settings.power : 0;
         power[v] = std::max(power[v], 0);

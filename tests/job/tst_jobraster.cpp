@@ -4,6 +4,8 @@
 
 #include "jobraster.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -91,6 +93,8 @@ private slots:
     void sampling_data();
     void sampling();
     void sampleOtherFormats();
+    void sampleAgainstAreas_data();
+    void sampleAgainstAreas();
     void threshold_data();
     void threshold();
     void dither_data();
@@ -100,6 +104,8 @@ private slots:
     void scanPicture();
     void scanCells_data();
     void scanCells();
+    void grayscalePowers_data();
+    void grayscalePowers();
 };
 
 void TestJobRaster::gridSize_data()
@@ -212,6 +218,57 @@ void TestJobRaster::sampleOtherFormats()
     colour.setPixel(1, 0, qRgb(255, 255, 255));
     QCOMPARE(text(JobRaster::sample(colour, g, ImageParams())), QStringLiteral("0 255"));
     QCOMPARE(text(JobRaster::sample(QImage(), g, ImageParams())), QStringLiteral("255 255"));
+}
+
+void TestJobRaster::sampleAgainstAreas_data()
+{
+    QTest::addColumn<QSize>("picture");
+    QTest::addColumn<QSize>("grid");
+    // clang-format off
+    QTest::newRow("7x5 to 3x2")   << QSize(7, 5) << QSize(3, 2);
+    QTest::newRow("5x7 to 4x6")   << QSize(5, 7) << QSize(4, 6);
+    QTest::newRow("3x3 to 7x5")   << QSize(3, 3) << QSize(7, 5);
+    QTest::newRow("13x11 to 5x9") << QSize(13, 11) << QSize(5, 9);
+    QTest::newRow("9x1 to 1x4")   << QSize(9, 1) << QSize(1, 4);
+    // clang-format on
+}
+
+// Each cell against the mean of every pixel weighted by its overlap with the cell, summed over the
+// whole picture; coordinates are scaled by the cell and pixel counts so every overlap is whole.
+void TestJobRaster::sampleAgainstAreas()
+{
+    QFETCH(QSize, picture);
+    QFETCH(QSize, grid);
+    const int w = picture.width();
+    const int h = picture.height();
+    QImage image(w, h, QImage::Format_Grayscale8);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x)
+            image.scanLine(y)[x] = uchar((x * 37 + y * 91 + x * y * 13) % 256);
+    JobRaster::Grid g;
+    g.columns = grid.width();
+    g.rows = grid.height();
+    const QImage out = JobRaster::sample(image, g, ImageParams());
+    QCOMPARE(out.size(), grid);
+    const auto overlap = [](double a0, double a1, double b0, double b1) {
+        return std::max(0.0, std::min(a1, b1) - std::max(a0, b0));
+    };
+    for (int j = 0; j < g.rows; ++j) {
+        for (int i = 0; i < g.columns; ++i) {
+            double sum = 0;
+            for (int y = 0; y < h; ++y)
+                for (int x = 0; x < w; ++x)
+                    sum += image.constScanLine(y)[x]
+                           * overlap(double(i) * w, double(i + 1) * w, double(x) * g.columns, double(x + 1) * g.columns)
+                           * overlap(double(j) * h, double(j + 1) * h, double(y) * g.rows, double(y + 1) * g.rows);
+            const int expected = int(std::floor(sum / (double(w) * h) + 0.5));
+            QVERIFY2(out.constScanLine(j)[i] == expected, qPrintable(QStringLiteral("cell %1,%2: %3, expected %4")
+                                                                         .arg(i)
+                                                                         .arg(j)
+                                                                         .arg(out.constScanLine(j)[i])
+                                                                         .arg(expected)));
+        }
+    }
 }
 
 void TestJobRaster::threshold_data()
@@ -512,6 +569,46 @@ void TestJobRaster::scanCells()
         QCOMPARE(x, sink.moves.back().x);
         QCOMPARE(y, sink.moves.back().y);
     }
+}
+
+// Cells 0.1 mm wide at (1, 1): edges X 1000 1100 1200 1300, the row at Y 1050, where the scan starts.
+// Power 100000 (S 100): 100 -> 100 x 155 / 255 = 60.784, 101 -> 60.392, 102 -> 60; with min power
+// 20000: 255 -> 20, 0 -> 100, 128 -> 20 + 80 x 127 / 255 = 59.843.
+void TestJobRaster::grayscalePowers_data()
+{
+    QTest::addColumn<QString>("cells");
+    QTest::addColumn<int>("minPower");
+    QTest::addColumn<int>("step");
+    QTest::addColumn<QString>("expected");
+    // clang-format off
+    QTest::newRow("thousandths")      << "100 101 102" << 0 << 1 << "C1100,1050,60784 C1200,1050,60392 C1300,1050,60000";
+    QTest::newRow("whole S merges")   << "100 101 102" << 0 << 1000 << "C1100,1050,61000 C1300,1050,60000";
+    QTest::newRow("min power")        << "255 0 128" << 20000 << 1000
+                                      << "C1100,1050,20000 C1200,1050,100000 C1300,1050,60000";
+    QTest::newRow("white not burnt")  << "255 0 255" << 0 << 1000 << "T1100,1050 C1200,1050,100000";
+    QTest::newRow("step 0 counts as 1") << "100" << 0 << 0 << "C1100,1050,60784";
+    // clang-format on
+}
+
+void TestJobRaster::grayscalePowers()
+{
+    QFETCH(QString, cells);
+    QFETCH(int, minPower);
+    QFETCH(int, step);
+    QFETCH(QString, expected);
+    JobRaster::ScanSettings settings;
+    settings.params = imageParams(ImageMode::Grayscale);
+    settings.params.overscan = 0;
+    settings.speed = 1500;
+    settings.power = 100000;
+    settings.minPower = minPower;
+    settings.powerStep = step;
+    const QImage image = gray(cells);
+    Collect sink;
+    qint32 x = 1000;
+    qint32 y = 1050;
+    JobRaster::scan(image, QRectF(1, 1, 0.1 * image.width(), 0.1), settings, sink, &x, &y);
+    QCOMPARE(moves(sink.moves, 1500), expected);
 }
 
 TARNWELL_TEST_MAIN(TestJobRaster)
