@@ -217,6 +217,19 @@ int main(int argc, char *argv[])
                .arg(scanOnly, 0, 'f', 4)
                .arg(moves / scanOnly / 1e6, 0, 'f', 1);
 
+    // Sampling when the picture is not the grid's size: twice as fine, and a photo's odd size.
+    for (const QSize size : {QSize(2 * PictureWidth, 2 * PictureHeight), QSize(4032, 3024)}) {
+        const QImage large = picture.scaled(size);
+        const JobRaster::Grid grid = JobRaster::grid(Bed, 0.1);
+        const double ms = medianMs(Repeats, [&] { JobRaster::sample(large, grid, ImageParams()); });
+        out << QStringLiteral("  sample %1 x %2 onto %3 x %4: %5 s\n")
+                   .arg(size.width())
+                   .arg(size.height())
+                   .arg(grid.columns)
+                   .arg(grid.rows)
+                   .arg(ms / 1e3, 0, 'f', 4);
+    }
+
     // Written to a file, as the classic export must.
     const ScratchGcode scratch;
     std::vector<double> writeTimes;
