@@ -106,6 +106,8 @@ private slots:
     void scanCells();
     void grayscalePowers_data();
     void grayscalePowers();
+    void burnsMatchCells_data();
+    void burnsMatchCells();
 };
 
 void TestJobRaster::gridSize_data()
@@ -609,6 +611,116 @@ void TestJobRaster::grayscalePowers()
     qint32 y = 1050;
     JobRaster::scan(image, QRectF(1, 1, 0.1 * image.width(), 0.1), settings, sink, &x, &y);
     QCOMPARE(moves(sink.moves, 1500), expected);
+}
+
+void TestJobRaster::burnsMatchCells_data()
+{
+    QTest::addColumn<ImageMode>("mode");
+    QTest::addColumn<DitherKernel>("kernel");
+    QTest::addColumn<bool>("bidirectional");
+    QTest::addColumn<double>("overscan");
+    QTest::addColumn<QRectF>("rect");
+    QTest::addColumn<QSize>("picture");
+    QTest::addColumn<int>("startX");
+    // clang-format off
+    QTest::newRow("floyd-steinberg") << ImageMode::Dither << DitherKernel::FloydSteinberg << true << 2.0
+                                     << QRectF(12.345, 20.07, 17.3, 9.9) << QSize(40, 30) << 0;
+    QTest::newRow("atkinson one way") << ImageMode::Dither << DitherKernel::Atkinson << false << 1.0
+                                      << QRectF(0.5, 0.5, 6.1, 4.3) << QSize(61, 43) << 170000;
+    QTest::newRow("jarvis at the edge") << ImageMode::Dither << DitherKernel::Jarvis << true << 5.0
+                                        << QRectF(0, 3, 3.33, 2.5) << QSize(20, 20) << 90000;
+    QTest::newRow("stucki")          << ImageMode::Dither << DitherKernel::Stucki << true << 0.0
+                                     << QRectF(160.01, 190, 9.99, 10) << QSize(33, 33) << 170000;
+    QTest::newRow("sierra")          << ImageMode::Dither << DitherKernel::Sierra << true << 0.3
+                                     << QRectF(50, 50, 7.77, 1.23) << QSize(100, 10) << 0;
+    QTest::newRow("bayer")           << ImageMode::Dither << DitherKernel::Bayer4 << true << 2.0
+                                     << QRectF(1, 1, 4.4, 4.4) << QSize(44, 44) << 0;
+    QTest::newRow("threshold")       << ImageMode::Threshold << DitherKernel::FloydSteinberg << true << 2.0
+                                     << QRectF(100, 100, 70, 0.35) << QSize(30, 7) << 0;
+    QTest::newRow("grayscale")       << ImageMode::Grayscale << DitherKernel::FloydSteinberg << true << 2.0
+                                     << QRectF(20, 20, 3.05, 2.05) << QSize(17, 23) << 0;
+    // clang-format on
+}
+
+// Replays the moves of a sampled, reduced and scanned picture of speckled grays: every cell's centre
+// is crossed by exactly one burn at the cell's own power (none for cells of power 0), burns run
+// along their row between the rectangle's edges, and nothing leaves the bed.
+void TestJobRaster::burnsMatchCells()
+{
+    QFETCH(ImageMode, mode);
+    QFETCH(DitherKernel, kernel);
+    QFETCH(bool, bidirectional);
+    QFETCH(double, overscan);
+    QFETCH(QRectF, rect);
+    QFETCH(QSize, picture);
+    QFETCH(int, startX);
+    QImage image(picture, QImage::Format_Grayscale8);
+    quint32 state = 12345;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            state = state * 1103515245u + 12345u;
+            // Runs of white and of black among the grays, so rows and gaps get skipped.
+            const int r = int((state >> 16) % 400);
+            image.scanLine(y)[x] = uchar(r < 100 ? 255 : r < 150 ? 0 : r - 150);
+        }
+    }
+    JobRaster::ScanSettings settings;
+    settings.params = imageParams(mode, kernel);
+    settings.params.bidirectional = bidirectional;
+    settings.params.overscan = overscan;
+    settings.speed = 2000;
+    settings.power = 700000;
+    const JobRaster::Grid g = JobRaster::grid(rect, settings.params.interval);
+    QImage cells = JobRaster::sample(image, g, settings.params);
+    JobRaster::reduce(&cells, settings.params);
+    Collect sink;
+    qint32 x = startX;
+    qint32 y = 0;
+    JobRaster::scan(cells, rect, settings, sink, &x, &y);
+
+    const qint32 left = toMicrons(rect.x());
+    const qint32 right = toMicrons(rect.x() + rect.width());
+    std::vector<int> crossings(size_t(g.columns) * size_t(g.rows), 0);
+    qint32 px = startX;
+    qint32 py = 0;
+    for (const PlannedMove &m : sink.moves) {
+        QVERIFY(m.x >= 0 && m.x <= 170000);
+        if (m.kind == PlannedMove::Cut) {
+            QCOMPARE(m.y, py);
+            QCOMPARE(m.feed, 2000);
+        }
+        if (m.kind == PlannedMove::Cut && m.power > 0) {
+            QVERIFY(std::min(px, m.x) >= left && std::max(px, m.x) <= right);
+            const double row = (rect.y() + rect.height() - m.y / 1000.0) / (rect.height() / g.rows) - 0.5;
+            const int j = int(std::lround(row));
+            QVERIFY2(std::abs(row - j) < 0.01 && j >= 0 && j < g.rows, qPrintable(QString::number(m.y)));
+            for (int i = 0; i < g.columns; ++i) {
+                const double centre = 1000.0 * (rect.x() + (i + 0.5) * rect.width() / g.columns);
+                if (centre > std::min(px, m.x) && centre < std::max(px, m.x)) {
+                    const uchar v = cells.constScanLine(j)[i];
+                    const qint32 expected = mode == ImageMode::Grayscale
+                                                ? qint32(std::llround(700000.0 * (255 - v) / 255))
+                                                : (v < 128 ? 700000 : 0);
+                    QCOMPARE(m.power, expected);
+                    ++crossings[size_t(j) * size_t(g.columns) + size_t(i)];
+                }
+            }
+        }
+        px = m.x;
+        py = m.y;
+    }
+    int burnt = 0;
+    for (int j = 0; j < g.rows; ++j) {
+        for (int i = 0; i < g.columns; ++i) {
+            const uchar v = cells.constScanLine(j)[i];
+            const bool burns = mode == ImageMode::Grayscale ? v < 255 : v < 128;
+            QCOMPARE(crossings[size_t(j) * size_t(g.columns) + size_t(i)], burns ? 1 : 0);
+            burnt += burns;
+        }
+    }
+    QVERIFY(burnt > 0);
+    QCOMPARE(x, px);
+    QCOMPARE(y, py);
 }
 
 TARNWELL_TEST_MAIN(TestJobRaster)
