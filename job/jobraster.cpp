@@ -6,7 +6,7 @@
 // the area each one has inside the cell (a box filter, computed exactly in integers), rounded to the
 // nearest byte, halves up. A picture as large as the grid is copied unchanged.
 //
-// Tone, on each sampled value v (0 black ... 255 white), step by step, each step skipped at its
+// Tone, on each sampled byte v (0 black ... 255 white), step by step, each step skipped at its
 // neutral value so the defaults change nothing:
 //   brightness b (-100..100):  v = clamp(v + 255 b / 100)
 //   contrast c (-100..100):    v = clamp((v - 127.5) k + 127.5), k = 100 / (100 - c) for c >= 0 (c
@@ -21,8 +21,15 @@
 // where N is the sum of error x weight received and D the kernel's divisor. It burns (0) below 128,
 // else stays white (255), and sends the difference e = value - result, an integer, to the cells
 // after it as e x weight (kept as numerators over D, in three rows of ints). Error that would leave
-// the grid is dropped. Bayer 4x4: the cell in row r, column c burns when its value is below
-// 16 m + 8, m the matrix entry at (r mod 4, c mod 4).
+// the grid is dropped. The kernels, as weights over D for the cells right of the present one, then
+// the next row and the one after from two columns left to two columns right:
+//   Floyd-Steinberg  D 16:  7     / 3 5 1
+//   Atkinson         D 8:   1 1   / 1 1 1 / 1 (below only)
+//   Jarvis-Judice-Ninke D 48: 7 5 / 3 5 7 5 3 / 1 3 5 3 1
+//   Stucki           D 42:  8 4   / 2 4 8 4 2 / 1 2 4 2 1
+//   Sierra           D 32:  5 3   / 2 4 5 4 2 / 2 3 2 (one column left to one right)
+// Bayer 4x4: the cell in row r, column c (from the top left) burns when its value is below 16 m + 8,
+// m the entry at (r mod 4, c mod 4) of 0 8 2 10 / 12 4 14 6 / 3 11 1 9 / 15 7 13 5.
 //
 // Scan. A cell's power: threshold and dither burn cells below 128 at the layer's power; grayscale
 // maps v to minPower + (power - minPower)(255 - v) / 255, rounded to a multiple of the power step.
