@@ -24,7 +24,7 @@
 // the grid is dropped. The kernels, as weights over D for the cells right of the present one, then
 // the next row and the one after from two columns left to two columns right:
 //   Floyd-Steinberg  D 16:  7     / 3 5 1
-//   Atkinson         D 8:   1 1   / 1 1 1 / 1 (below only)
+//   Atkinson         D 8:   1 1   / 1 1 1 (one column left to one right) / 1 (below only)
 //   Jarvis-Judice-Ninke D 48: 7 5 / 3 5 7 5 3 / 1 3 5 3 1
 //   Stucki           D 42:  8 4   / 2 4 8 4 2 / 1 2 4 2 1
 //   Sierra           D 32:  5 3   / 2 4 5 4 2 / 2 3 2 (one column left to one right)
