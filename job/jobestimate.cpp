@@ -31,15 +31,29 @@ void JobEstimate::beginLayer(int index, const JobLayer &layer)
 
 void JobEstimate::move(const PlannedMove &m)
 {
-    const double dx = (double(m.x) - double(m_x)) / 1000.0;
-    const double dy = (double(m.y) - double(m_y)) / 1000.0;
-    const double length = std::sqrt(dx * dx + dy * dy);
-    if (!(length > 0))
+    const qint64 stepX = qint64(m.x) - m_x;
+    const qint64 stepY = qint64(m.y) - m_y;
+    if (stepX == 0 && stepY == 0)
         return;
     m_x = m.x;
     m_y = m.y;
-    const double ux = dx / length;
-    const double uy = dy / length;
+    // Raster rows and their steps run along an axis: no square root for them.
+    double length, ux, uy;
+    if (stepY == 0) {
+        length = double(stepX > 0 ? stepX : -stepX) / 1000.0;
+        ux = stepX > 0 ? 1 : -1;
+        uy = 0;
+    } else if (stepX == 0) {
+        length = double(stepY > 0 ? stepY : -stepY) / 1000.0;
+        ux = 0;
+        uy = stepY > 0 ? 1 : -1;
+    } else {
+        const double dx = double(stepX) / 1000.0;
+        const double dy = double(stepY) / 1000.0;
+        length = std::sqrt(dx * dx + dy * dy);
+        ux = dx / length;
+        uy = dy / length;
+    }
     const qint32 feed = m.kind == PlannedMove::Travel ? 0 : m.feed;
     const bool goesOn =
         m_runOpen && m_runKind == m.kind && m_runFeed == feed && ux * m_runDx + uy * m_runDy >= 1.0 - Collinear;
