@@ -230,10 +230,10 @@ bool make(const TestGridParams &p, JobDocument *doc, QString *error)
             if (passes) {
                 layer.speed = p.speedFrom;
                 layer.passes = int(rowValues[size_t(r)]);
-                layer.name = QStringLiteral("power %1 %, %2 passes").arg(valueText(layer.power)).arg(layer.passes);
+                layer.name = QStringLiteral("%1 %, %2 passes").arg(valueText(layer.power)).arg(layer.passes);
             } else {
                 layer.speed = rowValues[size_t(r)];
-                layer.name = QStringLiteral("power %1 %, speed %2").arg(valueText(layer.power), valueText(layer.speed));
+                layer.name = QStringLiteral("%1 % at %2 mm/min").arg(valueText(layer.power), valueText(layer.speed));
             }
             if (p.operation == Operation::Image)
                 layer.image.mode = ImageMode::Threshold;  // the black cell burns solid

@@ -110,8 +110,8 @@ private slots:
         QCOMPARE(labels.operation, Operation::Fill);
         QCOMPARE(labels.power, 20.0);
         QCOMPARE(labels.speed, 3000.0);
-        QCOMPARE(doc.layers[1].name, QStringLiteral("power 10 %, speed 3000"));
-        QCOMPARE(doc.layers[6].name, QStringLiteral("power 100 %, speed 500"));
+        QCOMPARE(doc.layers[1].name, QStringLiteral("10 % at 3000 mm/min"));
+        QCOMPARE(doc.layers[6].name, QStringLiteral("100 % at 500 mm/min"));
 
         // Labels come first in the items, each on the labels layer, as text.
         QCOMPARE(doc.items.size(), size_t(2 + 3 + 6));
@@ -168,7 +168,7 @@ private slots:
             QCOMPARE(doc.layers[1 + i].passes, expected[i]);
             QCOMPARE(doc.layers[1 + i].speed, 800.0);
         }
-        QCOMPARE(doc.layers[8].name, QStringLiteral("power 60 %, 4 passes"));
+        QCOMPARE(doc.layers[8].name, QStringLiteral("60 %, 4 passes"));
         QCOMPARE(doc.items[0].source.text, QStringLiteral("1x"));
         QCOMPARE(doc.items[3].source.text, QStringLiteral("4x"));
     }
