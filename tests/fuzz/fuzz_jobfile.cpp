@@ -24,12 +24,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     QString error;
     if (!JobFile::read(bytes, &doc, &error)) {
         FUZZ_REQUIRE(!error.isEmpty() && !error.contains(QLatin1Char('\n')), describe(error, bytes));
-        FUZZ_REQUIRE(doc == [] {
-            JobDocument before;
-            before.machine.name = QStringLiteral("before");
-            return before;
-        }(),
-                     bytes);
+        FUZZ_REQUIRE(
+            doc ==
+                [] {
+                    JobDocument before;
+                    before.machine.name = QStringLiteral("before");
+                    return before;
+                }(),
+            bytes);
         return 0;
     }
     FUZZ_REQUIRE(error.isEmpty(), bytes);
@@ -43,8 +45,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         FUZZ_REQUIRE(isFinite(layer.power) && layer.power >= 0 && layer.power <= 100, bytes);
         FUZZ_REQUIRE(layer.passes >= 1, bytes);
         const ImageParams &i = layer.image;
-        FUZZ_REQUIRE(isFinite(i.minPower) && isFinite(i.brightness) && isFinite(i.contrast) && isFinite(i.gamma), bytes);
-        FUZZ_REQUIRE(isFinite(i.interval) && i.interval > 0 && isFinite(i.overscan) && isFinite(i.reverseOffset), bytes);
+        FUZZ_REQUIRE(isFinite(i.minPower) && isFinite(i.brightness) && isFinite(i.contrast) && isFinite(i.gamma),
+                     bytes);
+        FUZZ_REQUIRE(isFinite(i.interval) && i.interval > 0 && isFinite(i.overscan) && isFinite(i.reverseOffset),
+                     bytes);
         FUZZ_REQUIRE(isFinite(layer.fill.interval) && layer.fill.interval > 0 && isFinite(layer.fill.angle), bytes);
         FUZZ_REQUIRE(isFinite(layer.fill.overscan) && isFinite(layer.line.kerf), bytes);
     }
