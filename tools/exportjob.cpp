@@ -101,6 +101,8 @@ int runJob(const QStringList &args)
     const QString output = absolute(options.text(QStringLiteral("output")));
     if (!outputWritable(output))
         return fail(QStringLiteral("job: cannot write %1").arg(output));
+    if (QFileInfo(output).canonicalFilePath() == QFileInfo(input).canonicalFilePath() && QFileInfo::exists(input))
+        return fail(QStringLiteral("job: the output %1 would replace the job file").arg(output));
     JobDocument doc;
     if (!JobFile::load(input, &doc, &error))
         return fail(error);

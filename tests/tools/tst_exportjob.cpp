@@ -98,6 +98,8 @@ private slots:
                                         << "job: --max-power must be above 0 and at most 100000, not 0";
         QTest::newRow("output folder missing") << QStringList{"job", "--input", "good.tljob", "--output", "no/out.gcode"}
                                                << "job: cannot write @/no/out.gcode";
+        QTest::newRow("output over the input") << QStringList{"job", "--input", "good.tljob", "--output", "./good.tljob"}
+                                               << "job: the output @/good.tljob would replace the job file";
         QTest::newRow("grid without powers") << QStringList{"testgrid", "--output", "out.gcode", "--speeds", "500"}
                                              << "testgrid: --powers is missing";
         QTest::newRow("grid without speeds") << grid << "testgrid: --speeds is missing";
