@@ -71,6 +71,29 @@ QString element(const QString &path, size_t index) { return QStringLiteral("%1[%
 
 QString numberText(double v) { return QString::number(v, 'g', 12); }
 
+// A text from the file as a message shows it: on one line, control characters escaped, and cut
+// short when long.
+QString printable(const std::string &utf8)
+{
+    constexpr int MaxLength = 40;
+    const QString text = QString::fromStdString(utf8);
+    QString out;
+    for (const QChar c : text) {
+        if (out.size() >= MaxLength) {
+            out += QStringLiteral("...");
+            break;
+        }
+        if (c == QLatin1Char('\n'))
+            out += QStringLiteral("\\n");
+        else if (c.category() == QChar::Other_Control || c.category() == QChar::Separator_Line
+                 || c.category() == QChar::Separator_Paragraph)
+            out += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+        else
+            out += c;
+    }
+    return out;
+}
+
 // Refuses any key of `object` not in `keys`.
 void onlyKeys(const Json &object, const QString &path, std::initializer_list<const char *> keys)
 {
@@ -79,8 +102,7 @@ void onlyKeys(const Json &object, const QString &path, std::initializer_list<con
         for (const char *key : keys)
             known = known || it.key() == key;
         if (!known)
-            refuse(path.isEmpty() ? QString::fromStdString(it.key())
-                                  : path + QLatin1Char('.') + QString::fromStdString(it.key()),
+            refuse(path.isEmpty() ? printable(it.key()) : path + QLatin1Char('.') + printable(it.key()),
                    QStringLiteral("unknown key"));
     }
 }
@@ -172,10 +194,10 @@ Enum choice(const Json &object, const QString &path, const char *key, Enum fallb
         return fallback;
     if (!value->is_string())
         refuse(member(path, key), QStringLiteral("not a text"));
-    const QString name = QString::fromStdString(value->get<std::string>());
+    const std::string &name = value->get_ref<const std::string &>();
     Enum result = fallback;
-    if (!lookUp(name, &result))
-        refuse(member(path, key), QStringLiteral("unknown %1 \"%2\"").arg(QLatin1String(what), name));
+    if (!lookUp(QString::fromStdString(name), &result))
+        refuse(member(path, key), QStringLiteral("unknown %1 \"%2\"").arg(QLatin1String(what), printable(name)));
     return result;
 }
 
@@ -593,9 +615,9 @@ OrderedJson itemJson(const JobItem &item)
 QString itemName(const JobItem &item)
 {
     if (!item.source.name.isEmpty())
-        return item.source.name;
+        return printable(item.source.name.toStdString());
     if (!item.source.text.isEmpty())
-        return item.source.text;
+        return printable(item.source.text.toStdString());
     return JobNames::sourceKind(item.source.kind);
 }
 

@@ -508,6 +508,15 @@ private slots:
         QTest::newRow("text outside the bed named by its text")
             << QByteArray(R"({"layers":[{}],"items":[{"x":160,"height":20,"source":{"kind":"text","text":"Hi"}}]})")
             << "items[0] (Hi): outside the bed (170 x 200 mm)";
+        QTest::newRow("line break in a key") << QByteArray(R"({"machine":{"na\nme":"x"}})")
+                                             << "machine.na\\nme: unknown key";
+        QTest::newRow("control character in a value") << QByteArray(R"({"layers":[{"operation":"fi\u0007ll"}]})")
+                                                       << "layers[0].operation: unknown operation \"fi\\u0007ll\"";
+        QTest::newRow("long value cut short") << "{\"machine\":{\"dialect\":\"" + QByteArray(100, 'g') + "\"}}"
+            << "machine.dialect: unknown dialect \"" + QString(40, 'g') + "...\"";
+        QTest::newRow("item named on one line")
+            << QByteArray(R"({"layers":[{}],"items":[{"x":160,"height":20,"source":{"kind":"text","text":"A\nB"}}]})")
+            << "items[0] (A\\nB): outside the bed (170 x 200 mm)";
         QTest::newRow("extra not an object") << QByteArray(R"({"extra":[1]})") << "extra: not an object";
         // clang-format on
     }
