@@ -202,6 +202,17 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
 
     retranslateUi();
     newJob();
+    if (parent)
+        parent->installEventFilter(this);
+}
+
+bool JobWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == parentWidget() && event->type() == QEvent::Close && !maybeSave()) {
+        event->ignore();
+        return true;
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 JobWindow::~JobWindow() = default;
@@ -817,6 +828,19 @@ void JobWindow::centreSelection()
 void JobWindow::moveSelectionToLayer(int layer)
 {
     const QList<int> items = selection();
+    if (layer < 0 || layer >= int(document().layers.size()))
+        return;
+    // Pictures and QR codes are engraved as pictures: only an image layer takes them.
+    if (document().layers[size_t(layer)].operation != Operation::Image) {
+        for (int i : items) {
+            const SourceKind kind = document().items[size_t(i)].source.kind;
+            if (kind == SourceKind::Picture || kind == SourceKind::Qr) {
+                notice(tr("%1 is a picture: only an image layer can engrave it")
+                           .arg(document().items[size_t(i)].source.name));
+                return;
+            }
+        }
+    }
     m_model->change(tr("Move to layer"), [&](JobDocument &doc) { JobEdits::moveItemsToLayer(&doc, items, layer); });
 }
 

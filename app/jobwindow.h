@@ -129,6 +129,8 @@ signals:
 protected:
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
+    // Closing the main window asks for this job's unsaved changes first.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void buildActions();

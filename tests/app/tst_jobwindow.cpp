@@ -15,6 +15,7 @@
 #include <QCheckBox>
 #include <QDoubleSpinBox>
 #include <QListWidget>
+#include <QMimeData>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QToolButton>
@@ -123,10 +124,13 @@ private slots:
     void addsEachKind();
     void editsFollowFieldsAndUndo_data();
     void editsFollowFieldsAndUndo();
+    void dropAddsWhereDropped_data();
+    void dropAddsWhereDropped();
     void mouseDragMovesAndResizes_data();
     void mouseDragMovesAndResizes();
     void layers_data();
     void layers();
+    void picturesStayOnImageLayers();
     void saveOpenAndTitle();
     void openFailureChangesNothing_data();
     void openFailureChangesNothing();
@@ -249,6 +253,52 @@ void TestJobWindow::editsFollowFieldsAndUndo()
     QVERIFY2(near(fields(rig.window), QRectF(10, 20, 40, 20)), qPrintable(describe(fields(rig.window))));
     rig.undo()->redo();
     QVERIFY(near(rectOf(rig.doc().items[0]), expected, 1e-6));
+}
+
+void TestJobWindow::dropAddsWhereDropped_data()
+{
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QPointF>("at");  // machine mm
+    QTest::addColumn<int>("added");
+    // clang-format off
+    QTest::newRow("picture")            << QStringList{"photo.png"}               << QPointF(40, 150) << 1;
+    QTest::newRow("picture and drawing") << QStringList{"photo.png", "outline.svg"} << QPointF(100, 50) << 2;
+    QTest::newRow("not a picture")      << QStringList{"notes.txt"}               << QPointF(40, 150) << 0;
+    // clang-format on
+}
+
+void TestJobWindow::dropAddsWhereDropped()
+{
+    QFETCH(QStringList, files);
+    QFETCH(QPointF, at);
+    QFETCH(int, added);
+    ScopedWorkDir dir;
+    TestFiles::write(dir.file(QStringLiteral("photo.png")), picturePng());
+    TestFiles::write(dir.file(QStringLiteral("outline.svg")), Svg);
+    TestFiles::write(dir.file(QStringLiteral("notes.txt")), "not a picture");
+    Rig rig;
+    rig.window.show();
+    JobLayoutView *view = rig.window.view();
+    QList<QUrl> urls;
+    for (const QString &file : files)
+        urls << QUrl::fromLocalFile(dir.file(file));
+    QMimeData mime;
+    mime.setUrls(urls);
+    const QPoint pos = view->mapFromScene(rig.window.scene()->toScene(at));
+    // A drop goes to the widget that took the drag's entry.
+    QDragEnterEvent enter(pos, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(view->viewport(), &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop(pos, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(view->viewport(), &drop);
+    QCOMPARE(int(rig.doc().items.size()), added);
+    QCOMPARE(rig.notices.size(), added ? 0 : 1);
+    // Each lands centred where it was dropped (within a screen pixel).
+    const double pixel = 1.5 / view->zoom();
+    for (const JobItem &item : rig.doc().items) {
+        QVERIFY(std::abs(item.x + item.width / 2 - at.x()) < pixel);
+        QVERIFY(std::abs(item.y + item.height / 2 - at.y()) < pixel);
+    }
 }
 
 void TestJobWindow::mouseDragMovesAndResizes_data()
@@ -394,6 +444,22 @@ void TestJobWindow::layers()
     rig.undo()->undo();
     QVERIFY(rig.doc() == start);
     QCOMPARE(panel->list()->item(0)->text().left(1), QStringLiteral("A"));
+}
+
+void TestJobWindow::picturesStayOnImageLayers()
+{
+    ScopedWorkDir dir;
+    Rig rig;
+    QVERIFY(addKind(rig, SourceKind::Picture, dir.path()));
+    QVERIFY(addKind(rig, SourceKind::Qr, dir.path()));
+    rig.window.model()->change(QStringLiteral("layer"),
+                               [](JobDocument &doc) { JobEdits::addLayer(&doc, Operation::Line); });
+    const JobDocument before = rig.doc();
+    rig.window.setSelection({0, 1});
+    rig.window.moveSelectionToLayer(1);
+    QVERIFY(rig.doc() == before);
+    QCOMPARE(rig.notices.size(), 1);
+    QVERIFY2(rig.notices[0].contains(QLatin1String("photo.png")), qPrintable(rig.notices[0]));
 }
 
 void TestJobWindow::saveOpenAndTitle()

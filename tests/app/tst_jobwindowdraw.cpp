@@ -36,6 +36,8 @@ class TestJobWindowDraw : public QObject
 private slots:
     void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
     void jobButtonOpensTheWindow();
+    void closingAsksForTheJob_data();
+    void closingAsksForTheJob();
     void addToJobKeepsPlaceAndSize_data();
     void addToJobKeepsPlaceAndSize();
 };
@@ -56,6 +58,45 @@ void TestJobWindowDraw::jobButtonOpensTheWindow()
     // Nothing placed yet: nothing to add.
     QCOMPARE(w.addToJob(), -1);
     QVERIFY(w.jobWindow()->document().items.empty());
+}
+
+void TestJobWindowDraw::closingAsksForTheJob_data()
+{
+    QTest::addColumn<bool>("edited");
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<int>("questions");
+    QTest::addColumn<bool>("closes");
+    // clang-format off
+    QTest::newRow("nothing to save") << false << int(JobWindow::CloseAnswer::Cancel)  << 0 << true;
+    QTest::newRow("cancel")          << true  << int(JobWindow::CloseAnswer::Cancel)  << 1 << false;
+    QTest::newRow("discard")         << true  << int(JobWindow::CloseAnswer::Discard) << 1 << true;
+    // clang-format on
+}
+
+void TestJobWindowDraw::closingAsksForTheJob()
+{
+    QFETCH(bool, edited);
+    QFETCH(int, answer);
+    QFETCH(int, questions);
+    QFETCH(bool, closes);
+    ScopedWorkDir dir;
+    Draw w;
+    int asked = 0;
+    w.jobWindow()->setCloseQuestion([&](const QString &) {
+        ++asked;
+        return JobWindow::CloseAnswer(answer);
+    });
+    if (edited) {
+        JobItem item;
+        item.source.kind = SourceKind::Text;
+        item.source.text = QStringLiteral("x");
+        item.width = item.height = 5;
+        w.jobWindow()->addItem(item, QStringLiteral("add"));
+    }
+    w.show();
+    QCOMPARE(w.close(), closes);
+    QCOMPARE(asked, questions);
+    QCOMPARE(w.isVisible(), !closes);
 }
 
 void TestJobWindowDraw::addToJobKeepsPlaceAndSize_data()
