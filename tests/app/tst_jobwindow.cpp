@@ -124,6 +124,8 @@ private slots:
     void addsEachKind();
     void editsFollowFieldsAndUndo_data();
     void editsFollowFieldsAndUndo();
+    void selection_data();
+    void selection();
     void dropAddsWhereDropped_data();
     void dropAddsWhereDropped();
     void mouseDragMovesAndResizes_data();
@@ -253,6 +255,69 @@ void TestJobWindow::editsFollowFieldsAndUndo()
     QVERIFY2(near(fields(rig.window), QRectF(10, 20, 40, 20)), qPrintable(describe(fields(rig.window))));
     rig.undo()->redo();
     QVERIFY(near(rectOf(rig.doc().items[0]), expected, 1e-6));
+}
+
+void TestJobWindow::selection_data()
+{
+    QTest::addColumn<QString>("gesture");  // "click X,Y", "shift X,Y", "band X,Y X,Y", machine mm; one per ';'
+    QTest::addColumn<QList<int>>("selected");
+    // Item 0 covers 10..30 x 10..30 mm, item 1 covers 60..80 x 10..30 mm.
+    // clang-format off
+    QTest::newRow("click")              << "click 20,20"                 << QList<int>{0};
+    QTest::newRow("click other")        << "click 20,20;click 70,20"     << QList<int>{1};
+    QTest::newRow("shift adds")         << "click 20,20;shift 70,20"     << QList<int>{0, 1};
+    QTest::newRow("shift takes away")   << "click 20,20;shift 70,20;shift 20,20" << QList<int>{1};
+    QTest::newRow("empty clears")       << "click 20,20;click 50,100"    << QList<int>{};
+    QTest::newRow("band over both")     << "band 5,40 90,5"              << QList<int>{0, 1};
+    QTest::newRow("band over one")      << "band 50,40 90,5"             << QList<int>{1};
+    // clang-format on
+}
+
+void TestJobWindow::selection()
+{
+    QFETCH(QString, gesture);
+    QFETCH(QList<int>, selected);
+    Rig rig;
+    rig.window.show();
+    JobDocument doc;
+    JobEdits::addLayer(&doc, Operation::Line);
+    for (double x : {10.0, 60.0}) {
+        JobItem item;
+        item.source.kind = SourceKind::Text;
+        item.source.text = QStringLiteral("I");
+        item.keepAspect = false;
+        item.x = x, item.y = 10, item.width = 20, item.height = 20;
+        doc.items.push_back(item);
+    }
+    rig.window.model()->reset(doc);
+    JobLayoutView *view = rig.window.view();
+    view->resetTransform();
+    view->scale(3, 3);
+    view->centerOn(rig.window.scene()->toScene(QPointF(50, 20)));
+    auto at = [&](const QString &xy) {
+        return view->mapFromScene(rig.window.scene()->toScene(
+            QPointF(xy.section(QLatin1Char(','), 0, 0).toDouble(), xy.section(QLatin1Char(','), 1).toDouble())));
+    };
+    for (const QString &step : gesture.split(QLatin1Char(';'))) {
+        const QStringList part = step.split(QLatin1Char(' '));
+        const Qt::KeyboardModifiers mods = part[0] == QLatin1String("shift") ? Qt::ShiftModifier : Qt::NoModifier;
+        if (part[0] == QLatin1String("band")) {
+            QTest::mousePress(view->viewport(), Qt::LeftButton, Qt::NoModifier, at(part[1]));
+            for (int i = 1; i <= 4; ++i) {
+                const QPoint p = at(part[1]) + (at(part[2]) - at(part[1])) * i / 4;
+                QMouseEvent move(QEvent::MouseMove, p, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+                QApplication::sendEvent(view->viewport(), &move);
+            }
+            QTest::mouseRelease(view->viewport(), Qt::LeftButton, Qt::NoModifier, at(part[2]));
+        } else {
+            QTest::mouseClick(view->viewport(), Qt::LeftButton, mods, at(part[1]));
+        }
+    }
+    QCOMPARE(rig.window.selection(), selected);
+    // Selecting changes no document.
+    QCOMPARE(rig.undo()->count(), 0);
+    QCOMPARE(rig.window.widthField()->isEnabled(), selected.size() == 1);
+    QCOMPARE(rig.window.xField()->isEnabled(), !selected.isEmpty());
 }
 
 void TestJobWindow::dropAddsWhereDropped_data()
