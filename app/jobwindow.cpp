@@ -4,6 +4,7 @@
 #include "jobedits.h"
 #include "jobexport.h"
 #include "jobfile.h"
+#include "jobformat.h"
 #include "jobgeometry.h"
 #include "jobitemgraphic.h"
 #include "joblayoutscene.h"
@@ -99,6 +100,10 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
     m_summaryLabel->setWordWrap(true);
     m_summaryLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_preview = new PreviewPanel;
+    // The panel's own figures time the file by the classic generators' rule; the job's times come from
+    // the job engine and are shown above it.
+    if (auto *figures = m_preview->findChild<QLabel *>(QStringLiteral("labelFigures")))
+        figures->hide();
     previewLayout->addWidget(m_summaryLabel);
     previewLayout->addWidget(m_preview, 1);
     auto *previewDock = new QDockWidget(this);
@@ -973,7 +978,17 @@ bool JobWindow::exportTo(const QString &path)
     }
     m_exported = QFileInfo(path).absoluteFilePath();
     m_summary = JobExport::summary(result);
-    m_summaryLabel->setText(m_summary.join(QLatin1Char('\n')));
+    QStringList shown{tr("Estimated time: %1").arg(QString::fromLatin1(JobFormat::duration(result.seconds)))};
+    for (size_t i = 0; i < result.layers.size(); ++i) {
+        const JobEstimate::Layer &layer = result.layers[i];
+        shown << tr("Layer %1 %2: %3 items, burn %4 mm, %5")
+                     .arg(layer.index + 1)
+                     .arg(layer.name)
+                     .arg(result.itemCounts.at(i))
+                     .arg(layer.burnMm, 0, 'f', 1)
+                     .arg(QString::fromLatin1(JobFormat::duration(layer.seconds)));
+    }
+    m_summaryLabel->setText(shown.join(QLatin1Char('\n')));
     m_preview->showFile(m_exported);
     if (auto *dock = findChild<QDockWidget *>(QStringLiteral("jobPreviewDock")))
         dock->raise();

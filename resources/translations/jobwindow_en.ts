@@ -441,6 +441,18 @@
         <source>OK</source>
         <translation>OK</translation>
     </message>
+    <message>
+        <source>%1 is a picture: only an image layer can engrave it</source>
+        <translation>%1 is a picture: only an image layer can engrave it</translation>
+    </message>
+    <message>
+        <source>Estimated time: %1</source>
+        <translation>Estimated time: %1</translation>
+    </message>
+    <message>
+        <source>Layer %1 %2: %3 items, burn %4 mm, %5</source>
+        <translation>Layer %1 %2: %3 items, burn %4 mm, %5</translation>
+    </message>
 </context>
 <context>
     <name>LayerPanel</name>

@@ -441,6 +441,18 @@
         <source>OK</source>
         <translation>확인</translation>
     </message>
+    <message>
+        <source>%1 is a picture: only an image layer can engrave it</source>
+        <translation>%1은(는) 그림이므로 이미지 레이어에서만 새길 수 있습니다</translation>
+    </message>
+    <message>
+        <source>Estimated time: %1</source>
+        <translation>예상 시간: %1</translation>
+    </message>
+    <message>
+        <source>Layer %1 %2: %3 items, burn %4 mm, %5</source>
+        <translation>레이어 %1 %2: 항목 %3개, 가공 %4 mm, %5</translation>
+    </message>
 </context>
 <context>
     <name>LayerPanel</name>

@@ -441,6 +441,18 @@
         <source>OK</source>
         <translation>确定</translation>
     </message>
+    <message>
+        <source>%1 is a picture: only an image layer can engrave it</source>
+        <translation>%1 是图片：只有图像图层能雕刻它</translation>
+    </message>
+    <message>
+        <source>Estimated time: %1</source>
+        <translation>预计用时：%1</translation>
+    </message>
+    <message>
+        <source>Layer %1 %2: %3 items, burn %4 mm, %5</source>
+        <translation>图层 %1 %2：%3 个对象，雕刻 %4 mm，%5</translation>
+    </message>
 </context>
 <context>
     <name>LayerPanel</name>
