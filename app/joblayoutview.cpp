@@ -237,6 +237,16 @@ void JobLayoutView::mouseReleaseEvent(QMouseEvent *event)
         QGraphicsView::mouseReleaseEvent(event);
 }
 
+void JobLayoutView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (auto *hit = dynamic_cast<JobItemGraphic *>(itemAt(event->pos()))) {
+        emit itemActivated(hit->index());
+        event->accept();
+        return;
+    }
+    QGraphicsView::mouseDoubleClickEvent(event);
+}
+
 void JobLayoutView::keyPressEvent(QKeyEvent *event)
 {
     const double step = (event->modifiers() & Qt::ShiftModifier) ? FineNudgeStep : NudgeStep;

@@ -41,6 +41,8 @@ signals:
     void deleteRequested();
     // Files dropped on the view, and where (machine millimetres).
     void filesDropped(const QStringList &paths, const QPointF &at);
+    // An item was double-clicked (to edit its text).
+    void itemActivated(int index);
     // The pointer's place on the bed, machine millimetres.
     void pointerMoved(const QPointF &at);
 
@@ -50,6 +52,7 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;

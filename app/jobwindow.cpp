@@ -197,6 +197,7 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
         m_scene->setDocument(m_model->document());
     });
     connect(m_view, &JobLayoutView::deleteRequested, this, &JobWindow::deleteSelection);
+    connect(m_view, &JobLayoutView::itemActivated, this, &JobWindow::editItemText);
     connect(m_view, &JobLayoutView::filesDropped, this, [this](const QStringList &paths, const QPointF &at) {
         for (const QString &path : paths)
             addFile(path, &at);
@@ -781,6 +782,31 @@ bool JobWindow::addQr()
     return addItem(item, tr("Add QR code")) >= 0;
 }
 
+bool JobWindow::editItemText(int index)
+{
+    if (index < 0 || index >= int(document().items.size()))
+        return false;
+    const JobItem &item = document().items[size_t(index)];
+    if (item.source.kind != SourceKind::Text && item.source.kind != SourceKind::Qr)
+        return false;
+    JobSource source = item.source;
+    if (!m_askSource(&source) || source.text.trimmed().isEmpty())
+        return false;
+    source.name = source.text.section(QLatin1Char('\n'), 0, 0).left(40);
+    // The new text keeps the item's height and bottom-left corner; its width follows the text.
+    JobItem changed = item;
+    changed.source = source;
+    const QSizeF natural = startSize(source);
+    if (natural.isEmpty()) {
+        notice(source.kind == SourceKind::Qr ? tr("The text is too long for a QR code")
+                                             : tr("The text has nothing to engrave"));
+        return false;
+    }
+    if (item.keepAspect)
+        changed.width = item.height * natural.width() / natural.height();
+    return m_model->change(tr("Edit text"), [&](JobDocument &doc) { doc.items[size_t(index)] = changed; });
+}
+
 int JobWindow::addFromCanvas(SourceKind kind, const QString &name, const QByteArray &data, const QRectF &rect)
 {
     if (data.isEmpty() || rect.width() <= 0 || rect.height() <= 0)
@@ -911,6 +937,19 @@ void JobWindow::updateActions()
 }
 
 // ---- Machine -------------------------------------------------------------------
+
+void JobWindow::setMachinePanel(MachinePanel *panel)
+{
+    m_machine = panel;
+    if (!m_machine)
+        return;
+    // A GRBL board knows its own power scale, speeds and bed: say where to read them.
+    connect(m_machine->link(), &MachineLink::stateChanged, this, [this](MachineLink::State state) {
+        if (state == MachineLink::Ready && m_machine->link()->firmware() == Firmware::Grbl)
+            statusBar()->showMessage(tr("A GRBL board is connected: Machine > Machine profiles… can read its settings"),
+                                     10000);
+    });
+}
 
 void JobWindow::setProfile(const MachineProfile &profile)
 {

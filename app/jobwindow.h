@@ -80,6 +80,8 @@ public:
     bool addFile(const QString &path, const QPointF *at = nullptr);
     bool addText();
     bool addQr();
+    // Asks again for a text or QR item's text and settings (a double-click on it); one undo step.
+    bool editItemText(int index);
     // Adds a finished item as it is (its rectangle kept) and selects it; returns its index.
     int addItem(const JobItem &item, const QString &undoText);
     // The classic canvas's picture or drawing, as a copy at its place and size (machine mm).
@@ -112,7 +114,7 @@ public:
     bool exportJob();
     QStringList exportSummary() const { return m_summary; }
     QString exportedFile() const { return m_exported; }
-    void setMachinePanel(MachinePanel *panel) { m_machine = panel; }
+    void setMachinePanel(MachinePanel *panel);
     // Traces the job's bounds on the machine at the frame power (0: beam off).
     bool frameJob();
     // Exports next to the job (or where asked) and starts it in the Machine window.

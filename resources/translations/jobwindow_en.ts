@@ -453,6 +453,14 @@
         <source>Layer %1 %2: %3 items, burn %4 mm, %5</source>
         <translation>Layer %1 %2: %3 items, burn %4 mm, %5</translation>
     </message>
+    <message>
+        <source>Edit text</source>
+        <translation>Edit text</translation>
+    </message>
+    <message>
+        <source>A GRBL board is connected: Machine &gt; Machine profiles… can read its settings</source>
+        <translation>A GRBL board is connected: Machine &gt; Machine profiles… can read its settings</translation>
+    </message>
 </context>
 <context>
     <name>LayerPanel</name>

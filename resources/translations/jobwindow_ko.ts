@@ -453,6 +453,14 @@
         <source>Layer %1 %2: %3 items, burn %4 mm, %5</source>
         <translation>레이어 %1 %2: 항목 %3개, 가공 %4 mm, %5</translation>
     </message>
+    <message>
+        <source>Edit text</source>
+        <translation>텍스트 편집</translation>
+    </message>
+    <message>
+        <source>A GRBL board is connected: Machine &gt; Machine profiles… can read its settings</source>
+        <translation>GRBL 보드가 연결되었습니다: 기계 &gt; 기계 프로필…에서 설정을 읽을 수 있습니다</translation>
+    </message>
 </context>
 <context>
     <name>LayerPanel</name>

@@ -453,6 +453,14 @@
         <source>Layer %1 %2: %3 items, burn %4 mm, %5</source>
         <translation>图层 %1 %2：%3 个对象，雕刻 %4 mm，%5</translation>
     </message>
+    <message>
+        <source>Edit text</source>
+        <translation>编辑文字</translation>
+    </message>
+    <message>
+        <source>A GRBL board is connected: Machine &gt; Machine profiles… can read its settings</source>
+        <translation>已连接 GRBL 主板：可在“机器 &gt; 机器配置…”中读取它的设置</translation>
+    </message>
 </context>
 <context>
     <name>LayerPanel</name>

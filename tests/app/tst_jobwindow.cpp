@@ -132,6 +132,8 @@ private slots:
     void mouseDragMovesAndResizes();
     void layers_data();
     void layers();
+    void doubleClickEditsText_data();
+    void doubleClickEditsText();
     void picturesStayOnImageLayers();
     void saveOpenAndTitle();
     void openFailureChangesNothing_data();
@@ -509,6 +511,52 @@ void TestJobWindow::layers()
     rig.undo()->undo();
     QVERIFY(rig.doc() == start);
     QCOMPARE(panel->list()->item(0)->text().left(1), QStringLiteral("A"));
+}
+
+void TestJobWindow::doubleClickEditsText_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("edited");
+    // clang-format off
+    QTest::newRow("longer text")  << int(SourceKind::Text)    << "Hello there" << true;
+    QTest::newRow("qr")           << int(SourceKind::Qr)      << "https://example.org/a-longer-address/43" << true;
+    QTest::newRow("emptied text") << int(SourceKind::Text)    << "   "         << false;
+    QTest::newRow("picture")      << int(SourceKind::Picture) << "ignored"     << false;
+    // clang-format on
+}
+
+void TestJobWindow::doubleClickEditsText()
+{
+    QFETCH(int, kind);
+    QFETCH(QString, text);
+    QFETCH(bool, edited);
+    ScopedWorkDir dir;
+    Rig rig;
+    rig.window.show();
+    QVERIFY(addKind(rig, SourceKind(kind), dir.path()));
+    const JobItem before = rig.doc().items[0];
+    rig.nextSource = before.source;
+    rig.nextSource.text = text;
+    JobLayoutView *view = rig.window.view();
+    const QPointF centre(before.x + before.width / 2, before.y + before.height / 2);
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
+                       view->mapFromScene(rig.window.scene()->toScene(centre)));
+    const JobItem after = rig.doc().items[0];
+    QCOMPARE(after.source.text, edited ? text : before.source.text);
+    QCOMPARE(rig.undo()->count(), edited ? 2 : 1);
+    if (!edited)
+        return;
+    // The bottom-left corner and the height stay; the width follows the new text's proportions.
+    QCOMPARE(after.x, before.x);
+    QCOMPARE(after.y, before.y);
+    QCOMPARE(after.height, before.height);
+    if (SourceKind(kind) == SourceKind::Qr)
+        QCOMPARE(after.width, after.height);
+    else
+        QVERIFY(after.width > before.width * 1.5);
+    rig.undo()->undo();
+    QVERIFY(rig.doc().items[0] == before);
 }
 
 void TestJobWindow::picturesStayOnImageLayers()
