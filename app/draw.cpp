@@ -19,6 +19,7 @@
 #include "waitingform.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QIcon>
@@ -49,6 +50,10 @@ Draw::Draw(QWidget *parent) : QMainWindow(parent), ui(new Ui::Draw)
             QMessageBox::warning(this, title, text);
         else
             QMessageBox::information(this, title, text);
+    };
+    m_confirmQuit = [this](const QString &title, const QString &text) {
+        return QMessageBox::question(this, title, text, QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
+               == QMessageBox::Yes;
     };
 
     // 1. The widget tree.
@@ -125,6 +130,27 @@ Draw::~Draw()
     delete m_effects;
     delete m_waiting;
     delete ui;
+}
+
+bool Draw::hasUnexportedDesign() const
+{
+    if (!m_pictureLoaded)
+        return false;
+    return m_exportedPlacement != m_placements || m_itemRect != m_exportedRect
+           || m_renderForm->CurrentItemPos() != m_exportedPosition;
+}
+
+void Draw::closeEvent(QCloseEvent *event)
+{
+    if (hasUnexportedDesign() && !m_confirmQuit(tr("退出"), tr("画布上的设计尚未导出。仍要退出吗？"))) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+    // The threshold editor and the other dialogs have no parent; the program ends with this window.
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (window != this && window->isVisible())
+            window->close();
 }
 
 void Draw::restoreSettings()

@@ -158,6 +158,7 @@ void Draw::loadPicture(const QString &path)
         m_renderForm->LoadItemFromFile(path, 0);
     }
     m_pictureLoaded = true;
+    ++m_placements;
 }
 
 void Draw::outputStyleChanged()
@@ -353,8 +354,14 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
     if (QFile::exists(filename))
         QFile::remove(filename);
     QFile out(filename);
-    if (out.open(QIODevice::WriteOnly) && out.write(gcode) == gcode.size())
+    if (out.open(QIODevice::WriteOnly) && out.write(gcode) == gcode.size()) {
         m_machinePanel->setJobFile(filename, seconds);
+        if (generated) {
+            m_exportedPlacement = m_placements;
+            m_exportedRect = m_itemRect;
+            m_exportedPosition = pos;
+        }
+    }
     // The preview reads the file after this function has closed it.
     if (auto *preview = findChild<PreviewPanel *>())
         preview->showFile(filename, ui->radioButtonCNC->isChecked());
