@@ -23,6 +23,7 @@
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QIcon>
+#include <QLibraryInfo>
 #include <QMessageBox>
 #include <QTextCursor>
 #include <QTranslator>
@@ -200,8 +201,10 @@ void Draw::installLanguage()
     library.lookupLanguage();
     m_language = library.languageIndex();
     m_translator = new QTranslator(this);
-    if (m_language >= 0 && m_language < int(std::size(Catalogues)))
+    if (m_language >= 0 && m_language < int(std::size(Catalogues))) {
         m_translator->load(QString::fromLatin1(Catalogues[m_language]));
+        installQtCatalogue(QString::fromLatin1(Catalogues[m_language]));
+    }
     // Installed even when empty: the texts then stay in Chinese.
     qApp->installTranslator(m_translator);
     ui->retranslateUi(this);
@@ -310,12 +313,36 @@ void Draw::switchLanguage(const QString &catalogue, bool editorToo)
     // Translators are only ever added; the newest wins.
     QTranslator *translator = new QTranslator(this);
     translator->load(catalogue);
+    installQtCatalogue(catalogue);
     qApp->installTranslator(translator);
     ui->retranslateUi(this);
     m_serialPanel->retranslateUi();
     if (editorToo)
         m_imgEdit->RetranslateUi();
     restoreTextsAfterRetranslate();
+}
+
+void Draw::installQtCatalogue(const QString &catalogue)
+{
+    // Only Qt's catalogue is ever replaced; its contexts (QFileDialog, QPlatformTheme, ...) are
+    // none of the program's, so the program's own translators keep every text they had.
+    if (m_qtTranslator) {
+        qApp->removeTranslator(m_qtTranslator);
+        delete m_qtTranslator;
+        m_qtTranslator = nullptr;
+    }
+    const QString locale = catalogue == QLatin1String(Catalogues[0])   ? QStringLiteral("zh_CN")
+                           : catalogue == QLatin1String(Catalogues[2]) ? QStringLiteral("ko")
+                                                                       : QString();
+    if (locale.isEmpty())
+        return;
+    auto *translator = new QTranslator(this);
+    if (!translator->load(QStringLiteral("qtbase_") + locale, QLibraryInfo::location(QLibraryInfo::TranslationsPath))) {
+        delete translator;
+        return;
+    }
+    qApp->installTranslator(translator);
+    m_qtTranslator = translator;
 }
 
 // The form's retranslation puts back its design-time texts; the live ones return here.

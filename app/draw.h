@@ -179,6 +179,9 @@ private:
     void setUpSliders();
     void restoreTextsAfterRetranslate();
     void switchLanguage(const QString &catalogue, bool editorToo);
+    // Qt's own texts (file dialogs, standard buttons) in the language of CATALOGUE, one of the
+    // program's catalogues; English needs none.
+    void installQtCatalogue(const QString &catalogue);
 
     // The job road (draw_job.cpp).
     void routePicture(const QString &path);
@@ -243,6 +246,7 @@ private:
     MachinePanel *m_machinePanel = nullptr;
 
     QTranslator *m_translator = nullptr;
+    QTranslator *m_qtTranslator = nullptr;        // Qt's own catalogue for the language last installed
     struct MaterialRecord *m_material = nullptr;  // the record selected in the combo box
 };
 
