@@ -897,6 +897,7 @@ struct Frame
     bool skip = false;
     double fontSize = DefaultFontSize;  // user units, inherited
     double strokeWidth = 1;             // user units, inherited
+    bool evenOdd = false;               // fill-rule, inherited
 };
 
 // The font size and stroke width an element sets for itself and its children.
@@ -923,6 +924,12 @@ void inheritLengths(const ElementProperties &props, const LengthBase &base, Fram
             f->strokeWidth = v;
             break;
         }
+    // Any other value (inherit, or a word nobody knows) keeps the parent's rule.
+    const QString rule = props.text("fill-rule");
+    if (rule == QLatin1String("evenodd"))
+        f->evenOdd = true;
+    else if (rule == QLatin1String("nonzero"))
+        f->evenOdd = false;
 }
 
 }  // namespace
@@ -949,6 +956,7 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
     std::vector<size_t> shapeEnds;  // end index into `collected` for each shape
     std::vector<Affine> shapeTransforms;
     std::vector<double> shapeStrokes;
+    std::vector<bool> shapeEvenOdd;
     Viewport vp;
     bool sawRoot = false;
 
@@ -998,6 +1006,7 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
                     shapeEnds.push_back(collected.size());
                     shapeTransforms.push_back(f.m);
                     shapeStrokes.push_back(f.strokeWidth);
+                    shapeEvenOdd.push_back(f.evenOdd);
                 }
             }
         }
@@ -1025,6 +1034,7 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
         SvgShape &shape = image->shapes[si];
         // Scaled by the transform's mean scale, as a uniform pen would be.
         shape.strokeWidth = float(shapeStrokes[si] * std::sqrt(std::fabs(m.a * m.d - m.b * m.c)) * toUnits);
+        shape.evenOdd = shapeEvenOdd[si];
         for (size_t k = begin; k < shapeEnds[si]; ++k) {
             const PathBuilder::Sub &sub = collected[k];
             SvgPath path;
