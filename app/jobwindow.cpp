@@ -38,6 +38,7 @@
 #include <QScrollArea>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -214,9 +215,15 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
 
 bool JobWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == parentWidget() && event->type() == QEvent::Close && !maybeSave()) {
-        event->ignore();
-        return true;
+    if (watched == parentWidget() && event->type() == QEvent::Close) {
+        if (!maybeSave()) {
+            event->ignore();
+            return true;
+        }
+        // The main window closes this one too as it goes: that close asks nothing more. Should the
+        // main window stay after all, a later close asks again.
+        m_closeApproved = true;
+        QTimer::singleShot(0, this, [this] { m_closeApproved = false; });
     }
     return QMainWindow::eventFilter(watched, event);
 }
@@ -619,7 +626,7 @@ bool JobWindow::maybeSave()
 
 void JobWindow::closeEvent(QCloseEvent *event)
 {
-    if (maybeSave())
+    if (m_closeApproved || maybeSave())
         event->accept();
     else
         event->ignore();

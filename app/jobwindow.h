@@ -160,6 +160,7 @@ private:
     QStringList m_summary;
     QString m_exported;
     bool m_updatingFields = false;
+    bool m_closeApproved = false;  // the main window's close already asked about this job
 
     FileChooser m_chooseFile;
     CloseQuestion m_askClose;

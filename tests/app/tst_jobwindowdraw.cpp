@@ -93,10 +93,14 @@ void TestJobWindowDraw::closingAsksForTheJob()
         item.width = item.height = 5;
         w.jobWindow()->addItem(item, QStringLiteral("add"));
     }
+    w.setQuitConfirmer([](const QString &, const QString &) { return true; });
     w.show();
+    w.jobWindow()->show();
     QCOMPARE(w.close(), closes);
+    // Asked once, though the main window closes the Job window as it goes.
     QCOMPARE(asked, questions);
     QCOMPARE(w.isVisible(), !closes);
+    QCOMPARE(w.jobWindow()->isVisible(), !closes);
 }
 
 void TestJobWindowDraw::addToJobKeepsPlaceAndSize_data()
