@@ -17,6 +17,7 @@
 #include <QListWidget>
 #include <QMimeData>
 #include <QProcess>
+#include <QPushButton>
 #include <QStandardPaths>
 #include <QToolButton>
 #include <QUndoStack>
@@ -432,6 +433,7 @@ void TestJobWindow::layers_data()
     QTest::newRow("item to layer") << "move"    << QStringList{"A", "B", "C"} << QList<int>{2, 1, 2} << QList<bool>{true, true, true};
     QTest::newRow("remove layer")  << "remove"  << QStringList{"A", "C"}      << QList<int>{0, 1}    << QList<bool>{true, true};
     QTest::newRow("power typed")   << "power"   << QStringList{"A", "B", "C"} << QList<int>{0, 1, 2} << QList<bool>{true, true, true};
+    QTest::newRow("colour picked") << "colour"  << QStringList{"A", "B", "C"} << QList<int>{0, 1, 2} << QList<bool>{true, true, true};
     // clang-format on
 }
 
@@ -481,6 +483,14 @@ void TestJobWindow::layers()
         for (QToolButton *b : buttons)
             if (b->arrowType() == Qt::NoArrow && b->text() != QLatin1String("+"))
                 b->click();
+    } else if (action == QLatin1String("colour")) {
+        panel->setColorChooser([](const QColor &) { return QColor(0xff, 0x80, 0x00); });
+        for (QPushButton *b : panel->findChildren<QPushButton *>())
+            if (b->text() == start.layers[1].color)
+                b->click();
+        QCOMPARE(rig.doc().layers[1].color, QStringLiteral("#ff8000"));
+        // The layer's item is drawn in the new colour.
+        QCOMPARE(rig.window.scene()->graphic(1)->look().color, QColor(0xff, 0x80, 0x00));
     } else if (action == QLatin1String("power")) {
         auto *power = panel->findChildren<QDoubleSpinBox *>().at(1);
         power->setValue(77);

@@ -26,6 +26,8 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QStandardPaths>
+#include <QMenuBar>
+#include <QTranslator>
 #include <QUndoStack>
 
 namespace {
@@ -61,6 +63,8 @@ private slots:
     void presets_data();
     void presets();
     void saveLayerAsPreset();
+    void presetNamesFollowTheLanguage_data();
+    void presetNamesFollowTheLanguage();
     void testGridMatchesTool_data();
     void testGridMatchesTool();
 };
@@ -263,6 +267,38 @@ void TestJobWindowMachine::saveLayerAsPreset()
     QCOMPARE(p.passes, 2);
     QCOMPARE(p.interval, 0.07);
     QVERIFY(QDir(dir.path()).entryList(QDir::Files).isEmpty());
+}
+
+void TestJobWindowMachine::presetNamesFollowTheLanguage_data()
+{
+    QTest::addColumn<QString>("catalogue");
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QString>("firstPreset");
+    QTest::addColumn<QString>("fileMenu");
+    // clang-format off
+    QTest::newRow("zh")   << ":/bin_zh.qm" << "zh" << "胶合板 3 mm 雕刻"     << "文件(&F)";
+    QTest::newRow("en")   << ":/bin_en.qm" << "en" << "Plywood 3 mm, engrave" << "&File";
+    QTest::newRow("ko")   << ":/bin_ko.qm" << "ko" << "합판 3 mm 조각"        << "파일(&F)";
+    QTest::newRow("none") << ""            << "en" << "Plywood 3 mm, engrave" << "&File";
+    // clang-format on
+}
+
+void TestJobWindowMachine::presetNamesFollowTheLanguage()
+{
+    QFETCH(QString, catalogue);
+    QFETCH(QString, language);
+    QFETCH(QString, firstPreset);
+    QFETCH(QString, fileMenu);
+    QTranslator translator;
+    if (!catalogue.isEmpty()) {
+        QVERIFY(translator.load(catalogue));
+        QCoreApplication::installTranslator(&translator);
+    }
+    JobWindow window;
+    QCOMPARE(LayerPanel::language(), language);
+    QCOMPARE(window.layerPanel()->findChild<QComboBox *>(QStringLiteral("presetCombo"))->itemText(0), firstPreset);
+    QCOMPARE(window.menuBar()->actions().value(0)->text(), fileMenu);
+    QCoreApplication::removeTranslator(&translator);
 }
 
 void TestJobWindowMachine::testGridMatchesTool_data()
