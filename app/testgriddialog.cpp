@@ -125,6 +125,7 @@ TestGridDialog::TestGridDialog(const MachineProfile &machine, QWidget *parent) :
         connect(b, qOverload<int>(&QSpinBox::valueChanged), this, &TestGridDialog::schedule);
     connect(m_rowsArePasses, &QCheckBox::toggled, this, &TestGridDialog::schedule);
     connect(m_operation, qOverload<int>(&QComboBox::currentIndexChanged), this, &TestGridDialog::schedule);
+    schedule();  // enables the fields the rows use
     refresh();
 }
 

@@ -335,6 +335,10 @@ void TestJobWindowMachine::testGridMatchesTool()
             QFAIL(qPrintable(name));
     }
     dialog.refresh();
+    // Only the fields the rows use take input.
+    const bool passes = setup.contains(QLatin1String("rowsArePasses=1"));
+    QCOMPARE(dialog.findChild<QSpinBox *>(QStringLiteral("passesCount"))->isEnabled(), passes);
+    QCOMPARE(dialog.findChild<QSpinBox *>(QStringLiteral("speedCount"))->isEnabled(), !passes);
     JobDocument grid;
     QString error;
     QVERIFY2(dialog.makeDocument(&grid, &error), qPrintable(error));
