@@ -125,6 +125,8 @@ private slots:
             << "testgrid: the grid (19 x 5 mm at 160, 10) does not fit on the bed (170 x 200 mm)";
         QTest::newRow("too many rows") << grid + QStringList{"--speeds", "500:900:30", "--dialect", "marlin"}
             << "testgrid: the grid (19 x 208 mm at 10, 10) does not fit on the bed (170 x 200 mm)";
+        QTest::newRow("grid job over the G-code") << grid + QStringList{"--speeds", "500", "--job", "out.gcode"}
+                                                  << "testgrid: --job and --output both name @/out.gcode";
         QTest::newRow("grid job unwritable") << grid + QStringList{"--speeds", "500", "--job", "no/grid.tljob"}
                                              << "testgrid: cannot write @/no/grid.tljob";
         // clang-format on
