@@ -131,6 +131,8 @@ void TestJobExport::wholeJob_data()
     fill.items = {itemOf(0, SourceKind::Svg, rectangleSvg(10, 10), QRectF(10, 20, 2, 2))};
     JobDocument fillMarlin = fill;
     fillMarlin.machine.dialect = Dialect::Marlin;
+    JobDocument fillFan = fill;
+    fillFan.machine.dialect = Dialect::Fan;
 
     // Line: the same square cut once from its corner nearest the origin, 300 mm/min at 100 %.
     // The drawing's path runs (0,0) (10,0) (10,10) (0,10), which is (10,22) (12,22) (12,20) (10,20)
@@ -138,6 +140,8 @@ void TestJobExport::wholeJob_data()
     JobDocument line;
     line.layers = {layerOf("Cut", Operation::Line, 300, 100)};
     line.items = {itemOf(0, SourceKind::Svg, rectangleSvg(10, 10), QRectF(10, 20, 2, 2))};
+    JobDocument lineMarlin = line;
+    lineMarlin.machine.dialect = Dialect::Marlin;
     JobDocument lineFan = line;
     lineFan.machine.dialect = Dialect::Fan;
 
@@ -207,9 +211,20 @@ void TestJobExport::wholeJob_data()
         "G0 Y21.25\nG1 X10\nM3 S102\nG1 X12\nM5\nG1 X13\n"
         "G0 Y21.75\nG1 X12\nM3 S102\nG1 X10\nM5\nG1 X9\n"
         "M5\nG0 X0 Y0\n");
+    QTest::newRow("fill fan") << fillFan << QByteArray(
+        "G21\nG90\n; layer 1: Fill\n"
+        "G0 X9 Y20.25\nG1 X10 F1500\nM106 S102\nG1 X12\nM107\nG1 X13\n"
+        "G0 Y20.75\nG1 X12\nM106 S102\nG1 X10\nM107\nG1 X9\n"
+        "G0 Y21.25\nG1 X10\nM106 S102\nG1 X12\nM107\nG1 X13\n"
+        "G0 Y21.75\nG1 X12\nM106 S102\nG1 X10\nM107\nG1 X9\n"
+        "M107\nG0 X0 Y0\n");
     QTest::newRow("line grbl") << line << QByteArray(
         "G21\nG90\nM4 S0\n; layer 1: Cut\n"
         "G0 X10 Y20\nG1 Y22 F300 S1000\nG1 X12\nG1 Y20\nG1 X10\n"
+        "M5\nG0 X0 Y0\n");
+    QTest::newRow("line marlin") << lineMarlin << QByteArray(
+        "G21\nG90\n; layer 1: Cut\n"
+        "G0 X10 Y20\nM3 S255\nG1 Y22 F300\nG1 X12\nG1 Y20\nG1 X10\n"
         "M5\nG0 X0 Y0\n");
     QTest::newRow("line fan") << lineFan << QByteArray(
         "G21\nG90\n; layer 1: Cut\n"
