@@ -3,6 +3,7 @@
 #include "gcodeinterpreter.h"
 
 #include "gcodetokenizer.h"
+#include "motionmodel.h"
 
 #include <QBuffer>
 #include <QIODevice>
@@ -20,8 +21,6 @@ constexpr double MmPerInch = 25.4;
 constexpr double FanFullScale = 255.0;
 // Speed of G0 for the time of other programs' files; the machine's own maximum is not known.
 constexpr double RapidRate = 6000.0;  // mm/min
-// Acceleration the exports assume in their estimate.
-constexpr float Acceleration = 300.0f;  // mm/s^2
 // Arcs: chords stray at most this far from the circle, and no arc gets more chords than this.
 constexpr double ArcTolerance = 0.005;  // mm
 constexpr int MaxArcChords = 20000;
@@ -38,18 +37,6 @@ constexpr double MaxMagnitude = 1e7;
 constexpr float ShortStep = 0.5f;
 constexpr int StepWindow = 2;
 constexpr size_t MaxRunPoints = 4096;
-
-// The exports' straight-move time: accelerate to the speed, or to half way when it is short.
-float moveSeconds(float d, float speed)
-{
-    const float v = speed / 60.0f;
-    if (!(v > 0))
-        return 0;
-    const float p = std::sqrt(Acceleration * d);
-    if (v > p)
-        return 2.0f * p / Acceleration;
-    return v * 3.0f * 0.5f / Acceleration + d / v;
-}
 
 bool startsWith(const char *text, int length, const char *prefix)
 {
@@ -598,7 +585,7 @@ void GcodeInterpreter::clockMove(const ToolpathMove &move, bool xyGiven)
     case Clock::Generic: {
         const double d = std::sqrt((move.x1 - move.x0) * (move.x1 - move.x0) + (move.y1 - move.y0) * (move.y1 - move.y0)
                                    + (move.z1 - move.z0) * (move.z1 - move.z0));
-        m_genericSeconds += double(moveSeconds(float(d), float(move.feed)));
+        m_genericSeconds += double(MotionModel::classicMoveSeconds<float>(float(d), float(move.feed)));
         break;
     }
     case Clock::OwnRaster: {
@@ -607,7 +594,7 @@ void GcodeInterpreter::clockMove(const ToolpathMove &move, bool xyGiven)
         if (!m_pastPause)
             return;
         if (m_pending)
-            m_clockSum += moveSeconds(m_pendingLength, float(m_feed));
+            m_clockSum += MotionModel::classicMoveSeconds<float>(m_pendingLength, float(m_feed));
         const float dx = float(move.x1) - float(move.x0);
         const float dy = float(move.y1) - float(move.y0);
         m_pendingLength = std::sqrt(dx * dx + dy * dy);
@@ -660,7 +647,7 @@ void GcodeInterpreter::flushRun()
 
 void GcodeInterpreter::addVectorStep(float d)
 {
-    const float t = moveSeconds(d, float(m_feed));
+    const float t = MotionModel::classicMoveSeconds<float>(d, float(m_feed));
     if (std::isfinite(t))
         m_clockSum += t;
 }
@@ -668,7 +655,7 @@ void GcodeInterpreter::addVectorStep(float d)
 void GcodeInterpreter::finishClock()
 {
     if (m_clock == Clock::OwnRaster && m_pending)
-        m_clockSum += moveSeconds(m_pendingLength, float(m_feed));
+        m_clockSum += MotionModel::classicMoveSeconds<float>(m_pendingLength, float(m_feed));
     if (m_clock == Clock::OwnVector)
         flushRun();
     m_pending = false;

@@ -28,18 +28,28 @@ inline double restToRestSeconds(double distance, double feed, double acceleratio
 // The classic exports' own reckoning of one straight move of `distance` mm at `feed` mm/min, which
 // their time texts are made of: 2 sqrt(a d)/a when sqrt(a d) is below the speed, otherwise
 // 1.5 v/a + d/v. Worked out in the callers' own precision (float or double), so their texts stay
-// exactly as they are. A zero feed gives 0.
+// exactly as they are. No check on the feed: the raster export's sum turns infinite (or undefined)
+// at a feed of 0, as it always has.
 template <typename Real>
-Real classicMoveSeconds(Real distance, Real feed)
+Real classicMoveSecondsUnchecked(Real distance, Real feed)
 {
     const Real a = Real(ClassicAcceleration);
     const Real v = feed / Real(60);
-    if (!(v > 0))
-        return 0;
     const Real p = std::sqrt(a * distance);
-    if (v > p)
-        return Real(2) * p / a;
-    return v * Real(3) * Real(0.5) / a + distance / v;
+    // Both times worked out and one picked: which applies changes from move to move in a
+    // dithered picture, too often for a branch.
+    const Real accelerating = Real(2) * p / a;
+    const Real cruising = v * Real(3) * Real(0.5) / a + distance / v;
+    return v > p ? accelerating : cruising;
+}
+
+// The same, with 0 for a feed of 0 or less (a move that never gets anywhere has no time to give).
+template <typename Real>
+Real classicMoveSeconds(Real distance, Real feed)
+{
+    if (!(feed / Real(60) > 0))
+        return 0;
+    return classicMoveSecondsUnchecked(distance, feed);
 }
 
 }  // namespace MotionModel
