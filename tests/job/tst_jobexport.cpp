@@ -308,6 +308,9 @@ void TestJobExport::alignment()
     });
     const ToolpathSummary summary = interpreter.run(result.gcode);
     QCOMPARE(summary.linesNotUnderstood, qint64(0));
+    // The preview times the file with the same motion model as the engine's estimate.
+    QVERIFY2(std::abs(summary.seconds - result.seconds) < 1e-6,
+             qPrintable(QStringLiteral("preview %1 s, job %2 s").arg(summary.seconds).arg(result.seconds)));
     QVERIFY(engraved.moves > 100);
     QCOMPARE(cut.moves, 4);
     // The cut follows the rectangle itself.
