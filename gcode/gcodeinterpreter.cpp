@@ -100,6 +100,7 @@ void GcodeInterpreter::reset()
     m_pointArmed = false;
     m_clockSum = 0;
     m_genericSeconds = 0;
+    m_runClock = MotionModel::RunClock(m_acceleration);
     m_burnBox = Box();
     m_moveBox = Box();
     m_outBox = Box();
@@ -178,7 +179,7 @@ ToolpathSummary GcodeInterpreter::run(QIODevice *device)
         m_sum.minCutZ = m_cutZ.x0;
         m_sum.maxCutZ = m_cutZ.x1;
     }
-    m_sum.seconds = m_clock == Clock::Generic ? m_genericSeconds : double(m_clockSum);
+    m_sum.seconds = m_clock == Clock::Generic ? m_genericSeconds + m_runClock.seconds() : double(m_clockSum);
     return m_sum;
 }
 
@@ -376,8 +377,10 @@ bool GcodeInterpreter::interpretLine(const char *text, int length)
     } else if (spindle == 5) {
         m_spindleOn = false;
     }
-    if (dwell && m_clock == Clock::Generic && hasP)
+    if (dwell && m_clock == Clock::Generic && hasP) {
+        m_runClock.stop();
         m_genericSeconds += std::max(p, 0.0);
+    }
     if (pause && !m_pastPause) {
         m_pastPause = true;
         m_run.assign(1, VectorPoint{float(m_x), float(m_y)});
@@ -583,9 +586,9 @@ void GcodeInterpreter::clockMove(const ToolpathMove &move, bool xyGiven)
 {
     switch (m_clock) {
     case Clock::Generic: {
-        const double d = std::sqrt((move.x1 - move.x0) * (move.x1 - move.x0) + (move.y1 - move.y0) * (move.y1 - move.y0)
-                                   + (move.z1 - move.z0) * (move.z1 - move.z0));
-        m_genericSeconds += double(MotionModel::classicMoveSeconds<float>(float(d), float(move.feed)));
+        // Runs of straight moves at one feed, as the job engine times its own files.
+        m_runClock.add(move.x1 - move.x0, move.y1 - move.y0, move.z1 - move.z0, move.rapid ? m_travelSpeed : move.feed,
+                       move.rapid ? 0 : 1);
         break;
     }
     case Clock::OwnRaster: {

@@ -5,6 +5,7 @@
 #include "jobformat.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -54,7 +55,8 @@ inline qint32 dialectPower(qint32 power, int decimals)
     qint32 step = 1000;
     for (int i = 0; i < decimals; ++i)
         step /= 10;
-    return qint32((qint64(power) + step / 2) / step * step);
+    const qint64 rounded = (qint64(power) + step / 2) / step * step;
+    return qint32(rounded > std::numeric_limits<qint32>::max() ? rounded - step : rounded);
 }
 
 }  // namespace
@@ -72,7 +74,7 @@ void JobEncoder::beginLayer(int index, const JobLayer &layer)
 {
     char line[MaxLine + 8];
     char *p = put(line, "; layer ");
-    p += JobFormat::thousandths(qint64(index + 1) * 1000, p);
+    p += JobFormat::thousandths((qint64(index) + 1) * 1000, p);
     *p++ = ':';
     *p++ = ' ';
     const QByteArray name = layer.name.toUtf8();

@@ -25,6 +25,15 @@ double distanceToRect(qint32 x, qint32 y, const QRectF &rect)
     return dx * dx + dy * dy;
 }
 
+// The smallest step of power the dialect writes, in planned units (S x 1000).
+qint32 powerStep(const MachineProfile &profile)
+{
+    qint32 step = 1;
+    for (int i = JobDialect::texts(profile.dialect).powerDecimals; i < 3; ++i)
+        step *= 10;
+    return step;
+}
+
 // An image layer's items, ready to scan: their cells on the layer's grid.
 struct RasterItem
 {
@@ -136,6 +145,7 @@ bool plan(const JobDocument &doc, MoveSink &sink, QString *error)
             settings.speed = layer.speed;
             settings.power = power;
             settings.minPower = JobDialect::plannedPower(doc.machine, layer.image.minPower);
+            settings.powerStep = powerStep(doc.machine);
             settings.bedWidth = doc.machine.bedWidth;
             for (int pass = 0; pass < layer.passes; ++pass)
                 planImage(items, settings, sink, &x, &y);
@@ -148,6 +158,7 @@ bool plan(const JobDocument &doc, MoveSink &sink, QString *error)
             settings.speed = layer.speed;
             settings.power = power;
             settings.bedWidth = doc.machine.bedWidth;
+            settings.bedHeight = doc.machine.bedHeight;
             for (int pass = 0; pass < layer.passes; ++pass) {
                 if (layer.operation == Operation::Line)
                     JobVector::planLine(items, layer.line, settings, sink, &x, &y);

@@ -60,6 +60,7 @@ QString valueText(double v)
 bool finiteIn(double v, double low, double high) { return std::isfinite(v) && v >= low && v <= high; }
 
 // A text item `height` mm tall (less when it would be wider than `maxWidth`), at its own proportions.
+// Power labels get their cell's width at most, so that neighbours keep a gap between them.
 bool labelItem(const QString &text, TextAlign align, double height, double maxWidth, JobItem *item, QString *error)
 {
     item->layer = 0;
@@ -182,23 +183,18 @@ bool make(const TestGridParams &p, JobDocument *doc, QString *error)
     double columnLabelHeight = 0;
     for (int c = 0; c < columns; ++c) {
         JobItem &label = columnLabels[size_t(c)];
-        if (!labelItem(valueText(powers[size_t(c)]) + QLatin1Char('%'), TextAlign::Center, labelHeight,
-                       p.cell + p.gap * 0.8, &label, error))
+        if (!labelItem(valueText(powers[size_t(c)]) + QLatin1Char('%'), TextAlign::Center, labelHeight, p.cell, &label,
+                       error))
             return false;
         label.x = cellsLeft + c * pitch + (p.cell - label.width) / 2;
         label.y = cellsTop + labelGap;
         columnLabelHeight = std::max(columnLabelHeight, label.height);
     }
-    // A label wider than its cell may reach left of the first column's edge.
-    double left = p.x;
-    double right = cellsLeft + cellsWidth;
-    for (const JobItem &label : columnLabels) {
-        left = std::min(left, label.x);
-        right = std::max(right, label.x + label.width);
-    }
+    // Power labels are no wider than their cells, so the cells and row labels set the width.
+    const double right = cellsLeft + cellsWidth;
     const double top = cellsTop + labelGap + columnLabelHeight;
-    if (left < 0 || right > m.bedWidth || top > m.bedHeight)
-        return refuseSize(right - left, top - p.y);
+    if (right > m.bedWidth || top > m.bedHeight)
+        return refuseSize(right - p.x, top - p.y);
 
     const double highestPower = powers.back();
     JobLayer labels;

@@ -117,7 +117,9 @@ int runTestGrid(const QStringList &args)
     const QString jobOutput = withJob ? absolute(options.text(QStringLiteral("job"))) : QString();
     if (!outputWritable(output))
         return fail(QStringLiteral("testgrid: cannot write %1").arg(output));
-    if (withJob && (!outputWritable(jobOutput) || jobOutput == output))
+    if (withJob && jobOutput == output)
+        return fail(QStringLiteral("testgrid: --job and --output both name %1").arg(output));
+    if (withJob && !outputWritable(jobOutput))
         return fail(QStringLiteral("testgrid: cannot write %1").arg(jobOutput));
 
     JobDocument doc;

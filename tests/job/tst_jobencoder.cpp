@@ -104,6 +104,8 @@ void TestJobEncoder::moves_data()
         "G21\nG90\nM4 S0\nG0 X-0.5 Y0.001\nG0 X-0.001 Y-1\nG0 X123.456 Y-0.007\nM5\nG0 X0 Y0\n");
     QTest::newRow("largest coordinates") << grbl << "C 2147483647 -2147483647 2147483647 2147483647" << QByteArray(
         "G21\nG90\nM4 S0\nG1 X2147483.647 Y-2147483.647 F2147483647 S2147483.647\nM5\nG0 X0 Y0\n");
+    QTest::newRow("marlin largest power") << marlin << "C 1000 0 2147483647 60" << QByteArray(
+        "G21\nG90\nM3 S2147483\nG1 X1 Y0 F60\nM5\nG0 X0 Y0\n");
     // clang-format on
 }
 

@@ -24,6 +24,21 @@ QByteArray pngBytes(int width = 4, int height = 3)
     return bytes;
 }
 
+// A black block on white, something to trace.
+QByteArray blockPngBytes()
+{
+    QImage image(40, 30, QImage::Format_Grayscale8);
+    image.fill(255);
+    for (int y = 8; y < 22; ++y)
+        for (int x = 10; x < 30; ++x)
+            image.setPixel(x, y, qRgb(0, 0, 0));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return bytes;
+}
+
 // A 20 x 10 rectangle filling its drawing.
 const QByteArray SvgBytes =
     "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"20\" height=\"10\" viewBox=\"0 0 20 10\">"
@@ -122,8 +137,9 @@ JobDocument fullDocument()
     trace.y = 100;
     trace.width = 12;
     trace.height = 9;
+    trace.keepAspect = false;
     trace.source.kind = SourceKind::Trace;
-    trace.source.data = pngBytes();
+    trace.source.data = blockPngBytes();
 
     JobItem text;
     text.layer = 1;
@@ -515,7 +531,7 @@ private slots:
         QTest::newRow("long value cut short") << "{\"machine\":{\"dialect\":\"" + QByteArray(100, 'g') + "\"}}"
             << "machine.dialect: unknown dialect \"" + QString(40, 'g') + "...\"";
         QTest::newRow("item named on one line")
-            << QByteArray(R"({"layers":[{}],"items":[{"x":160,"height":20,"source":{"kind":"text","text":"A\nB"}}]})")
+            << pictureJob(R"("x":140,"width":40,"source":{"kind":"picture","name":"A\nB","data":"PIC"})")
             << "items[0] (A\\nB): outside the bed (170 x 200 mm)";
         QTest::newRow("extra not an object") << QByteArray(R"({"extra":[1]})") << "extra: not an object";
         // clang-format on

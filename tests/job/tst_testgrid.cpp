@@ -145,6 +145,7 @@ private slots:
             QCOMPARE(label.x + label.width / 2, left + c * 7.5 + 3);
             QCOMPARE(label.y, 20 + 7.5 + 6 + 1.5);
             QVERIFY(label.height <= 3);
+            QVERIFY(label.width <= 6);  // neighbours keep the gap between them
         }
         QCOMPARE(doc.items[0].source.align, TextAlign::Right);
         QCOMPARE(doc.items[2].source.align, TextAlign::Center);

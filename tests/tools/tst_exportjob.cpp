@@ -125,6 +125,8 @@ private slots:
             << "testgrid: the grid (19 x 5 mm at 160, 10) does not fit on the bed (170 x 200 mm)";
         QTest::newRow("too many rows") << grid + QStringList{"--speeds", "500:900:30", "--dialect", "marlin"}
             << "testgrid: the grid (19 x 208 mm at 10, 10) does not fit on the bed (170 x 200 mm)";
+        QTest::newRow("grid job over the G-code") << grid + QStringList{"--speeds", "500", "--job", "out.gcode"}
+                                                  << "testgrid: --job and --output both name @/out.gcode";
         QTest::newRow("grid job unwritable") << grid + QStringList{"--speeds", "500", "--job", "no/grid.tljob"}
                                              << "testgrid: cannot write @/no/grid.tljob";
         // clang-format on
@@ -159,13 +161,18 @@ private slots:
         QTest::addColumn<QStringList>("extra");
         QTest::addColumn<QByteArray>("start");
         QTest::addColumn<QByteArray>("end");
-        QTest::addColumn<bool>("laserMode");  // M4 written
+        QTest::addColumn<bool>("laserMode");        // M4 written
+        QTest::addColumn<QByteArray>("fullPower");  // how the cut layer's 100 % is written
         // clang-format off
-        QTest::newRow("the file's grbl") << QStringList() << QByteArray("G21\nG90\nM4 S0\n") << QByteArray("M5\nG0 X0 Y0\n") << true;
-        QTest::newRow("marlin") << QStringList{"--dialect", "marlin"} << QByteArray("G21\nG90\n") << QByteArray("M5\nG0 X0 Y0\n") << false;
-        QTest::newRow("fan") << QStringList{"--dialect", "fan"} << QByteArray("G21\nG90\n") << QByteArray("M107\nG0 X0 Y0\n") << false;
-        QTest::newRow("grbl named") << QStringList{"--dialect", "grbl", "--max-power", "255"} << QByteArray("G21\nG90\nM4 S0\n")
-                                    << QByteArray("M5\nG0 X0 Y0\n") << true;
+        QTest::newRow("the file's grbl") << QStringList() << QByteArray("G21\nG90\nM4 S0\n") << QByteArray("M5\nG0 X0 Y0\n")
+                                         << true << QByteArray(" S1000\n");
+        QTest::newRow("marlin") << QStringList{"--dialect", "marlin"} << QByteArray("G21\nG90\n") << QByteArray("M5\nG0 X0 Y0\n")
+                                << false << QByteArray("\nM3 S255\n");
+        QTest::newRow("fan") << QStringList{"--dialect", "fan"} << QByteArray("G21\nG90\n") << QByteArray("M107\nG0 X0 Y0\n")
+                             << false << QByteArray("\nM106 S255\n");
+        QTest::newRow("grbl at $30=255") << QStringList{"--dialect", "grbl", "--max-power", "255"}
+                                         << QByteArray("G21\nG90\nM4 S0\n") << QByteArray("M5\nG0 X0 Y0\n") << true
+                                         << QByteArray(" S255\n");
         // clang-format on
     }
 
@@ -175,6 +182,7 @@ private slots:
         QFETCH(QByteArray, start);
         QFETCH(QByteArray, end);
         QFETCH(bool, laserMode);
+        QFETCH(QByteArray, fullPower);
         ScopedWorkDir dir;
         TestFiles::write(QStringLiteral("job.tljob"), twoLayerJob());
         const ExportRun run = runExport(QStringList{"job", "--input", "job.tljob", "--output", "job.gcode"} + extra);
@@ -186,6 +194,14 @@ private slots:
         QCOMPARE(gcode.contains("M4"), laserMode);
         QVERIFY(gcode.contains("\n; layer 1: Photo\n"));
         QVERIFY(gcode.contains("\n; layer 2: Cut\n"));
+        const QByteArray cut = gcode.mid(gcode.indexOf("; layer 2: Cut"));
+        QVERIFY2(cut.contains(fullPower), cut.left(200).constData());
+        // Nothing above full power anywhere.
+        double highest = 0;
+        auto words = QRegularExpression(QStringLiteral(" S(\\d+(\\.\\d+)?)\n")).globalMatch(QString::fromLatin1(gcode));
+        while (words.hasNext())
+            highest = std::max(highest, words.next().captured(1).toDouble());
+        QCOMPARE(QByteArray(" S") + QByteArray::number(highest) + "\n", fullPower.mid(fullPower.indexOf(" S")));
         const QStringList lines = QString::fromUtf8(run.out).split(QLatin1Char('\n'));
         QCOMPARE(lines.size(), 4);  // the time, two layers, and the closing line feed
         QVERIFY2(QRegularExpression(QStringLiteral("^Estimated time: \\S.*$")).match(lines[0]).hasMatch(),
