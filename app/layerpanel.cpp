@@ -79,6 +79,7 @@ void LayerPanel::build()
     m_list->setDragDropMode(QAbstractItemView::InternalMove);
     m_list->setDefaultDropAction(Qt::MoveAction);
     m_list->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_list->setMinimumHeight(120);  // a few layers stay in sight when the settings below need to scroll
     layout->addWidget(m_list, 1);
 
     auto *buttons = new QHBoxLayout;
