@@ -66,6 +66,7 @@ QDoubleSpinBox *field(double min)
     box->setSuffix(QStringLiteral(" mm"));
     box->setKeyboardTracking(false);
     box->setMinimumWidth(90);
+    box->setSpecialValueText(QStringLiteral("\u2014"));  // shown (at the minimum) while nothing is selected
     return box;
 }
 
@@ -420,8 +421,8 @@ void JobWindow::buildToolBars()
     m_itemBar->setObjectName(QStringLiteral("itemToolBar"));
     m_xField = field(-10000);
     m_yField = field(-10000);
-    m_wField = field(0.01);
-    m_hField = field(0.01);
+    m_wField = field(0);
+    m_hField = field(0);
     m_xField->setObjectName(QStringLiteral("xField"));
     m_yField->setObjectName(QStringLiteral("yField"));
     m_wField->setObjectName(QStringLiteral("widthField"));
@@ -899,6 +900,9 @@ void JobWindow::updateFields()
         m_wField->setValue(bounds.width());
         m_hField->setValue(bounds.height());
         m_keepAspect->setChecked(document().items[size_t(items.first())].keepAspect);
+    } else {
+        for (QDoubleSpinBox *f : {m_xField, m_yField, m_wField, m_hField})
+            f->setValue(f->minimum());
     }
     m_updatingFields = false;
 }

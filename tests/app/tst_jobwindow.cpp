@@ -321,6 +321,11 @@ void TestJobWindow::selection()
     QCOMPARE(rig.undo()->count(), 0);
     QCOMPARE(rig.window.widthField()->isEnabled(), selected.size() == 1);
     QCOMPARE(rig.window.xField()->isEnabled(), !selected.isEmpty());
+    // With nothing selected the fields show a dash, not a made-up place.
+    if (selected.isEmpty())
+        QCOMPARE(rig.window.widthField()->text(), QStringLiteral("\u2014"));
+    else
+        QCOMPARE(rig.window.xField()->value(), selected == QList<int>{1} ? 60.0 : 10.0);
 }
 
 void TestJobWindow::dropAddsWhereDropped_data()
