@@ -50,7 +50,7 @@ private slots:
             << "Stopped by the user at line 5" << QByteArray("G1 X40 Y0\nM5\n\x18M5\n");
         QTest::newRow("marlin done")
             << int(FirmwareStandIn::Marlin) << QStringList{"--no-pause", "--firmware", "marlin"} << QByteArray() << ""
-            << 0 << "Job done: 11 lines" << QByteArray("N11 G28*35\n");
+            << 0 << "Job done: 11 lines" << QByteArray("N11 G28*35\nN12 M400*20\n");
         QTest::newRow("firmware error") << grbl << noPause << QByteArray() << "error" << 3
                                         << "Line 6: error:20 (Unsupported command.)" << QByteArray("\x18M5\n");
         QTest::newRow("error, going on") << grbl << QStringList{"--no-pause", "--continue-on-error"} << QByteArray()
