@@ -29,7 +29,7 @@ inline double restToRestSeconds(double distance, double feed, double acceleratio
 // their time texts are made of: 2 sqrt(a d)/a when sqrt(a d) is below the speed, otherwise
 // 1.5 v/a + d/v. Worked out in the callers' own precision (float or double), so their texts stay
 // exactly as they are. A zero feed gives 0.
-template <typename Real>
+template<typename Real>
 Real classicMoveSeconds(Real distance, Real feed)
 {
     const Real a = Real(ClassicAcceleration);
