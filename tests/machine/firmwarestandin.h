@@ -87,6 +87,7 @@ private:
     QTimer m_tick;
     QElapsedTimer m_clock;
     qint64 m_runUntil = 0;
+    double m_x = 1;
 
     bool moving() const { return !m_buffer.empty() || (m_clock.isValid() && m_clock.elapsed() < m_runUntil); }
 
@@ -137,7 +138,9 @@ private:
         if (c == '?') {
             const char *state = locked ? "Alarm" : held ? "Hold:0" : moving() ? "Run" : "Idle";
             idleSinceOk = idleSinceOk || QByteArray(state) == "Idle";
-            say(QByteArray("<") + state + "|MPos:1.000,2.000,0.000|FS:0,0>\r\n");
+            if (m_clock.isValid() && m_clock.elapsed() < m_runUntil)
+                m_x += 0.1;  // moving on after the last ok
+            say(QByteArray("<") + state + "|MPos:" + QByteArray::number(m_x, 'f', 3) + ",2.000,0.000|FS:0,0>\r\n");
         } else if (c == '!') {
             held = true;
             m_tick.stop();
