@@ -474,7 +474,10 @@ void MachinePanel::updateControls()
     for (QWidget *w : {ui->xPlusButton, ui->xMinusButton, ui->yPlusButton, ui->yMinusButton, ui->homeButton,
                        ui->setOriginButton, ui->goOriginButton, ui->frameButton, ui->runButton, ui->sendButton})
         w->setEnabled(idle);
-    ui->runButton->setEnabled(idle && !alarm);
+    // Moves and the job wait for the unlock; homing, the console and Unlock stay.
+    for (QWidget *w : {ui->xPlusButton, ui->xMinusButton, ui->yPlusButton, ui->yMinusButton, ui->setOriginButton,
+                       ui->goOriginButton, ui->frameButton, ui->runButton})
+        w->setEnabled(idle && !alarm);
     ui->unlockButton->setStyleSheet(idle && alarm ? QStringLiteral("font-weight: bold; color: #ff6060;") : QString());
     if (idle && alarm && m_runner->alarmAfterStop())
         ui->unlockButton->setFocus();

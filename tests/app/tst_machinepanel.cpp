@@ -242,13 +242,14 @@ private slots:
         QTRY_COMPARE(panel.runner()->state(), JobRunner::Stopped);
         QCOMPARE(message->text(), alarm);
         QVERIFY(child(&panel, "unlockButton")->isEnabled());
-        QVERIFY(!child(&panel, "runButton")->isEnabled());
+        QVERIFY(!child(&panel, "runButton")->isEnabled() && !child(&panel, "frameButton")->isEnabled());
+        QVERIFY(child(&panel, "homeButton")->isEnabled());  // homing clears an alarm too
         QTest::qWait(300);
         QVERIFY(!fw.wire.mid(fw.wire.lastIndexOf('\x18')).contains("M5"));
         click(&panel, "unlockButton");
         QTRY_VERIFY(fw.wire.replace("?", "").endsWith("$X\nM5\n"));
         QVERIFY(!fw.locked);
-        QTRY_VERIFY(child(&panel, "runButton")->isEnabled());
+        QTRY_VERIFY(child(&panel, "runButton")->isEnabled() && child(&panel, "frameButton")->isEnabled());
         qApp->removeTranslator(&translator);
     }
 
