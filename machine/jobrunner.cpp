@@ -354,8 +354,8 @@ void JobRunner::onStatus(const QByteArray &state, double x, double y)
 {
     if (m_state != Finishing || m_link->firmware() != Firmware::Grbl)
         return;
-    if (std::fabs(x - m_seenX) > MovedMm || std::fabs(y - m_seenY) > MovedMm)
-        m_finishTimer.start(m_link->answerTimeout());  // still moving: the wait goes on
+    if (std::fabs(x - m_seenX) > MovedMm || std::fabs(y - m_seenY) > MovedMm || MachineReplies::isWaitingState(state))
+        m_finishTimer.start(m_link->answerTimeout());  // still moving, or held: the wait goes on
     m_seenX = x, m_seenY = y;
     if (m_link->statusReports() > m_statusMark && state == "Idle")
         end(Done, NoFailure, tr("Job done: %1 lines").arg(m_lines.size()), false);

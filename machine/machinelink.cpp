@@ -306,6 +306,9 @@ void MachineLink::handleLine(const QByteArray &line)
             if (moved && !m_inFlight.empty())
                 m_answerTimer.start(m_answerTimeoutMs);  // the machine is moving: the job goes on
         }
+        // Held (Pause, or the board's own button) or homing: waiting is what it should do.
+        if (MachineReplies::isWaitingState(reply.state) && !m_inFlight.empty())
+            m_answerTimer.start(m_answerTimeoutMs);
         if (reply.hasPosition || !reply.state.isEmpty())
             emit statusChanged(reply.state, reply.x, reply.y);
         if (m_resetStatusDue && !reply.state.isEmpty()) {

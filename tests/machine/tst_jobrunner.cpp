@@ -348,6 +348,24 @@ private slots:
         QTRY_VERIFY(withoutPolls(r.fw.wire).endsWith(beamOff));
     }
 
+    // A pause longer than the time-out is no failure: GRBL reports Hold all along.
+    void pauseOutlastsTimeout()
+    {
+        Rig r;
+        r.fw.ackDelayMs = 10;
+        QVERIFY(r.ready());
+        r.link.setAnswerTimeout(800);
+        QVERIFY(r.run(plainJob(300)));
+        QTRY_VERIFY(r.runner.acknowledged() > 20);
+        r.runner.pause();
+        QTRY_VERIFY(r.fw.held && r.link.unansweredLines() > 0);
+        QTest::qWait(1500);
+        QCOMPARE(r.runner.state(), JobRunner::Paused);
+        r.runner.resume();
+        QTRY_COMPARE(r.runner.state(), JobRunner::Done);
+        QCOMPARE(r.runner.acknowledged(), 300);
+    }
+
     // All lines acknowledged is not done: the machine goes on moving for 3 s, and the runner
     // says "done" only once the board says it has finished (GRBL: Idle; Marlin: M400 answered).
     void finishing_data()
