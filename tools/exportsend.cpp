@@ -31,10 +31,10 @@ const char *const SendUsage =
     "job waits for Enter on standard input (the end of input stops it); --no-pause goes on\n"
     "at once. Ctrl-C stops the job and turns the beam off. The job is done when every line\n"
     "is acknowledged and the machine has finished moving. The time-out (default 30 s) counts\n"
-    "from the oldest line not yet acknowledged; only an answer or a movement of the machine\n"
-    "restarts it. Exit status: 0 done, 2 bad input, 3 firmware error, alarm or stop (also when\n"
-    "the machine is left in alarm: unlock it with $X), 4 connection lost or no answer within\n"
-    "the time-out.\n";
+    "from the oldest line not yet acknowledged; only an answer, a movement of the machine or\n"
+    "a hold restarts it. Exit status: 0 done, 2 bad input, 3 firmware error, alarm or stop\n"
+    "(also when the stop leaves the machine in alarm: unlock it with $X), 4 connection lost\n"
+    "or no answer within the time-out.\n";
 
 // Ctrl-C and kill reach the event loop through this pipe, so that a stop still turns the beam off.
 int g_stopPipe[2] = {-1, -1};
