@@ -22,6 +22,8 @@ constexpr double MaxClockSeconds = 99999.0 * 3600 + 3599;  // "99999:59:59"
 // Tags of the runner's own lines, past any job line.
 constexpr int FinishTag = 1 << 30;  // Marlin's M400 after the last line
 constexpr int UnlockTag = FinishTag + 1;
+constexpr int FrameTag = FinishTag + 2;      // the beam-off after the frame
+constexpr int FrameWaitTag = FinishTag + 3;  // Marlin's M400 after it
 constexpr double MovedMm = 0.0005;
 
 // Follows the moves of the file to give each line its share of the job's time.
@@ -163,6 +165,7 @@ bool JobRunner::start()
     m_failure = NoFailure;
     m_message.clear();
     m_frameDue = false;
+    m_frameSettling = m_waitIdle = false;
     m_beamOffSent = false;
     m_alarmAfterStop = m_beamOffAfterUnlock = false;
     m_lastPower.clear();
@@ -179,12 +182,12 @@ bool JobRunner::start()
 void JobRunner::feed()
 {
     // Sending a line makes the link ask for more at once; that call finds this loop running.
-    if (m_state != Running || m_feeding)
+    if (m_state != Running || m_feeding || m_frameSettling)
         return;
     m_feeding = true;
     feedLines();
     m_feeding = false;
-    if (m_state == Running && m_next == m_lines.size() && m_acked == m_lines.size())
+    if (m_state == Running && !m_frameSettling && m_next == m_lines.size() && m_acked == m_lines.size())
         beginFinishing();
 }
 
@@ -201,13 +204,12 @@ void JobRunner::feedLines()
                     m_frameDue = true;
                     return;
                 }
+                // The beam goes off; the pause begins once the machine has finished the frame.
                 m_frameDue = false;
                 m_answered[m_next] = true;
                 ++m_acked, m_lastAckIndex = m_next, ++m_next;
-                m_link->sendLine(laserOffText());
-                m_elapsedBefore += m_clock.restart();
-                setState(FramePause);
-                reportProgress(true);
+                m_frameSettling = true;
+                m_link->sendLine(laserOffText(), FrameTag);
                 return;
             }
             m_answered[m_next] = true;
@@ -233,6 +235,17 @@ void JobRunner::onAnswered(int tag, const MachineReply &reply)
             end(Failed, FirmwareError, tr("After the last line: %1").arg(QString::fromUtf8(reply.text)), true);
         else
             end(Done, NoFailure, tr("Job done: %1 lines").arg(m_lines.size()), false);
+        return;
+    }
+    if (tag == FrameTag || tag == FrameWaitTag) {
+        if (m_state != Running || !m_frameSettling)
+            return;
+        if (m_link->firmware() == Firmware::Grbl)
+            waitForIdle();
+        else if (tag == FrameTag)
+            m_link->sendLine("M400", FrameWaitTag);  // Marlin answers it once the moves are done
+        else
+            enterFramePause();
         return;
     }
     if (tag == UnlockTag) {
@@ -268,7 +281,7 @@ void JobRunner::afterAnswer()
     const bool drained = m_link->unansweredLines() == 0 && m_link->queuedLines() == 0;
     if (m_state == Running && m_frameDue && drained)
         feed();
-    else if (m_state == Running && m_acked == m_lines.size())
+    else if (m_state == Running && !m_frameSettling && m_acked == m_lines.size())
         beginFinishing();
     else if (m_state == Paused && !m_beamOffSent && m_link->firmware() != Firmware::Grbl && drained) {
         m_beamOffSent = true;
@@ -339,31 +352,51 @@ void JobRunner::beginFinishing()
     setState(Finishing);
     reportProgress(true);
     if (m_link->firmware() == Firmware::Grbl) {
-        // Done when a report asked for from now on says Idle; until then the machine may still be moving.
-        m_statusMark = m_link->statusRequests();
-        m_seenX = m_link->lastX(), m_seenY = m_link->lastY();
-        m_link->requestStatus();
-        m_finishTimer.start(m_link->answerTimeout());
+        waitForIdle();
     } else {
         // Marlin answers M400 once every move is done.
         m_link->sendLine("M400", FinishTag);
     }
 }
 
+void JobRunner::waitForIdle()
+{
+    // Finished when a report asked for from now on says Idle; until then the machine may still be moving.
+    m_waitIdle = true;
+    m_statusMark = m_link->statusRequests();
+    m_seenX = m_link->lastX(), m_seenY = m_link->lastY();
+    m_link->requestStatus();
+    m_finishTimer.start(m_link->answerTimeout());
+}
+
+void JobRunner::enterFramePause()
+{
+    m_frameSettling = m_waitIdle = false;
+    m_finishTimer.stop();
+    m_elapsedBefore += m_clock.restart();
+    setState(FramePause);
+    reportProgress(true);
+}
+
 void JobRunner::onStatus(const QByteArray &state, double x, double y)
 {
-    if (m_state != Finishing || m_link->firmware() != Firmware::Grbl)
+    if (!m_waitIdle || !isActive() || m_state == Stopping)
         return;
     if (std::fabs(x - m_seenX) > MovedMm || std::fabs(y - m_seenY) > MovedMm || MachineReplies::isWaitingState(state))
         m_finishTimer.start(m_link->answerTimeout());  // still moving, or held: the wait goes on
     m_seenX = x, m_seenY = y;
-    if (m_link->statusReports() > m_statusMark && state == "Idle")
+    if (m_link->statusReports() <= m_statusMark || state != "Idle")
+        return;
+    m_waitIdle = false;
+    if (m_state == Finishing)
         end(Done, NoFailure, tr("Job done: %1 lines").arg(m_lines.size()), false);
+    else if (m_state == Running && m_frameSettling)
+        enterFramePause();
 }
 
 void JobRunner::onFinishTimeout()
 {
-    if (m_state != Finishing)
+    if (m_state != Finishing && !(m_state == Running && m_frameSettling))
         return;
     end(Failed, Timeout,
         tr("The machine did not finish within %1 s of the last line; %2")
@@ -390,7 +423,8 @@ void JobRunner::onResetDone(const QByteArray &state)
 
 void JobRunner::pause()
 {
-    if (m_state != Running)
+    // While the frame finishes, the pause after it is only moments away.
+    if (m_state != Running || m_frameSettling)
         return;
     m_elapsedBefore += m_clock.restart();
     setState(Paused);
@@ -462,6 +496,7 @@ void JobRunner::haltMachine()
 void JobRunner::end(State state, Failure failure, const QString &message, bool beamOff)
 {
     m_finishTimer.stop();
+    m_frameSettling = m_waitIdle = false;
     if (m_clock.isValid() && (m_state == Running || m_state == Finishing))
         m_elapsedBefore += m_clock.elapsed();
     m_clock.invalidate();

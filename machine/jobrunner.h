@@ -96,6 +96,8 @@ private:
     void afterAnswer();
     void setState(State state);
     void beginFinishing();
+    void waitForIdle();
+    void enterFramePause();
     void end(State state, Failure failure, const QString &message, bool beamOff);
     void finish();
     void haltMachine();
@@ -116,6 +118,8 @@ private:
     bool m_continueOnError = false;
     bool m_pauseAtFrame = true;
     bool m_frameDue = false;
+    bool m_frameSettling = false;  // the beam-off after the frame is out; the pause follows when the machine rests
+    bool m_waitIdle = false;       // GRBL: a status report of Idle is awaited
     bool m_feeding = false;
     bool m_beamOffSent = false;
     bool m_alarmAfterStop = false;

@@ -78,7 +78,7 @@ private slots:
                               << Lines{"G90", "G1 F1800", "G0 X0 Y0", "M4 S20", "G1 X40 Y0", "M5"};
         QTest::newRow("marlin") << int(FirmwareStandIn::Marlin) << Lines{"G91", "G1 X-10.00 F2000", "G90", "M114"}
                                 << Lines{"G90", "M107"} + corners + Lines{"M107", "M114"}
-                                << Lines{"G90", "G1 F1800", "G28 X0 Y0", "M106 S5", "G1 X40 Y0", "M107"};
+                                << Lines{"G90", "G1 F1800", "G28 X0 Y0", "M106 S5", "G1 X40 Y0", "M107", "M400"};
         // clang-format on
     }
     void workflow()

@@ -399,20 +399,36 @@ private slots:
         QCOMPARE(r.runner.message(), QString("Job done: 20 lines"));
     }
 
-    // The clock starts with the first line: the frame's time counts, and goes on after the pause.
-    void elapsedIncludesFrame()
+    // The pause after the frame begins once the machine has traced it (GRBL: Idle after the
+    // beam-off; Marlin: M400 answered), and the clock, started with the first line, counts the
+    // frame's time but not the wait at the pause.
+    void framePause_data()
     {
-        Rig r;
-        r.fw.ackDelayMs = 100;
+        // clang-format off
+        QTest::addColumn<int>("kind");
+        QTest::newRow("grbl") << int(FirmwareStandIn::Grbl);
+        QTest::newRow("marlin") << int(FirmwareStandIn::Marlin);
+        // clang-format on
+    }
+    void framePause()
+    {
+        QFETCH(int, kind);
+        Rig r{FirmwareStandIn::Kind(kind)};
+        r.fw.runAfterMs = 1000;  // the frame's moves go on this long after the last ok
         QVERIFY(r.ready());
+        bool tracedAtPause = false;
+        connect(&r.runner, &JobRunner::stateChanged, this, [&](JobRunner::State state) {
+            if (state == JobRunner::FramePause)
+                tracedAtPause = r.fw.idleSinceOk;
+        });
         QVERIFY(r.run(makeJob(10, true).file));
         QTRY_COMPARE(r.runner.state(), JobRunner::FramePause);
-        // Five lines before the pause (G90 and the frame), 100 ms each on the board.
-        QVERIFY2(r.runner.elapsedMs() >= 450, qPrintable(QString::number(r.runner.elapsedMs())));
+        QVERIFY(tracedAtPause);
+        QVERIFY2(r.runner.elapsedMs() >= 950, qPrintable(QString::number(r.runner.elapsedMs())));
         const qint64 atFrame = r.runner.elapsedMs();
         QTest::qWait(300);
         QCOMPARE(r.runner.elapsedMs(), atFrame);  // waiting at the frame does not count
-        r.fw.ackDelayMs = 0;
+        r.fw.runAfterMs = 0;
         r.runner.resume();
         QTRY_COMPARE(r.runner.state(), JobRunner::Done);
         QVERIFY(r.runner.elapsedMs() >= atFrame);
