@@ -87,6 +87,11 @@ JobRunner::JobRunner(MachineLink *link, QObject *parent) : QObject(parent), m_li
     connect(m_link, &MachineLink::answerTimedOut, this, &JobRunner::onAnswerTimedOut);
     connect(m_link, &MachineLink::statusChanged, this, &JobRunner::onStatus);
     connect(m_link, &MachineLink::resetDone, this, &JobRunner::onResetDone);
+    // Closed while waiting for the board to come back (Disconnect after Stop): nothing more will come.
+    connect(m_link, &MachineLink::stateChanged, this, [this](MachineLink::State state) {
+        if (state == MachineLink::Closed && m_state == Stopping)
+            finish();
+    });
     m_finishTimer.setSingleShot(true);
     connect(&m_finishTimer, &QTimer::timeout, this, &JobRunner::onFinishTimeout);
 }

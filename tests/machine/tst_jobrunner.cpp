@@ -232,6 +232,23 @@ private slots:
         QCOMPARE(after.mid(after.indexOf('\x18')), QByteArray("\x18M5\n"));  // nothing of the job after it
     }
 
+    // Disconnecting while GRBL comes back from the stop's reset ends the stop at once.
+    void closedWhileStopping()
+    {
+        Rig r;
+        r.fw.ackDelayMs = 10;
+        QVERIFY(r.ready() && r.run(plainJob(300)));
+        QTRY_VERIFY(r.runner.acknowledged() > 20);
+        QSignalSpy finished(&r.runner, &JobRunner::finished);
+        r.fw.silent = true;  // the board does not come back
+        r.runner.stop();
+        QCOMPARE(r.runner.state(), JobRunner::Stopping);
+        r.link.close();
+        QCOMPARE(r.runner.state(), JobRunner::Stopped);
+        QCOMPARE(finished.count(), 1);
+        QTRY_VERIFY(withoutPolls(r.fw.wire).endsWith("\x18"));
+    }
+
     void marlinControls()
     {
         Rig r(FirmwareStandIn::Marlin);
