@@ -435,7 +435,7 @@ void JobRunner::pause()
     setState(Paused);
     // Lines not yet written go out again on resume.
     const int unsent = m_link->clearQueue();
-    if (unsent >= 0) {
+    if (unsent >= 0 && unsent < m_lines.size()) {
         m_next = unsent;
         // A power line taken back from the queue never reached the board: the power in
         // force is the last one written before the first line that goes out again.
