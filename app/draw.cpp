@@ -19,9 +19,11 @@
 #include "waitingform.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QIcon>
+#include <QLibraryInfo>
 #include <QMessageBox>
 #include <QTextCursor>
 #include <QTranslator>
@@ -49,6 +51,10 @@ Draw::Draw(QWidget *parent) : QMainWindow(parent), ui(new Ui::Draw)
             QMessageBox::warning(this, title, text);
         else
             QMessageBox::information(this, title, text);
+    };
+    m_confirmQuit = [this](const QString &title, const QString &text) {
+        return QMessageBox::question(this, title, text, QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
+               == QMessageBox::Yes;
     };
 
     // 1. The widget tree.
@@ -127,6 +133,27 @@ Draw::~Draw()
     delete ui;
 }
 
+bool Draw::hasUnexportedDesign() const
+{
+    if (!m_pictureLoaded)
+        return false;
+    return m_exportedPlacement != m_placements || m_itemRect != m_exportedRect
+           || m_renderForm->CurrentItemPos() != m_exportedPosition;
+}
+
+void Draw::closeEvent(QCloseEvent *event)
+{
+    if (hasUnexportedDesign() && !m_confirmQuit(tr("退出"), tr("画布上的设计尚未导出。仍要退出吗？"))) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+    // The threshold editor and the other dialogs have no parent; the program ends with this window.
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (window != this && window->isVisible())
+            window->close();
+}
+
 void Draw::restoreSettings()
 {
     ui->lineLaserOn->setText(AppSettings::tarnwyString("laser_on"));
@@ -174,8 +201,10 @@ void Draw::installLanguage()
     library.lookupLanguage();
     m_language = library.languageIndex();
     m_translator = new QTranslator(this);
-    if (m_language >= 0 && m_language < int(std::size(Catalogues)))
+    if (m_language >= 0 && m_language < int(std::size(Catalogues))) {
         m_translator->load(QString::fromLatin1(Catalogues[m_language]));
+        installQtCatalogue(QString::fromLatin1(Catalogues[m_language]));
+    }
     // Installed even when empty: the texts then stay in Chinese.
     qApp->installTranslator(m_translator);
     ui->retranslateUi(this);
@@ -284,12 +313,36 @@ void Draw::switchLanguage(const QString &catalogue, bool editorToo)
     // Translators are only ever added; the newest wins.
     QTranslator *translator = new QTranslator(this);
     translator->load(catalogue);
+    installQtCatalogue(catalogue);
     qApp->installTranslator(translator);
     ui->retranslateUi(this);
     m_serialPanel->retranslateUi();
     if (editorToo)
         m_imgEdit->RetranslateUi();
     restoreTextsAfterRetranslate();
+}
+
+void Draw::installQtCatalogue(const QString &catalogue)
+{
+    // Only Qt's catalogue is ever replaced; its contexts (QFileDialog, QPlatformTheme, ...) are
+    // none of the program's, so the program's own translators keep every text they had.
+    if (m_qtTranslator) {
+        qApp->removeTranslator(m_qtTranslator);
+        delete m_qtTranslator;
+        m_qtTranslator = nullptr;
+    }
+    const QString locale = catalogue == QLatin1String(Catalogues[0])   ? QStringLiteral("zh_CN")
+                           : catalogue == QLatin1String(Catalogues[2]) ? QStringLiteral("ko")
+                                                                       : QString();
+    if (locale.isEmpty())
+        return;
+    auto *translator = new QTranslator(this);
+    if (!translator->load(QStringLiteral("qtbase_") + locale, QLibraryInfo::location(QLibraryInfo::TranslationsPath))) {
+        delete translator;
+        return;
+    }
+    qApp->installTranslator(translator);
+    m_qtTranslator = translator;
 }
 
 // The form's retranslation puts back its design-time texts; the live ones return here.

@@ -58,6 +58,11 @@ public:
     using NoticeShower = std::function<void(Notice kind, const QString &title, const QString &text)>;
     void setFileChooser(FileChooser chooser) { m_chooseFile = std::move(chooser); }
     void setNoticeShower(NoticeShower shower) { m_showNotice = std::move(shower); }
+    // Asked before the window closes while the canvas holds a design placed or changed after
+    // the last export; true lets the window close. A Yes/No box unless replaced.
+    using QuitConfirmer = std::function<bool(const QString &title, const QString &text)>;
+    void setQuitConfirmer(QuitConfirmer confirmer) { m_confirmQuit = std::move(confirmer); }
+    bool hasUnexportedDesign() const;
 
 signals:
     void SigStartSaveGcode(QString filename, QPointF pos);
@@ -153,6 +158,11 @@ public slots:
     void on_btnEn_clicked();
     void on_btnZh_clicked();
 
+protected:
+    // Asks about an unexported design, then closes every other window of the program with
+    // this one, so that the event loop ends.
+    void closeEvent(QCloseEvent *event) override;
+
 private:
     // A message that exists as a Chinese and an English literal: the start-up language
     // picks one; in other languages there is none (and the dialog it heads is skipped).
@@ -169,6 +179,9 @@ private:
     void setUpSliders();
     void restoreTextsAfterRetranslate();
     void switchLanguage(const QString &catalogue, bool editorToo);
+    // Qt's own texts (file dialogs, standard buttons) in the language of CATALOGUE, one of the
+    // program's catalogues; English needs none.
+    void installQtCatalogue(const QString &catalogue);
 
     // The job road (draw_job.cpp).
     void routePicture(const QString &path);
@@ -188,6 +201,7 @@ private:
     Ui::Draw *ui;
     FileChooser m_chooseFile;
     NoticeShower m_showNotice;
+    QuitConfirmer m_confirmQuit;
 
     // Job state.
     QString m_loadedPath;
@@ -203,6 +217,11 @@ private:
     QFont m_textFont;
     QImage m_image;
     QString m_timeText;  // the last estimated time shown, put back after a language switch
+    // What the last export wrote: which placed picture, its size and its place.
+    int m_placements = 0;  // pictures placed so far
+    int m_exportedPlacement = -1;
+    QRectF m_exportedRect;
+    QPointF m_exportedPosition;
 
     int m_textPixelSize = -1;  // not yet chosen
     int m_language = 0;        // 0 Chinese, 1 English, 2 Korean
@@ -227,6 +246,7 @@ private:
     MachinePanel *m_machinePanel = nullptr;
 
     QTranslator *m_translator = nullptr;
+    QTranslator *m_qtTranslator = nullptr;        // Qt's own catalogue for the language last installed
     struct MaterialRecord *m_material = nullptr;  // the record selected in the combo box
 };
 

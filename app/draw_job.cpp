@@ -6,10 +6,10 @@
 #include "appsettings.h"
 #include "bitmap2gcode.h"
 #include "bitmap2svg.h"
+#include "classicsetup.h"
 #include "estimatedtime.h"
 #include "imgbinaryedit.h"
 #include "machinepanel.h"
-#include "machinevalues.h"
 #include "pgraphicsscene.h"
 #include "previewpanel.h"
 #include "renderform.h"
@@ -158,6 +158,7 @@ void Draw::loadPicture(const QString &path)
         m_renderForm->LoadItemFromFile(path, 0);
     }
     m_pictureLoaded = true;
+    ++m_placements;
 }
 
 void Draw::outputStyleChanged()
@@ -274,9 +275,15 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
     const int power = ui->powerHorizontalSlider->value();
     const double width = ui->w_line->text().toDouble();
     const double height = ui->h_line->text().toDouble();
-    const int feed = MachineValues::feed(speed);
-    const int travel = MachineValues::travel(speed);
-    const int laser = MachineValues::power(power);
+    ClassicSetup setup;
+    setup.speedPercent = speed;
+    setup.powerPercent = power;
+    setup.cnc = !ui->radioButtonLaser->isChecked();
+    setup.offset = pos;
+    setup.width = width;
+    setup.height = height;
+    setup.feedZ = ui->lineCNCFeedZ->text().toFloat();
+    setup.travelZ = ui->lineCNCTravelZ->text().toFloat();
 
     bool generated = false;
     // When a generator refuses, nothing is copied: an old "local.gcode" must not stand in.
@@ -289,10 +296,7 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
         Bitmap2Gcode *generator = new Bitmap2Gcode;
         if (thread)
             generator->moveToThread(thread);  // never started: the call below is direct
-        generator->offset = pos;
-        generator->SetTravelSpeed(travel);
-        generator->SetFeedSpeed(feed);
-        generator->SetPower(float(laser));
+        setup.apply(*generator);
         const QImage picture(QString::fromLatin1(BlackWhiteJpg));
         const double scale = width / m_imgEdit->Result().width();
         qDebug() << "the image width scale is:" << scale;
@@ -317,13 +321,7 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
                           "The drawing cannot be read or has no width to scale; no file was written!!!");
         } else {
             Svg2GcodeP *generator = new Svg2GcodeP;
-            generator->SetgGcodeWidth(int(width), int(height));
-            generator->SetFeedSpeed(feed);
-            generator->SetPrintMode(!ui->radioButtonLaser->isChecked());
-            generator->SetTravelSpeed(travel);
-            generator->SetLaser(laser);
-            generator->SetPrintZValue(ui->lineCNCFeedZ->text().toFloat());
-            generator->SetTravelZValue(ui->lineCNCTravelZ->text().toFloat());
+            setup.apply(*generator);
             generator->SvgToGcode(drawing, QString::fromLatin1(LocalGcode));
             qDebug() << "Now the width is:" << int(width);
             seconds = generator->TakeEstimatedTime();
@@ -356,8 +354,14 @@ void Draw::startSaveGcode(QString filename, QPointF pos)
     if (QFile::exists(filename))
         QFile::remove(filename);
     QFile out(filename);
-    if (out.open(QIODevice::WriteOnly) && out.write(gcode) == gcode.size())
+    if (out.open(QIODevice::WriteOnly) && out.write(gcode) == gcode.size()) {
         m_machinePanel->setJobFile(filename, seconds);
+        if (generated) {
+            m_exportedPlacement = m_placements;
+            m_exportedRect = m_itemRect;
+            m_exportedPosition = pos;
+        }
+    }
     // The preview reads the file after this function has closed it.
     if (auto *preview = findChild<PreviewPanel *>())
         preview->showFile(filename, ui->radioButtonCNC->isChecked());

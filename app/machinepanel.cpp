@@ -140,13 +140,8 @@ bool MachinePanel::holderHoldsPort(const QString &port) const
 {
     if (!m_holder)
         return false;
-    // The port panel says "disconnect" on its button while it holds a port.
-    const QComboBox *combo = m_holder->findChild<QComboBox *>(QStringLiteral("portCombo"));
-    const QPushButton *button = m_holder->findChild<QPushButton *>(QStringLiteral("btnConnect"));
-    if (!combo || !button || button->text() != QCoreApplication::translate("CPSerialPort", "断开"))
-        return false;
-    const QString held = combo->currentText();
-    return !held.isEmpty()
+    const QString held = m_holder->heldPort();
+    return m_holder->holdsPort()
            && (port == held || QFileInfo(port).fileName() == held || QSerialPortInfo(held).systemLocation() == port);
 }
 
@@ -178,11 +173,8 @@ void MachinePanel::on_disconnectButton_clicked()
 
 void MachinePanel::on_releaseButton_clicked()
 {
-    // The port panel's Disconnect leaves its worker holding the port until the next Connect
-    // toggles it shut; so: disconnect, connect (which closes the port), disconnect again.
     if (m_holder)
-        for (int click = 0; click < 3; ++click)
-            m_holder->on_btnConnect_clicked();
+        m_holder->releasePort();
     ui->releaseButton->hide();
     // The port panel closes the port in its own thread; try again when it has.
     QTimer::singleShot(500, this, &MachinePanel::on_connectButton_clicked);

@@ -4,6 +4,7 @@
 
 #include "appsettings.h"
 #include "languagepick.h"
+#include "motionmodel.h"
 #include "workarea.h"
 #include "rastergcodewriter.h"
 
@@ -35,9 +36,6 @@ constexpr qint64 MaxStride = qint64(1) << 40;
 constexpr int BlackLimit = 4096;
 constexpr int White = 255;
 constexpr int GrayLevels = 256;
-// Acceleration of the machine (mm/s^2) in the travel-time estimate.
-constexpr float Acceleration = 300.0f;
-constexpr float SecondsPerMinute = 60.0f;
 
 // Error diffusion: the threshold, and the neighbours that share an eighth of the error each.
 constexpr int DiffusionThreshold = 127;
@@ -95,13 +93,7 @@ public:
         const float dx = x - m_x;
         const float dy = y - m_y;
         const float d = std::sqrt(dx * dx + dy * dy);
-        const float v = float(speed) / SecondsPerMinute;
-        const float p = std::sqrt(Acceleration * d);
-        // Both times worked out and one picked: which applies changes from move to move
-        // in a dithered picture, too often for a branch.
-        const float accelerating = 2.0f * p / Acceleration;
-        const float cruising = v * 3.0f * 0.5f / Acceleration + d / v;
-        *m_total += v > p ? accelerating : cruising;
+        *m_total += MotionModel::classicMoveSecondsUnchecked<float>(d, float(speed));
         m_x = x;
         m_y = y;
     }

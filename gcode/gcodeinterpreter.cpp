@@ -3,6 +3,7 @@
 #include "gcodeinterpreter.h"
 
 #include "gcodetokenizer.h"
+#include "motionmodel.h"
 
 #include <QBuffer>
 #include <QIODevice>
@@ -20,8 +21,6 @@ constexpr double MmPerInch = 25.4;
 constexpr double FanFullScale = 255.0;
 // Speed of G0 for the time of other programs' files; the machine's own maximum is not known.
 constexpr double RapidRate = 6000.0;  // mm/min
-// Acceleration the exports assume in their estimate.
-constexpr float Acceleration = 300.0f;  // mm/s^2
 // Arcs: chords stray at most this far from the circle, and no arc gets more chords than this.
 constexpr double ArcTolerance = 0.005;  // mm
 constexpr int MaxArcChords = 20000;
@@ -38,18 +37,6 @@ constexpr double MaxMagnitude = 1e7;
 constexpr float ShortStep = 0.5f;
 constexpr int StepWindow = 2;
 constexpr size_t MaxRunPoints = 4096;
-
-// The exports' straight-move time: accelerate to the speed, or to half way when it is short.
-float moveSeconds(float d, float speed)
-{
-    const float v = speed / 60.0f;
-    if (!(v > 0))
-        return 0;
-    const float p = std::sqrt(Acceleration * d);
-    if (v > p)
-        return 2.0f * p / Acceleration;
-    return v * 3.0f * 0.5f / Acceleration + d / v;
-}
 
 bool startsWith(const char *text, int length, const char *prefix)
 {
@@ -113,6 +100,7 @@ void GcodeInterpreter::reset()
     m_pointArmed = false;
     m_clockSum = 0;
     m_genericSeconds = 0;
+    m_runClock = MotionModel::RunClock(m_acceleration);
     m_burnBox = Box();
     m_moveBox = Box();
     m_outBox = Box();
@@ -191,7 +179,7 @@ ToolpathSummary GcodeInterpreter::run(QIODevice *device)
         m_sum.minCutZ = m_cutZ.x0;
         m_sum.maxCutZ = m_cutZ.x1;
     }
-    m_sum.seconds = m_clock == Clock::Generic ? m_genericSeconds : double(m_clockSum);
+    m_sum.seconds = m_clock == Clock::Generic ? m_genericSeconds + m_runClock.seconds() : double(m_clockSum);
     return m_sum;
 }
 
@@ -389,8 +377,10 @@ bool GcodeInterpreter::interpretLine(const char *text, int length)
     } else if (spindle == 5) {
         m_spindleOn = false;
     }
-    if (dwell && m_clock == Clock::Generic && hasP)
+    if (dwell && m_clock == Clock::Generic && hasP) {
+        m_runClock.stop();
         m_genericSeconds += std::max(p, 0.0);
+    }
     if (pause && !m_pastPause) {
         m_pastPause = true;
         m_run.assign(1, VectorPoint{float(m_x), float(m_y)});
@@ -596,9 +586,9 @@ void GcodeInterpreter::clockMove(const ToolpathMove &move, bool xyGiven)
 {
     switch (m_clock) {
     case Clock::Generic: {
-        const double d = std::sqrt((move.x1 - move.x0) * (move.x1 - move.x0) + (move.y1 - move.y0) * (move.y1 - move.y0)
-                                   + (move.z1 - move.z0) * (move.z1 - move.z0));
-        m_genericSeconds += double(moveSeconds(float(d), float(move.feed)));
+        // Runs of straight moves at one feed, as the job engine times its own files.
+        m_runClock.add(move.x1 - move.x0, move.y1 - move.y0, move.z1 - move.z0, move.rapid ? m_travelSpeed : move.feed,
+                       move.rapid ? 0 : 1);
         break;
     }
     case Clock::OwnRaster: {
@@ -607,7 +597,7 @@ void GcodeInterpreter::clockMove(const ToolpathMove &move, bool xyGiven)
         if (!m_pastPause)
             return;
         if (m_pending)
-            m_clockSum += moveSeconds(m_pendingLength, float(m_feed));
+            m_clockSum += MotionModel::classicMoveSeconds<float>(m_pendingLength, float(m_feed));
         const float dx = float(move.x1) - float(move.x0);
         const float dy = float(move.y1) - float(move.y0);
         m_pendingLength = std::sqrt(dx * dx + dy * dy);
@@ -660,7 +650,7 @@ void GcodeInterpreter::flushRun()
 
 void GcodeInterpreter::addVectorStep(float d)
 {
-    const float t = moveSeconds(d, float(m_feed));
+    const float t = MotionModel::classicMoveSeconds<float>(d, float(m_feed));
     if (std::isfinite(t))
         m_clockSum += t;
 }
@@ -668,7 +658,7 @@ void GcodeInterpreter::addVectorStep(float d)
 void GcodeInterpreter::finishClock()
 {
     if (m_clock == Clock::OwnRaster && m_pending)
-        m_clockSum += moveSeconds(m_pendingLength, float(m_feed));
+        m_clockSum += MotionModel::classicMoveSeconds<float>(m_pendingLength, float(m_feed));
     if (m_clock == Clock::OwnVector)
         flushRun();
     m_pending = false;

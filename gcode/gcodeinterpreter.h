@@ -3,6 +3,7 @@
 #ifndef GCODEINTERPRETER_H
 #define GCODEINTERPRETER_H
 
+#include "motionmodel.h"
 #include "workarea.h"
 
 #include <QByteArray>
@@ -62,6 +63,13 @@ public:
     // The S value that stands for full power with M3/M4. Without it the largest S of the
     // file is taken (the file is scanned ahead for it when it uses M3/M4 at all).
     void setSpindleFullScale(double s) { m_toldFullScale = s; }
+    // The machine the time of a file not written by the classic exports is reckoned for: its
+    // acceleration (mm/s^2) and the speed of its rapid moves (mm/min). Defaults: a job profile's.
+    void setMotion(double acceleration, double travelSpeed)
+    {
+        m_acceleration = acceleration;
+        m_travelSpeed = travelSpeed;
+    }
     void setMoveHandler(MoveHandler handler) { m_onMove = std::move(handler); }
     void setProgressHandler(ProgressHandler handler) { m_onProgress = std::move(handler); }
 
@@ -151,8 +159,11 @@ private:
     };
     std::vector<VectorPoint> m_run{VectorPoint{0, 0}};  // the last point timed, then the run since
     bool m_pointArmed = false;
-    float m_clockSum = 0;  // single precision, as the exports add it up
-    double m_genericSeconds = 0;
+    float m_clockSum = 0;         // single precision, as the exports add it up
+    double m_genericSeconds = 0;  // dwells
+    double m_acceleration = MotionModel::DefaultAcceleration;
+    double m_travelSpeed = MotionModel::DefaultTravelSpeed;
+    MotionModel::RunClock m_runClock{MotionModel::DefaultAcceleration};
 };
 
 #endif

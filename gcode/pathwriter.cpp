@@ -2,6 +2,8 @@
 // paths as laser or CNC G-code with C stdio, adding up the time estimate as it goes.
 #include "pathwriter.h"
 
+#include "motionmodel.h"
+
 #include "bezierflattener.h"
 
 #include <cmath>
@@ -13,19 +15,6 @@ const float ZStep = 0.001f;
 const float ZScale = 0.0625f;
 const float ZReturnScale = 0.5f;
 const float ReducedPowerDistance = 0.0f;  // no point is ever this close: always full power
-const float Acceleration = 300.0f;        // mm/s^2, for the time estimate
-
-// Straight move of length d at `speed` mm/min with a fixed acceleration.
-float moveSeconds(float d, float speed)
-{
-    const float v = speed / 60.0f;
-    if (!(v > 0))
-        return 0;  // a zero feed never gets anywhere; there is no time to give
-    const float p = std::sqrt(Acceleration * d);
-    if (v > p)
-        return 2.0f * p / Acceleration;
-    return v * 3.0f * 0.5f / Acceleration + d / v;
-}
 
 void writeFrame(FILE *fp, const PathConvSettings &s)
 {
@@ -97,7 +86,7 @@ void writeSegment(FILE *fp, PathConvSettings &s, PathConvRun &run, const PathSeg
         fprintf(fp, "G1 X%.1f Y%.1f Z%.3f \n", mx, my, z);
         pen.zc += ZStep;
         fprintf(fp, "G1 F%.1f \n", s.feedSpeed);
-        const float t = moveSeconds(std::hypot(mx - pen.prevX, my - pen.prevY), s.feedSpeed);
+        const float t = MotionModel::classicMoveSeconds<float>(std::hypot(mx - pen.prevX, my - pen.prevY), s.feedSpeed);
         if (std::isfinite(t))
             s.estimate += t;
         pen.prevX = mx;

@@ -22,6 +22,7 @@ struct SvgShape
 {
     std::vector<SvgPath> paths;
     float strokeWidth = 0;  // the pen's width in the drawing's units (outlines ignore it)
+    bool evenOdd = false;   // fill-rule: evenodd (true) or nonzero (false, the default); outlines ignore it
 };
 
 // The whole drawing in the units it was read in; width and height are the document's size.

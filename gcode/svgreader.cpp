@@ -65,7 +65,11 @@ public:
         skipSeparators();
         return m_p < m_end ? *m_p : '\0';
     }
-    char take() { return m_p < m_end ? *m_p++ : '\0'; }
+    char take()
+    {
+        m_commaAllowed = false;
+        return m_p < m_end ? *m_p++ : '\0';
+    }
 
     // A number in the SVG grammar; "1.5.5" reads as 1.5 then .5, "1e" stops before the e.
     bool number(double *out)
@@ -105,6 +109,7 @@ public:
         if (!ok || !std::isfinite(v))
             return false;
         m_p = p;
+        m_commaAllowed = true;
         *out = v;
         return true;
     }
@@ -115,25 +120,48 @@ public:
         skipSeparators();
         if (m_p < m_end && (*m_p == '0' || *m_p == '1')) {
             *out = *m_p++ == '1';
+            m_commaAllowed = true;
             return true;
         }
         return false;
     }
 
-    // The rest of the text after the number just read (a unit such as "mm" or "%").
-    QByteArray rest() const { return QByteArray(m_p, int(m_end - m_p)).trimmed(); }
+    // The unit right after the number just read, in lower case, with blanks allowed only after it;
+    // false when a blank stands between the number and the unit.
+    bool unit(QByteArray *out) const
+    {
+        QByteArray text(m_p, int(m_end - m_p));
+        while (!text.isEmpty() && isBlank(text.back()))
+            text.chop(1);
+        if (!text.isEmpty() && isBlank(text.front()))
+            return false;
+        *out = text.toLower();
+        return true;
+    }
 
 private:
     static bool isDigit(char ch) { return ch >= '0' && ch <= '9'; }
+    static bool isBlank(char ch) { return ch == ' ' || ch == '\t' || ch == '\n' || ch == '\r' || ch == '\f'; }
+    // Blanks, and one comma between two numbers: a comma before the first number of a list or
+    // a command's arguments, or a second comma, is an error that ends the data.
     void skipSeparators()
     {
-        while (m_p < m_end && (*m_p == ' ' || *m_p == '\t' || *m_p == '\n' || *m_p == '\r' || *m_p == ','))
-            ++m_p;
+        while (m_p < m_end) {
+            if (isBlank(*m_p)) {
+                ++m_p;
+            } else if (*m_p == ',' && m_commaAllowed) {
+                m_commaAllowed = false;
+                ++m_p;
+            } else {
+                break;
+            }
+        }
     }
 
     const QByteArray m_text;
     const char *m_p;
     const char *m_end;
+    bool m_commaAllowed = false;
 };
 
 // Collects the subpaths of one element in user units, every segment as a cubic.
@@ -499,6 +527,13 @@ bool isNonRendering(const QStringRef &name)
 const double CssDpi = 96;
 const double DefaultFontSize = 12;
 const double ExPerEm = 0.52;
+// Without the font's own figures: the cap height of a usual Latin face, the advance of a CJK
+// ideograph (one em, as CSS asks when it is not known), and the "normal" line height.
+const double CapPerEm = 0.7;
+const double IdeographPerEm = 1;
+const double LineHeightPerEm = 1.2;
+// The viewport of a document that gives neither a size nor a viewBox, in CSS px.
+const double DefaultViewportSide = 100;
 
 // What a percentage of a length refers to.
 enum LengthAxis { AxisX, AxisY, AxisDiagonal };
@@ -509,7 +544,49 @@ struct LengthBase
 {
     double x = 0, y = 0, width = 0, height = 0;
     double fontSize = DefaultFontSize;
+    double rootFontSize = DefaultFontSize;  // for rlh
+    // The document's viewport in CSS px, for vw, vh, vi, vb, vmin and vmax.
+    double viewportWidth = DefaultViewportSide;
+    double viewportHeight = DefaultViewportSide;
 };
+
+// User units (CSS px) per unit of a length; false for a unit CSS does not know.
+bool unitFactor(const QByteArray &unit, const LengthBase &base, double *factor)
+{
+    const double vw = base.viewportWidth / 100, vh = base.viewportHeight / 100;
+    const struct
+    {
+        const char *name;
+        double factor;
+    } units[] = {
+        {"", 1},
+        {"px", 1},
+        {"pt", CssDpi / 72},
+        {"pc", CssDpi / 6},
+        {"mm", CssDpi / 25.4},
+        {"cm", CssDpi / 2.54},
+        {"q", CssDpi / 25.4 / 4},
+        {"in", CssDpi},
+        {"em", base.fontSize},
+        {"ex", base.fontSize * ExPerEm},
+        {"cap", base.fontSize * CapPerEm},
+        {"ic", base.fontSize * IdeographPerEm},
+        {"lh", base.fontSize * LineHeightPerEm},
+        {"rlh", base.rootFontSize * LineHeightPerEm},
+        {"vw", vw},
+        {"vh", vh},
+        {"vi", vw},  // the inline axis of horizontal text
+        {"vb", vh},
+        {"vmin", std::min(vw, vh)},
+        {"vmax", std::max(vw, vh)},
+    };
+    for (const auto &u : units)
+        if (unit == u.name) {
+            *factor = u.factor;
+            return true;
+        }
+    return false;
+}
 
 // "display: none; stroke-width: 2mm" as name/value pairs, in the order written.
 QVector<QPair<QString, QString>> styleDeclarations(const QXmlStreamAttributes &attrs)
@@ -532,7 +609,6 @@ public:
         : m_attrs(attrs), m_style(styleDeclarations(attrs)), m_base(base)
     {}
 
-    bool has(const char *name) const { return !text(name).isNull(); }
     QString text(const char *name) const
     {
         for (int i = m_style.size() - 1; i >= 0; --i)
@@ -540,36 +616,44 @@ public:
                 return m_style.at(i).second;
         return m_attrs.hasAttribute(QLatin1String(name)) ? m_attrs.value(QLatin1String(name)).toString() : QString();
     }
+    // Every value given for a property, the one that counts first: the style's declarations from
+    // the last, then the attribute. A value that does not parse is passed over for the next.
+    QStringList values(const char *name) const
+    {
+        QStringList found;
+        for (int i = m_style.size() - 1; i >= 0; --i)
+            if (m_style.at(i).first == QLatin1String(name))
+                found << m_style.at(i).second;
+        if (m_attrs.hasAttribute(QLatin1String(name)))
+            found << m_attrs.value(QLatin1String(name)).toString();
+        return found;
+    }
     // A length in user units; positions take percentages from the reference box's origin.
+    // False when no value given parses: the property then has its initial value.
+    bool lengthValue(const char *name, LengthAxis axis, bool position, double *out) const
+    {
+        for (const QString &value : values(name))
+            if (toUserUnits(value.toLatin1(), axis, position, m_base, out))
+                return true;
+        return false;
+    }
     double length(const char *name, LengthAxis axis, bool position, double fallback = 0) const
     {
         double v;
-        return toUserUnits(text(name).toLatin1(), axis, position, m_base, &v) ? v : fallback;
+        return lengthValue(name, axis, position, &v) ? v : fallback;
     }
 
     static bool toUserUnits(const QByteArray &text, LengthAxis axis, bool position, const LengthBase &base, double *out)
     {
         Scanner s(text);
         double v;
-        if (!s.number(&v))
+        QByteArray unit;
+        if (!s.number(&v) || !s.unit(&unit))
             return false;
-        const QByteArray unit = s.rest();
-        double factor = 1;  // px, and units nobody knows, count as user units
-        if (unit == "pt")
-            factor = CssDpi / 72;
-        else if (unit == "pc")
-            factor = CssDpi / 6;
-        else if (unit == "mm")
-            factor = CssDpi / 25.4;
-        else if (unit == "cm")
-            factor = CssDpi / 2.54;
-        else if (unit == "in")
-            factor = CssDpi;
-        else if (unit == "em")
-            factor = base.fontSize;
-        else if (unit == "ex")
-            factor = base.fontSize * ExPerEm;
         if (unit != "%") {
+            double factor;
+            if (!unitFactor(unit, base, &factor))
+                return false;
             *out = v * factor;
             return true;
         }
@@ -661,12 +745,15 @@ bool buildShape(const QStringRef &name, const QXmlStreamAttributes &attrs, const
         if (r > 0)
             ellipse(pb, props.length("cx", AxisX, true), props.length("cy", AxisY, true), r, r);
     } else if (name == QLatin1String("ellipse")) {
-        // One radius given alone stands for both.
-        double rx = props.length("rx", AxisX, false, -1), ry = props.length("ry", AxisY, false, -1);
-        if (!props.has("rx"))
-            rx = ry;
-        if (!props.has("ry"))
-            ry = rx;
+        // One radius given alone stands for both; a negative one, or one that does not parse,
+        // counts as not given.
+        double rx = 0, ry = 0;
+        const bool hasRx = props.lengthValue("rx", AxisX, false, &rx) && rx >= 0;
+        const bool hasRy = props.lengthValue("ry", AxisY, false, &ry) && ry >= 0;
+        if (!hasRx)
+            rx = hasRy ? ry : 0;
+        if (!hasRy)
+            ry = hasRx ? rx : 0;
         if (rx > 0 && ry > 0)
             ellipse(pb, props.length("cx", AxisX, true), props.length("cy", AxisY, true), rx, ry);
     } else if (name == QLatin1String("line")) {
@@ -695,6 +782,8 @@ double unitInPx(const QByteArray &unit, double dpi)
         return dpi / 25.4;
     if (unit == "cm")
         return dpi / 2.54;
+    if (unit == "q")
+        return dpi / 25.4 / 4;
     if (unit == "in")
         return dpi;
     if (unit == "em")
@@ -704,18 +793,38 @@ double unitInPx(const QByteArray &unit, double dpi)
     return 0;
 }
 
-// A width or height attribute in px; false when missing, relative or not positive.
+// A width or height attribute in px; false when missing, relative, negative or not parsed,
+// which all leave the size to the viewBox.
 bool lengthInPx(const QStringRef &text, double dpi, double *px)
 {
     Scanner s(text.toLatin1());
     double v;
-    if (!s.number(&v))
+    QByteArray unit;
+    if (!s.number(&v) || v < 0 || !s.unit(&unit))
         return false;
-    const double unit = unitInPx(s.rest(), dpi);
-    if (unit <= 0)
+    const double perUnit = unitInPx(unit, dpi);
+    if (perUnit <= 0)
         return false;
-    *px = v * unit;
+    *px = v * perUnit;
     return true;
+}
+
+// The document's width and height at DPI; a side not given follows the other through the
+// viewBox's proportions (VB, when there is one). False for a side still unknown.
+void documentSize(const QXmlStreamAttributes &attrs, double dpi, const double *vb, double *w, double *h, bool *hasW,
+                  bool *hasH)
+{
+    *hasW = lengthInPx(attrs.value(QLatin1String("width")), dpi, w);
+    *hasH = lengthInPx(attrs.value(QLatin1String("height")), dpi, h);
+    if (!vb)
+        return;
+    if (*hasW && !*hasH) {
+        *h = *w * vb[3] / vb[2];
+        *hasH = true;
+    } else if (*hasH && !*hasW) {
+        *w = *h * vb[2] / vb[3];
+        *hasW = true;
+    }
 }
 
 // Maps user units to px through width, height, viewBox and preserveAspectRatio.
@@ -731,14 +840,19 @@ struct Viewport
 Viewport readViewport(const QXmlStreamAttributes &attrs, double dpi)
 {
     Viewport vp;
-    double w = 0, h = 0;
-    const bool hasW = lengthInPx(attrs.value(QLatin1String("width")), dpi, &w);
-    const bool hasH = lengthInPx(attrs.value(QLatin1String("height")), dpi, &h);
-
     Scanner s(attrs.value(QLatin1String("viewBox")).toLatin1());
     double vb[4];
     const bool hasVb =
         s.number(&vb[0]) && s.number(&vb[1]) && s.number(&vb[2]) && s.number(&vb[3]) && vb[2] > 0 && vb[3] > 0;
+    double w = 0, h = 0;
+    bool hasW = false, hasH = false;
+    documentSize(attrs, dpi, hasVb ? vb : nullptr, &w, &h, &hasW, &hasH);
+    // The same in CSS px, for the viewport units of the elements' lengths.
+    double cssW = 0, cssH = 0;
+    bool hasCssW = false, hasCssH = false;
+    documentSize(attrs, CssDpi, hasVb ? vb : nullptr, &cssW, &cssH, &hasCssW, &hasCssH);
+    vp.box.viewportWidth = hasCssW ? cssW : hasVb ? vb[2] : DefaultViewportSide;
+    vp.box.viewportHeight = hasCssH ? cssH : hasVb ? vb[3] : DefaultViewportSide;
     if (!hasVb) {
         vp.widthPx = hasW ? w : 0;
         vp.heightPx = hasH ? h : 0;
@@ -783,23 +897,39 @@ struct Frame
     bool skip = false;
     double fontSize = DefaultFontSize;  // user units, inherited
     double strokeWidth = 1;             // user units, inherited
+    bool evenOdd = false;               // fill-rule, inherited
 };
 
 // The font size and stroke width an element sets for itself and its children.
 void inheritLengths(const ElementProperties &props, const LengthBase &base, Frame *f)
 {
-    const QString size = props.text("font-size");
+    // A value that does not parse, or a negative one, is passed over for the next one given.
     double v;
-    if (size.endsWith(QLatin1Char('%'))) {
-        if (ElementProperties::toUserUnits(size.chopped(1).toLatin1(), AxisDiagonal, false, base, &v))
-            f->fontSize = f->fontSize * v / 100;
-    } else if (ElementProperties::toUserUnits(size.toLatin1(), AxisDiagonal, false, base, &v)) {
-        f->fontSize = v;
+    for (const QString &size : props.values("font-size")) {
+        if (size.trimmed().endsWith(QLatin1Char('%'))) {
+            if (ElementProperties::toUserUnits(size.trimmed().chopped(1).toLatin1(), AxisDiagonal, false, base, &v)
+                && v >= 0) {
+                f->fontSize = f->fontSize * v / 100;
+                break;
+            }
+        } else if (ElementProperties::toUserUnits(size.toLatin1(), AxisDiagonal, false, base, &v) && v >= 0) {
+            f->fontSize = v;
+            break;
+        }
     }
     LengthBase sized = base;
     sized.fontSize = f->fontSize;
-    if (ElementProperties::toUserUnits(props.text("stroke-width").toLatin1(), AxisDiagonal, false, sized, &v))
-        f->strokeWidth = v;
+    for (const QString &width : props.values("stroke-width"))
+        if (ElementProperties::toUserUnits(width.toLatin1(), AxisDiagonal, false, sized, &v) && v >= 0) {
+            f->strokeWidth = v;
+            break;
+        }
+    // Any other value (inherit, or a word nobody knows) keeps the parent's rule.
+    const QString rule = props.text("fill-rule");
+    if (rule == QLatin1String("evenodd"))
+        f->evenOdd = true;
+    else if (rule == QLatin1String("nonzero"))
+        f->evenOdd = false;
 }
 
 }  // namespace
@@ -826,6 +956,7 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
     std::vector<size_t> shapeEnds;  // end index into `collected` for each shape
     std::vector<Affine> shapeTransforms;
     std::vector<double> shapeStrokes;
+    std::vector<bool> shapeEvenOdd;
     Viewport vp;
     bool sawRoot = false;
 
@@ -852,6 +983,7 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
             const ElementProperties props(attrs, vp.box);
             root.m = parseTransform(props.text("transform").toLatin1());
             inheritLengths(props, vp.box, &root);
+            vp.box.rootFontSize = root.fontSize;
             stack.push_back(root);
             continue;
         }
@@ -874,6 +1006,7 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
                     shapeEnds.push_back(collected.size());
                     shapeTransforms.push_back(f.m);
                     shapeStrokes.push_back(f.strokeWidth);
+                    shapeEvenOdd.push_back(f.evenOdd);
                 }
             }
         }
@@ -901,6 +1034,7 @@ SvgImage *SvgReader::parse(const QByteArray &document, const char *units, float 
         SvgShape &shape = image->shapes[si];
         // Scaled by the transform's mean scale, as a uniform pen would be.
         shape.strokeWidth = float(shapeStrokes[si] * std::sqrt(std::fabs(m.a * m.d - m.b * m.c)) * toUnits);
+        shape.evenOdd = shapeEvenOdd[si];
         for (size_t k = begin; k < shapeEnds[si]; ++k) {
             const PathBuilder::Sub &sub = collected[k];
             SvgPath path;

@@ -9,9 +9,12 @@
 
 // Parses the drawing elements (path, rect, circle, ellipse, line, polyline,
 // polygon) with the transforms of their groups applied. Coordinates come out in
-// `units` ("px", "pt", "pc", "mm", "cm", "in") for a document rendered at `dpi`:
-// the document's width/height and viewBox fix the size of a user unit; a document
-// without a viewBox is taken in px and shifted so that its drawing starts at 0,0.
+// `units` ("px", "pt", "pc", "mm", "cm", "q", "in") for a document rendered at `dpi`:
+// the document's width/height and viewBox fix the size of a user unit (a side not given,
+// negative or unreadable follows the other through the viewBox); a document without a
+// viewBox is taken in px and shifted so that its drawing starts at 0,0. Lengths follow
+// CSS: the absolute units, em, ex, cap, ic, lh, rlh, the viewport units and %; a length
+// that does not parse leaves the property as if it were not given.
 // Elements with display none, and whatever sits in defs (and in clip paths, masks,
 // markers, patterns and symbols), are not drawn.
 class SvgReader

@@ -7,9 +7,9 @@
 
 struct DialectTexts
 {
-    const char *start;   // lines before the first move, each ending in '\n'
-    const char *beamOn;  // a line of its own before a burn whose power changes ("M3 S"), followed by the
-                         // S value; nullptr where the power is written on the G1 itself (GRBL: "S")
+    const char *start;    // lines before the first move, each ending in '\n'
+    const char *beamOn;   // a line of its own before a burn whose power changes ("M3 S"), followed by the
+                          // S value; nullptr where the power is written on the G1 itself (GRBL: "S")
     const char *beamOff;  // a line of its own before travel or a zero-power move; nullptr where G0 and
                           // S0 turn the beam off by themselves (GRBL's laser mode)
     const char *end;      // lines after the last move, each ending in '\n'

@@ -27,15 +27,14 @@ bool LineParams::operator==(const LineParams &o) const { return kerfSide == o.ke
 
 bool JobLayer::operator==(const JobLayer &o) const
 {
-    return name == o.name && color == o.color && enabled == o.enabled && operation == o.operation
-           && speed == o.speed && power == o.power && passes == o.passes && image == o.image && fill == o.fill
-           && line == o.line;
+    return name == o.name && color == o.color && enabled == o.enabled && operation == o.operation && speed == o.speed
+           && power == o.power && passes == o.passes && image == o.image && fill == o.fill && line == o.line;
 }
 
 bool JobSource::operator==(const JobSource &o) const
 {
-    return kind == o.kind && name == o.name && data == o.data && text == o.text && font == o.font
-           && size == o.size && align == o.align && level == o.level && quietZone == o.quietZone;
+    return kind == o.kind && name == o.name && data == o.data && text == o.text && font == o.font && size == o.size
+           && align == o.align && level == o.level && quietZone == o.quietZone;
 }
 
 bool JobItem::operator==(const JobItem &o) const
@@ -61,7 +60,7 @@ const char *const SourceKindNames[] = {"picture", "svg", "trace", "text", "qr"};
 const char *const AlignNames[] = {"left", "center", "right"};
 const char *const QrLevelNames[] = {"L", "M", "Q", "H"};
 
-template<typename Enum, size_t N>
+template <typename Enum, size_t N>
 bool lookUp(const char *const (&names)[N], const QString &text, Enum *value)
 {
     for (size_t i = 0; i < N; ++i) {

@@ -52,8 +52,8 @@ struct ImageParams
 // Hatch filling of closed shapes, by the shapes' own fill rule.
 struct FillParams
 {
-    double interval = 0.1;  // mm between hatch lines
-    double angle = 0;       // degrees from the X axis
+    double interval = 0.1;    // mm between hatch lines
+    double angle = 0;         // degrees from the X axis
     bool crossHatch = false;  // a second set of lines at angle + 90
     double overscan = 2.0;
     bool bidirectional = true;
@@ -72,7 +72,7 @@ struct LineParams
 
 struct JobLayer
 {
-    QString name;  // the reader gives an unnamed layer "Layer N", N counted from 1
+    QString name;                               // the reader gives an unnamed layer "Layer N", N counted from 1
     QString color = QStringLiteral("#2060c0");  // for display only
     bool enabled = true;
     Operation operation = Operation::Image;

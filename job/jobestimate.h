@@ -5,14 +5,15 @@
 
 #include "jobdocument.h"
 #include "jobmoves.h"
+#include "motionmodel.h"
 
 #include <QString>
 
 #include <vector>
 
-// Moves in one straight line at one feed run on without stopping; a change of direction, of feed, or
-// between travel and cut starts a new run, which starts and ends at rest. Travel runs at the
-// profile's travel speed.
+// Moves are timed by the motion model's run clock (motionmodel.h), the same clock as the preview's:
+// straight runs at one feed go on without stopping, each run starts and ends at rest. Travel runs at
+// the profile's travel speed; every layer starts and ends at rest.
 class JobEstimate : public MoveSink
 {
 public:
@@ -36,20 +37,11 @@ public:
     const std::vector<Layer> &layers() const { return m_layers; }
 
 private:
-    void closeRun();
-
-    double m_acceleration;
     double m_travelSpeed;
-    double m_seconds = 0;
+    MotionModel::RunClock m_clock;
     double m_burnMm = 0;
     std::vector<Layer> m_layers;
-    // the position, and the run in progress
-    qint32 m_x = 0, m_y = 0;
-    bool m_runOpen = false;
-    PlannedMove::Kind m_runKind = PlannedMove::Travel;
-    qint32 m_runFeed = 0;
-    double m_runDx = 0, m_runDy = 0;  // unit direction
-    double m_runLength = 0;
+    qint32 m_x = 0, m_y = 0;  // where the machine is, um
     double m_layerStartSeconds = 0;
     double m_layerStartBurn = 0;
 };

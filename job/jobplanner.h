@@ -14,9 +14,9 @@
 // An item ready to plan: its picture as gray (image layers), or its outlines on the bed.
 struct PreparedItem
 {
-    int index = 0;  // in JobDocument::items
-    QRectF rect;    // mm, machine coordinates
-    QImage gray;    // image layers: the picture, or the rasterised outlines
+    int index = 0;         // in JobDocument::items
+    QRectF rect;           // mm, machine coordinates
+    QImage gray;           // image layers: the picture, or the rasterised outlines
     JobGeometry geometry;  // fill and line layers
 };
 

@@ -42,6 +42,7 @@ struct ScanSettings
     double speed = 0;  // mm/min
     qint32 power = 0;
     qint32 minPower = 0;
+    qint32 powerStep = 1;  // grayscale powers are rounded to multiples of it (1000 where S is whole)
     double bedWidth = 170;
 };
 void scan(const QImage &cells, const QRectF &rect, const ScanSettings &settings, MoveSink &sink, qint32 *x, qint32 *y);

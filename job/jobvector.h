@@ -36,6 +36,7 @@ struct PlanSettings
     double speed = 0;  // mm/min
     qint32 power = 0;
     double bedWidth = 170;  // overscan stays on the bed
+    double bedHeight = 200;
 };
 void planLine(const std::vector<JobGeometry> &items, const LineParams &params, const PlanSettings &settings,
               MoveSink &sink, qint32 *x, qint32 *y);

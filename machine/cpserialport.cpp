@@ -24,6 +24,10 @@ CPSerialPort::CPSerialPort(QWidget *parent)
     connect(this, &CPSerialPort::SigUpdata, serial, &TNWLserialport::SlotUpdata);
     connect(this, &CPSerialPort::SigWritePort, serial, &TNWLserialport::SlotWritePort);
 
+    // Which port the worker holds, from its answers; the button and `connected` keep their own belief.
+    connect(this, &CPSerialPort::SigConnect, this, [this](const QString &name) { m_pendingRequests << name; });
+    connect(serial, &TNWLserialport::SigConnected, this, &CPSerialPort::workerAnswered);
+
     serial->moveToThread(thread);
     // Still in this thread: the first list reaches the combo right away.
     serial->InitPorts();
@@ -40,6 +44,34 @@ void CPSerialPort::retranslateUi()
 {
     ui->retranslateUi(this);
     ui->btnConnect->setText(connected ? tr("断开") : tr("连接"));
+}
+
+void CPSerialPort::workerAnswered(bool open)
+{
+    const QString name = m_pendingRequests.isEmpty() ? QString() : m_pendingRequests.takeFirst();
+    m_heldPort = open ? (name.isEmpty() ? QStringLiteral("?") : name) : QString();
+    closeHeldPortIfWanted();
+}
+
+void CPSerialPort::closeHeldPortIfWanted()
+{
+    if (!m_releaseWanted || !m_pendingRequests.isEmpty())
+        return;
+    m_releaseWanted = false;
+    // The worker closes on any request while it is open.
+    if (holdsPort())
+        emit SigConnect(m_heldPort);
+}
+
+void CPSerialPort::releasePort()
+{
+    if (connected) {
+        connected = false;
+        ui->btnConnect->setText(tr("连接"));
+        emit Sig_disconnect();
+    }
+    m_releaseWanted = true;
+    closeHeldPortIfWanted();
 }
 
 void CPSerialPort::SlotResponseUart(QString s) { emit Sig_GetMessage(s); }

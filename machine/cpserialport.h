@@ -22,6 +22,15 @@ public:
     // Sets the texts again after the interface language changed.
     void retranslateUi();
 
+    // Whether the worker holds a serial port open, and which one (the name the panel asked it to
+    // open; empty when none). Follows the worker's own answers: a failed open holds nothing, and
+    // the worker keeps its port after Disconnect until the next Connect closes it.
+    bool holdsPort() const { return !m_heldPort.isEmpty(); }
+    QString heldPort() const { return m_heldPort; }
+    // Lets go of the port: the panel shows not connected (emitting Sig_disconnect if it showed
+    // connected), and the worker closes the port it holds, as soon as its pending requests are done.
+    void releasePort();
+
 signals:
     void Sig_GetMessage(QString);
     void Sig_disconnect();
@@ -42,6 +51,12 @@ private:
     TNWLserialport *serial;
     QStringList names;
     bool connected;
+    QStringList m_pendingRequests;  // names of the connect requests the worker has not answered
+    QString m_heldPort;
+    bool m_releaseWanted = false;
+
+    void workerAnswered(bool open);
+    void closeHeldPortIfWanted();
 };
 
 #endif

@@ -27,10 +27,85 @@ Parsed parse(const QByteArray &line)
 
 bool is(const GcodeTokenizer::Word &w, char letter, int number) { return w.letter == letter && w.value == number; }
 
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// The number at TEXT[begin, end) in plain decimals: six places at most, no trailing zeros, no "-0".
+QByteArray plainDecimal(const QByteArray &text, int begin, int end)
+{
+    bool ok = false;
+    const double value = text.mid(begin, end - begin).toDouble(&ok);
+    if (!ok || !std::isfinite(value))
+        return text.mid(begin, end - begin);
+    QByteArray out = QByteArray::number(value, 'f', 6);
+    while (out.endsWith('0'))
+        out.chop(1);
+    if (out.endsWith('.'))
+        out.chop(1);
+    if (out == "-0")
+        out = "0";
+    return out;
+}
+
 }  // namespace
 
-QByteArray line(const QByteArray &text, int grblMaxPower)
+QByteArray plainNumbers(const QByteArray &text)
 {
+    if (!text.contains('e') && !text.contains('E'))
+        return text;
+    QByteArray out;
+    const int n = text.size();
+    int i = 0;
+    while (i < n) {
+        // A number starts at a sign, a digit or a point followed by a digit, not inside a word of letters.
+        const char c = text[i];
+        const bool startsNumber =
+            isDigit(c)
+            || ((c == '+' || c == '-' || c == '.') && i + 1 < n && (isDigit(text[i + 1]) || text[i + 1] == '.'));
+        if (!startsNumber) {
+            out += c;
+            ++i;
+            continue;
+        }
+        int k = i;
+        if (text[k] == '+' || text[k] == '-')
+            ++k;
+        int digits = 0;
+        while (k < n && isDigit(text[k])) {
+            ++k;
+            ++digits;
+        }
+        if (k < n && text[k] == '.') {
+            ++k;
+            while (k < n && isDigit(text[k])) {
+                ++k;
+                ++digits;
+            }
+        }
+        int end = k;
+        if (digits > 0 && k < n && (text[k] == 'e' || text[k] == 'E')) {
+            int e = k + 1;
+            if (e < n && (text[e] == '+' || text[e] == '-'))
+                ++e;
+            const int expStart = e;
+            while (e < n && isDigit(text[e]))
+                ++e;
+            if (e > expStart) {
+                out += plainDecimal(text, i, e);
+                i = e;
+                continue;
+            }
+        }
+        if (end == i)
+            end = i + 1;
+        out += text.mid(i, end - i);
+        i = end;
+    }
+    return out;
+}
+
+QByteArray line(const QByteArray &original, int grblMaxPower)
+{
+    const QByteArray text = plainNumbers(original);
     // The old panel's home text has axis letters without numbers, which the tokenizer refuses.
     if (text.simplified().toUpper() == "G28 X Y")
         return QByteArrayLiteral("G0 X0 Y0");

@@ -4,6 +4,7 @@
 
 #include "gcodetokenizer.h"
 #include "grblrewrite.h"
+#include "motionmodel.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -16,8 +17,6 @@ namespace {
 // few enough that a pause or stop leaves nothing much behind.
 constexpr int FeedAhead = 24;
 constexpr qint64 ReportEveryMs = 100;
-// The generators' time model: straight moves with this acceleration (mm/s^2).
-constexpr double Acceleration = 300.0;
 constexpr double MaxClockSeconds = 99999.0 * 3600 + 3599;  // "99999:59:59"
 // Tags of the runner's own lines, past any job line.
 constexpr int FinishTag = 1 << 30;  // Marlin's M400 after the last line
@@ -58,11 +57,8 @@ public:
             return 0;
         const double d = std::hypot(x - m_x, y - m_y);
         m_x = x, m_y = y;
-        const double v = m_feed / 60.0;
-        const double p = std::sqrt(Acceleration * d);
-        if (v > p)
-            return 2.0 * p / Acceleration;
-        return v * 1.5 / Acceleration + d / v;
+        // The generators' own reckoning of a move, so the time left matches their estimate.
+        return MotionModel::classicMoveSeconds<double>(d, m_feed);
     }
 
 private:

@@ -34,8 +34,14 @@ const char *const QrCodeBitmap::FileName = "qrcode.bmp";
 
 bool QrCodeBitmap::encode(const QString &text, int *width, QByteArray *modules)
 {
+    return encode(text, Level::H, width, modules);
+}
+
+bool QrCodeBitmap::encode(const QString &text, Level level, int *width, QByteArray *modules)
+{
+    const QRecLevel levels[] = {QR_ECLEVEL_L, QR_ECLEVEL_M, QR_ECLEVEL_Q, QR_ECLEVEL_H};
     const QByteArray utf8 = text.toUtf8();
-    QRcode *code = QRcode_encodeString(utf8.constData(), 0, QR_ECLEVEL_H, QR_MODE_8, 1);
+    QRcode *code = QRcode_encodeString(utf8.constData(), 0, levels[int(level)], QR_MODE_8, 1);
     if (!code)
         return false;
     *width = code->width;

@@ -18,11 +18,16 @@ public:
     static constexpr int InfoHeaderBytes = 40;
     static constexpr int HeaderBytes = FileHeaderBytes + InfoHeaderBytes;
 
+    // Error correction levels, from the least (L, about 7 % of the code words) to the most (H, 30 %).
+    enum class Level { L, M, Q, H };
+
     // Encodes the UTF-8 form of the text (smallest version that fits, error correction H,
     // 8-bit mode, case-sensitive). On success `modules` holds width x width bytes in row
     // order, a module being dark when its lowest bit is set. False for an empty text or
     // one too long for any version.
     static bool encode(const QString &text, int *width, QByteArray *modules);
+    // The same at the error correction level given.
+    static bool encode(const QString &text, Level level, int *width, QByteArray *modules);
 
     // The whole bitmap file for a width x width module matrix; empty when the matrix
     // is smaller than width x width or width is not positive.

@@ -99,5 +99,7 @@ int runTrace(const QStringList &args);
 int runQr(const QStringList &args);
 int runPreview(const QStringList &args);
 int runSend(const QStringList &args);
+int runJob(const QStringList &args);
+int runTestGrid(const QStringList &args);
 
 #endif

@@ -3,6 +3,7 @@
 #include "exportcommon.h"
 
 #include "bitmap2gcode.h"
+#include "classicsetup.h"
 #include "estimatedtime.h"
 
 #include <QFileInfo>
@@ -90,10 +91,11 @@ int runRaster(const QStringList &args)
     // A refusal is reported below in the tool's own words, not as the generator's warning.
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false\ndefault.warning=false"));
     Bitmap2Gcode generator;
-    generator.offset = QPointF(x, y);
-    generator.SetTravelSpeed(MachineValues::travel(speed));
-    generator.SetFeedSpeed(MachineValues::feed(speed));
-    generator.SetPower(float(MachineValues::power(power)));
+    ClassicSetup setup;
+    setup.speedPercent = speed;
+    setup.powerPercent = power;
+    setup.offset = QPointF(x, y);
+    setup.apply(generator);
     const double scale = width / picture.width();
     const QString gcode = QString::fromLatin1(WorkingGcode);
     if (style == QLatin1String("bw"))

@@ -2,6 +2,7 @@
 // configured as the main window configures it for the Outline style.
 #include "exportcommon.h"
 
+#include "classicsetup.h"
 #include "estimatedtime.h"
 #include "svg2gcodep.h"
 #include "svgreader.h"
@@ -137,13 +138,15 @@ int runVector(const QStringList &args)
 
     Svg2GcodeP generator;
     generator.TakeEstimatedTime();  // start from nothing
-    generator.SetgGcodeWidth(int(width), int(height));
-    generator.SetFeedSpeed(MachineValues::feed(speed));
-    generator.SetPrintMode(mode == QLatin1String("cnc"));
-    generator.SetTravelSpeed(MachineValues::travel(speed));
-    generator.SetLaser(MachineValues::power(power));
-    generator.SetPrintZValue(float(feedZ));
-    generator.SetTravelZValue(float(travelZ));
+    ClassicSetup setup;
+    setup.speedPercent = speed;
+    setup.powerPercent = power;
+    setup.cnc = mode == QLatin1String("cnc");
+    setup.width = width;
+    setup.height = height;
+    setup.feedZ = float(feedZ);
+    setup.travelZ = float(travelZ);
+    setup.apply(generator);
     if (opts.has("header"))
         generator.SetGcoderHeader(opts.text("header"));
     if (opts.has("seed"))

@@ -15,6 +15,8 @@ static const char *const Usage = "Usage: tarnwell-export SUBCOMMAND [options]\n"
                                  "  qr       a text as a QR-code bitmap\n"
                                  "  preview  a G-code job drawn as a PNG of the work area, with its figures\n"
                                  "  send     a G-code file streamed to a connected machine\n"
+                                 "  job      a job file (layers of pictures, drawings, text) to G-code\n"
+                                 "  testgrid a material test grid of powers and speeds as G-code\n"
                                  "\n"
                                  "'tarnwell-export SUBCOMMAND --help' describes each one;\n"
                                  "'tarnwell-export --version' prints the version.\n";
@@ -81,5 +83,9 @@ int main(int argc, char *argv[])
         return runPreview(args);
     if (command == QLatin1String("send"))
         return runSend(args);
+    if (command == QLatin1String("job"))
+        return runJob(args);
+    if (command == QLatin1String("testgrid"))
+        return runTestGrid(args);
     return ExportCommon::fail(QStringLiteral("unknown subcommand '%1' (try --help)").arg(command));
 }

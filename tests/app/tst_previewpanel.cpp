@@ -76,9 +76,11 @@ private slots:
         QTest::newRow("inside, burning")
             << QByteArray("G0 X10 Y10\nM106 S255\nG1 X20 F600\nM107\n")
             << "Lines: 4   Burn moves: 1   Extent: X 10..20, Y 10..10 mm   Estimated time: 1s" << "";
+        // Runs at 500 mm/s^2, travel 3000 mm/min: 160.31/50 + 0.1, then 15.5/10 + 0.02, then 175.91/50 + 0.1
+        // add up to 8.49 s.
         QTest::newRow("leaves the area")
             << QByteArray("G0 X160 Y10\nM106 S255\nG1 X175.5 F600\nM107\nG0 X0 Y-2\n")
-            << "Lines: 5   Burn moves: 1   Extent: X 160..175.5, Y 10..10 mm   Estimated time: 5s"
+            << "Lines: 5   Burn moves: 1   Extent: X 160..175.5, Y 10..10 mm   Estimated time: 8s"
             << "Part of the job lies outside the 170 x 200 mm work area: 1 burn moves and 1 travel moves go "
                "beyond it (X up to 175.5 mm, Y down to -2 mm). "
                "The machine cannot reach that part, and it is not drawn.";

@@ -41,6 +41,22 @@ QString parseDump(const QByteArray &document)
     return text;
 }
 
+// The dump with the document's size and each shape's pen, for comparing two documents.
+QString parseFullDump(const QByteArray &svgTag, const QByteArray &body)
+{
+    SvgImage *image =
+        SvgReader::parse("<svg xmlns='http://www.w3.org/2000/svg' " + svgTag + ">" + body + "</svg>", "mm", 0.1f);
+    if (!image)
+        return QStringLiteral("<null>");
+    QString text =
+        QStringLiteral("size %1 x %2\n").arg(double(image->width), 0, 'g', 6).arg(double(image->height), 0, 'g', 6);
+    for (const SvgShape &shape : image->shapes)
+        text += QStringLiteral("pen %1; ").arg(double(shape.strokeWidth), 0, 'g', 6);
+    text += dump(image);
+    SvgReader::release(image);
+    return text;
+}
+
 }  // namespace
 
 class TestSvgReader : public QObject
@@ -56,6 +72,8 @@ private slots:
     void lengths();
     void refused_data();
     void refused();
+    void edgeRules_data();
+    void edgeRules();
 };
 
 void TestSvgReader::elements_data()
@@ -253,6 +271,105 @@ void TestSvgReader::refused()
 {
     QFETCH(QByteArray, document);
     QCOMPARE(parseDump(document), QStringLiteral("<null>"));
+}
+
+// Edge rules of SVG 2 and CSS Values 4: each document must read exactly as the plainer one
+// that says the same thing.
+void TestSvgReader::edgeRules_data()
+{
+    QTest::addColumn<QByteArray>("svgTag");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QByteArray>("sameTag");
+    QTest::addColumn<QByteArray>("sameBody");
+    const QByteArray mm = "width='100mm' height='100mm' viewBox='0 0 100 100'";
+    const QByteArray px = "width='200' height='100' viewBox='0 0 200 100'";  // a user unit is a CSS px
+    const auto row = [](const char *name, const QByteArray &tag, const QByteArray &body, const QByteArray &sameTag,
+                        const QByteArray &sameBody) { QTest::newRow(name) << tag << body << sameTag << sameBody; };
+    const auto same = [&row, &mm](const char *name, const QByteArray &body, const QByteArray &sameBody) {
+        row(name, mm, body, mm, sameBody);
+    };
+    const auto lineTo = [](const QByteArray &x2) { return "<line x1='0' y1='0' x2='" + x2 + "' y2='0'/>"; };
+    const QByteArray circle2 = "<circle cx='5' cy='5' r='2'/>";
+    const auto rect = [](const QByteArray &more) { return "<rect x='0' y='0' width='10' height='10' " + more + "/>"; };
+
+    // clang-format off
+    same("s after a relative c reflects its second control point", "<path d='m0 0 c0 3 3 3 3 0 s3 -3 3 0'/>",
+         "<path d='M0 0 C0 3 3 3 3 0 C3 -3 6 -3 6 0'/>");
+    same("S after S reflects the S before", "<path d='M0 0 C0 3 3 3 3 0 S6 -3 6 0 S9 3 9 0'/>",
+         "<path d='M0 0 C0 3 3 3 3 0 C3 -3 6 -3 6 0 C6 3 9 3 9 0'/>");
+    same("S after repeated C pairs reflects the last one", "<path d='M0 0 C0 3 3 3 3 0 3 -3 6 -3 6 0 s3 3 3 0'/>",
+         "<path d='M0 0 C0 3 3 3 3 0 C3 -3 6 -3 6 0 C6 3 9 3 9 0'/>");
+    same("S after Q starts at the pen", "<path d='M0 0 Q3 3 6 0 S9 3 9 0'/>",
+         "<path d='M0 0 Q3 3 6 0 C6 0 9 3 9 0'/>");
+    same("S after Z starts at the pen", "<path d='M0 0 C0 3 3 3 3 0 Z S6 3 6 0'/>",
+         "<path d='M0 0 C0 3 3 3 3 0 Z C0 0 6 3 6 0'/>");
+    same("ellipse: a negative rx is auto and takes ry", "<ellipse cx='5' cy='5' rx='-4' ry='2'/>", circle2);
+    same("ellipse: a negative ry is auto and takes rx", "<ellipse cx='5' cy='5' rx='2' ry='-1'/>", circle2);
+    same("ellipse: both radii negative draws nothing", "<ellipse cx='5' cy='5' rx='-2' ry='-2'/>", "");
+    same("ellipse: an rx that does not parse takes ry", "<ellipse cx='5' cy='5' rx='abc' ry='2'/>", circle2);
+    same("rect: a negative rx is auto and takes ry", rect("rx='-3' ry='2'"), rect("rx='2' ry='2'"));
+    same("rect: a negative ry is auto and takes rx", rect("rx='2' ry='-3'"), rect("rx='2' ry='2'"));
+    same("rect: both radii negative give square corners", rect("rx='-1' ry='-1'"), rect(""));
+    same("rect: a negative width draws nothing", "<rect x='0' y='0' width='-10' height='10'/>", "");
+    same("Q is a quarter millimetre", lineTo("101.6q"), lineTo("25.4mm"));
+    same("unit letters in any case", lineTo("25.4MM"), lineTo("25.4mm"));
+    same("ic is one em", lineTo("2ic"), lineTo("2em"));
+    same("cap is seven tenths of an em", lineTo("10cap"), lineTo("7em"));
+    same("lh is the normal line height of the font", "<g font-size='20'>" + lineTo("1lh") + "</g>", lineTo("24"));
+    row("rlh takes the root's font size", mm + " font-size='10'", "<g font-size='20'>" + lineTo("1rlh") + "</g>",
+        mm + " font-size='10'", lineTo("12"));
+    row("vw is a hundredth of the document width", px, lineTo("10vw"), px, lineTo("20"));
+    row("vh is a hundredth of the document height", px, lineTo("10vh"), px, lineTo("10"));
+    row("vi runs along the lines, as vw", px, lineTo("10vi"), px, lineTo("20"));
+    row("vb runs across the lines, as vh", px, lineTo("10vb"), px, lineTo("10"));
+    row("vmin is the smaller", px, lineTo("10vmin"), px, lineTo("10"));
+    row("vmax is the larger", px, lineTo("10vmax"), px, lineTo("20"));
+    row("viewport units of a document without size take the viewBox", "viewBox='0 0 50 80'", lineTo("10vw"),
+        "viewBox='0 0 50 80'", lineTo("5"));
+    same("an unknown unit ignores the attribute", "<rect x='5foo' y='0' width='3' height='3'/>",
+         "<rect y='0' width='3' height='3'/>");
+    same("a blank between number and unit ignores the attribute", "<rect x='5 mm' y='0' width='3' height='3'/>",
+         "<rect y='0' width='3' height='3'/>");
+    same("a second number ignores the attribute", "<rect x='0' y='0' width='3px 4' height='3'/>", "");
+    same("a leading comma ignores the attribute", "<rect x=',5' y='0' width='3' height='3'/>",
+         "<rect y='0' width='3' height='3'/>");
+    same("blanks around the value are fine", "<rect x=' 5mm ' y='0' width='3' height='3'/>",
+         "<rect x='5mm' y='0' width='3' height='3'/>");
+    same("a style value that does not parse leaves the attribute", "<rect x='2' y='0' width='3' height='3' style='x:abc'/>",
+         "<rect x='2' y='0' width='3' height='3'/>");
+    same("a stroke width that does not parse keeps the inherited one",
+         "<g stroke-width='3'>" + lineTo("3") + "<line x1='0' y1='0' x2='3' y2='0' stroke-width='2zz'/></g>",
+         "<g stroke-width='3'>" + lineTo("3") + lineTo("3") + "</g>");
+    row("svg: a negative width is ignored, the viewBox gives it", "width='-100mm' height='50mm' viewBox='0 0 50 25'",
+        lineTo("3"), "width='100mm' height='50mm' viewBox='0 0 50 25'", lineTo("3"));
+    row("svg: a width that does not parse is ignored", "width='abc' height='50mm' viewBox='0 0 50 25'", lineTo("3"),
+        "width='100mm' height='50mm' viewBox='0 0 50 25'", lineTo("3"));
+    row("svg: a width alone, the height follows the viewBox", "width='100mm' viewBox='0 0 50 25'", lineTo("3"),
+        "width='100mm' height='50mm' viewBox='0 0 50 25'", lineTo("3"));
+    row("svg: a height alone, the width follows the viewBox", "height='50mm' viewBox='0 0 50 25'", lineTo("3"),
+        "width='100mm' height='50mm' viewBox='0 0 50 25'", lineTo("3"));
+    row("svg: a negative height without viewBox is ignored", "width='100px' height='-5px'", lineTo("3"),
+        "width='100px'", lineTo("3"));
+    same("polygon: an odd coordinate is dropped", "<polygon points='0,0 3,0 3,3 5'/>", "<polygon points='0,0 3,0 3,3'/>");
+    same("polyline: an odd coordinate is dropped", "<polyline points='0,0 3,0 3'/>", "<polyline points='0,0 3,0'/>");
+    same("polygon: invalid data keeps the points before it", "<polygon points='0,0 3,0 3,3 x 9,9'/>",
+         "<polygon points='0,0 3,0 3,3'/>");
+    same("polygon: a doubled comma is invalid data", "<polygon points='0,0 3,0,,3,3 9,9'/>",
+         "<polygon points='0,0 3,0'/>");
+    same("polygon: a leading comma draws nothing", "<polygon points=',0,0 3,0 3,3'/>", "");
+    same("polygon: numbers may run together", "<polygon points='0-1 3-1 3,3'/>", "<polygon points='0,-1 3,-1 3,3'/>");
+    // clang-format on
+}
+
+void TestSvgReader::edgeRules()
+{
+    QFETCH(QByteArray, svgTag);
+    QFETCH(QByteArray, body);
+    QFETCH(QByteArray, sameTag);
+    QFETCH(QByteArray, sameBody);
+    const QString expected = parseFullDump(sameTag, sameBody);
+    QVERIFY(expected != QStringLiteral("<null>"));
+    QCOMPARE(parseFullDump(svgTag, body), expected);
 }
 
 TARNWELL_TEST_MAIN(TestSvgReader)

@@ -99,6 +99,61 @@ private slots:
         QCOMPARE(QList<int>({connects.count(), disconnects.count()}), QList<int>({2, 1}));
     }
 
+    // Which port the worker holds after clicks (c) and releases (r), the state after each step
+    // (H held, N none); the worker's port is then checked on the wire.
+    void heldPort_data()
+    {
+        // clang-format off
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<QString>("states");
+        QTest::addColumn<bool>("emptyList");
+        QTest::addColumn<QString>("buttonText");
+        QTest::addColumn<int>("disconnects");
+        QTest::newRow("never connected") << "" << "" << false << kConnect << 0;
+        QTest::newRow("connected") << "c" << "H" << false << kDisconnect << 0;
+        QTest::newRow("disconnect keeps the port") << "cc" << "HH" << false << kConnect << 1;
+        QTest::newRow("third click closes it") << "ccc" << "HHN" << false << kDisconnect << 1;
+        QTest::newRow("fourth click only lets go") << "cccc" << "HHNN" << false << kConnect << 2;
+        QTest::newRow("failed open holds nothing") << "c" << "N" << true << kDisconnect << 0;
+        QTest::newRow("release while connected") << "cr" << "HN" << false << kConnect << 1;
+        QTest::newRow("release after disconnect") << "ccr" << "HHN" << false << kConnect << 1;
+        QTest::newRow("release after the third click") << "cccr" << "HHNN" << false << kConnect << 2;
+        QTest::newRow("release holding nothing") << "r" << "N" << false << kConnect << 0;
+        QTest::newRow("connect after release") << "crc" << "HNH" << false << kDisconnect << 1;
+        // clang-format on
+    }
+    void heldPort()
+    {
+        QFETCH(QString, steps);
+        QFETCH(QString, states);
+        QFETCH(bool, emptyList);
+        QFETCH(QString, buttonText);
+        QFETCH(int, disconnects);
+        Rig rig;
+        QVERIFY(rig.start());
+        if (emptyList)
+            rig.combo->clear();
+        QSignalSpy disconnected(&rig.panel, &CPSerialPort::Sig_disconnect);
+        for (int i = 0; i < steps.size(); ++i) {
+            if (steps[i] == 'c')
+                rig.button->click();
+            else
+                rig.panel.releasePort();
+            const bool held = states[i] == 'H';
+            QTRY_COMPARE(rig.panel.holdsPort(), held);
+            QCOMPARE(rig.panel.heldPort(), held ? rig.pty.endA() : QString());
+        }
+        QCOMPARE(rig.button->text(), buttonText);
+        QCOMPARE(disconnected.count(), disconnects);
+        if (states.endsWith('H')) {
+            emit rig.panel.SigWritePort("held");
+            QCOMPARE(rig.pty.read(4), QByteArray("held"));
+        } else {
+            QVERIFY(rig.drainWorker());  // only a closed worker lets the token through
+        }
+        QTRY_COMPARE(rig.panel.holdsPort(), states.endsWith('H'));
+    }
+
     void updateTwice()
     {
         QStringList expected;  // the system ports that open right now

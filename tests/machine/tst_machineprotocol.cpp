@@ -179,6 +179,16 @@ private slots:
         row("M05 is not", "M05", "M05");
         row("M0 with a word is not", "M0 P5", "M0 P5");
         row("G0", "G0", "G0");
+        row("tiny exponent is zero", "G1 X18.3 Y-7.10543e-15", "G1 X18.3 Y0");
+        row("exponent with plus sign", "G1 X1.83e+01 Y2E1", "G1 X18.3 Y20");
+        row("exponent in a power", "M3 S1e+03", "M3 S1000");
+        row("exponent power then scaled", "M106 S1.275e+02", "M4 S500");
+        row("exponent in the frame move", "G0 X1e+02 Y-1.5e-1 F4600", "G0 X100 Y-0.15 F4600");
+        row("upper-case exponent", "G1 X2.5E2", "G1 X250");
+        row("rounded to six places", "G1 X1.23456789e+00", "G1 X1.234568");
+        row("blank before e is a word", "G1 X5 E3", "G1 X5 E3");
+        row("e without digits kept", "G1 X5e", "G1 X5e");
+        row("exponent moves to home", "G28 X0e+00 Y-0e0", "G0 X0 Y0");
         // clang-format on
     }
     void grblRewrite()

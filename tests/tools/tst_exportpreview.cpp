@@ -236,9 +236,10 @@ private slots:
         QTest::newRow("nothing burns, travel on")
             << QByteArray("G0 X10 Y0\nG0 X10 Y10\n") << QStringList{"--travel", "--px-per-mm", "2"}
             << "Lines: 2  Burn moves: 0  Extent: 0..10 x 0..10 mm  Estimated time: 0s\n" << 0 << 40;
+        // Runs at 500 mm/s^2, travel 3000 mm/min: 188.68/50 + 0.1, then 20/100 + 0.2: 4.27 s.
         QTest::newRow("leaves the area")
             << QByteArray("G0 X160 Y100\nM106 S255\nG1 X180 F6000\nM107\n") << QStringList{"--px-per-mm", "1"}
-            << "Lines: 4  Burn moves: 1  Extent: 160..180 x 100..100 mm  Estimated time: 2s\n"
+            << "Lines: 4  Burn moves: 1  Extent: 160..180 x 100..100 mm  Estimated time: 4s\n"
                "Outside the work area: 1 burn move and 0 travel moves reach X up to 180 mm "
                "(the area is X 0..170 x Y 0..200 mm)\n"
             << 10 << 0;
