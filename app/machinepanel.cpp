@@ -19,6 +19,7 @@ namespace {
 
 const int BaudRates[] = {115200, 250000, 230400, 57600, 38400, 19200, 9600};
 constexpr double JogSteps[] = {0.1, 1.0, 10.0};
+constexpr int ProgressTickMs = 500;
 
 // A settings text as one line of G-code: its first line, comments dropped.
 QByteArray gcodeLine(const QString &text)
@@ -31,8 +32,7 @@ QByteArray mm(double v) { return QByteArray::number(v, 'f', 2); }
 }  // namespace
 
 MachinePanel::MachinePanel(QWidget *parent)
-    : QWidget(parent, Qt::Window), ui(new Ui::MachinePanel), m_link(new MachineLink(this)),
-      m_runner(new JobRunner(m_link, this))
+    : QWidget(parent, Qt::Window), ui(new Ui::MachinePanel), m_link(new MachineLink(this))
 {
     ui->setupUi(this);
     for (const int baud : BaudRates)
@@ -52,6 +52,17 @@ MachinePanel::MachinePanel(QWidget *parent)
     connect(m_link, &MachineLink::failed, this, &MachinePanel::onLinkFailed);
     connect(m_link, &MachineLink::connectionLost, this, &MachinePanel::onLinkFailed);
     connect(m_link, &MachineLink::fault, this, &MachinePanel::onFault);
+    // The runner comes after the panel's own link slots: a failure during a job reaches the panel
+    // while the job is still active, and the runner's fuller message is the one left shown.
+    m_runner = new JobRunner(m_link, this);
+    // The clock and the remaining time move on between answers (a long frame, the last moves).
+    m_progressTimer.setInterval(ProgressTickMs);
+    connect(&m_progressTimer, &QTimer::timeout, this, &MachinePanel::onProgress);
+    // An unlock answered clears the alarm the stop left.
+    connect(m_link, &MachineLink::answered, this, [this] {
+        if (!m_runner->isActive())
+            updateControls();
+    });
     connect(m_runner, &JobRunner::progressChanged, this, &MachinePanel::onProgress);
     connect(m_runner, &JobRunner::stateChanged, this, &MachinePanel::onJobStateChanged);
     connect(m_runner, &JobRunner::lineFailed, this,
@@ -199,7 +210,8 @@ void MachinePanel::on_homeButton_clicked()
 
 void MachinePanel::on_unlockButton_clicked()
 {
-    send({m_link->firmware() == Firmware::Grbl ? QByteArrayLiteral("$X") : QByteArrayLiteral("M999")});
+    // The runner sends the unlock, and after it the beam-off an alarm held back.
+    m_runner->unlock();
 }
 
 void MachinePanel::on_setOriginButton_clicked() { send({"G92 X0 Y0"}); }
@@ -315,7 +327,10 @@ void MachinePanel::onLinkStateChanged()
 
 void MachinePanel::onStatus(const QByteArray &state, double x, double y)
 {
+    const bool alarmBefore = m_state.startsWith("Alarm");
     m_state = state;
+    if (alarmBefore != m_state.startsWith("Alarm"))
+        updateControls();
     ui->machineLabel->setText(tr("State: %1   X %2  Y %3")
                                   .arg(state.isEmpty() ? QStringLiteral("-") : QString::fromUtf8(state))
                                   .arg(x, 0, 'f', 2)
@@ -371,7 +386,7 @@ void MachinePanel::onProgress()
 {
     const int total = m_runner->total();
     const int done = m_runner->acknowledged();
-    ui->progressBar->setValue(total ? int(qint64(done) * 100 / total) : 0);
+    ui->progressBar->setValue(m_runner->percent());
     ui->progressLabel->setText(tr("%1 / %2 lines   elapsed %3   left %4")
                                    .arg(done)
                                    .arg(total)
@@ -388,22 +403,39 @@ void MachinePanel::onJobStateChanged()
     case JobRunner::Paused:
         showMessage(tr("Paused"), false);
         break;
+    case JobRunner::Finishing:
+        showMessage(tr("Finishing…"), false);
+        break;
+    case JobRunner::Stopping:
+        showMessage(tr("Stopping…"), false);
+        break;
     case JobRunner::Done:
         showMessage(tr("Job done"), false);
         break;
     case JobRunner::Stopped:
-        showMessage(tr("Stopped; the beam is off"), false);
+        if (m_runner->alarmAfterStop())
+            showMessage(tr("Stopped. The machine is in alarm after the stop: press Unlock ($X) before the next job."),
+                        true);
+        else
+            showMessage(tr("Stopped; the beam is off"), false);
         break;
-    case JobRunner::Failed:
-        showMessage(m_runner->message()
-                        + (m_runner->failure() == JobRunner::Alarm
-                               ? QString()
-                               : tr(" The job was stopped and the beam turned off.")),
-                    true);
+    case JobRunner::Failed: {
+        QString tail;
+        if (m_runner->failure() == JobRunner::ConnectionLost)
+            tail = tr(" Check the machine: it may still be running the lines it had received.");
+        else if (m_runner->failure() != JobRunner::Alarm && !m_runner->alarmAfterStop())
+            tail = tr(" The job was stopped and the beam turned off.");
+        showMessage(m_runner->message() + tail, true);
         break;
+    }
     default:
         break;
     }
+    const JobRunner::State state = m_runner->state();
+    if (state == JobRunner::Running || state == JobRunner::Finishing)
+        m_progressTimer.start();
+    else
+        m_progressTimer.stop();
     onProgress();
     updateControls();
 }
@@ -423,6 +455,8 @@ void MachinePanel::updateControls()
     const bool job = m_runner->isActive();
     const JobRunner::State state = m_runner->state();
     const bool idle = ready && !job;
+    // In alarm every line but the unlock (and homing) is refused: that is what is offered.
+    const bool alarm = m_runner->alarmAfterStop() || m_state.startsWith("Alarm");
     ui->connectButton->setEnabled(!open);
     ui->disconnectButton->setEnabled(open);
     for (QWidget *w : {static_cast<QWidget *>(ui->portCombo), static_cast<QWidget *>(ui->pathEdit),
@@ -432,6 +466,13 @@ void MachinePanel::updateControls()
     for (QWidget *w : {ui->xPlusButton, ui->xMinusButton, ui->yPlusButton, ui->yMinusButton, ui->homeButton,
                        ui->setOriginButton, ui->goOriginButton, ui->frameButton, ui->runButton, ui->sendButton})
         w->setEnabled(idle);
+    // Moves and the job wait for the unlock; homing, the console and Unlock stay.
+    for (QWidget *w : {ui->xPlusButton, ui->xMinusButton, ui->yPlusButton, ui->yMinusButton, ui->setOriginButton,
+                       ui->goOriginButton, ui->frameButton, ui->runButton})
+        w->setEnabled(idle && !alarm);
+    ui->unlockButton->setStyleSheet(idle && alarm ? QStringLiteral("font-weight: bold; color: #ff6060;") : QString());
+    if (idle && alarm && m_runner->alarmAfterStop())
+        ui->unlockButton->setFocus();
     ui->commandEdit->setEnabled(idle);
     ui->chooseButton->setEnabled(!job);
     ui->jobEdit->setEnabled(!job);

@@ -87,12 +87,13 @@ private:
 
     Ui::MachinePanel *ui;
     MachineLink *m_link;
-    JobRunner *m_runner;
+    JobRunner *m_runner = nullptr;
     CPSerialPort *m_holder = nullptr;
     std::function<QRectF()> m_frameSource;
     QString m_exportedFile;
     double m_exportedEstimate = 0;
     QByteArray m_state;
+    QTimer m_progressTimer;
 };
 
 #endif

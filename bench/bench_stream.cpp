@@ -53,8 +53,10 @@ private:
         for (ssize_t n; (n = ::read(m_fd, chunk, sizeof chunk)) > 0;) {
             for (ssize_t i = 0; i < n; ++i) {
                 const char c = chunk[i];
-                if (c == '?')
+                if (c == '?') {  // the runner is done once the board reports Idle
+                    reply(pending ? "<Run|MPos:0.000,0.000,0.000>\n" : "<Idle|MPos:0.000,0.000,0.000>\n");
                     continue;
+                }
                 ++m_buffered;
                 if (m_buffered > Window)
                     ++overflow;

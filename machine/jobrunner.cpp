@@ -18,6 +18,12 @@ namespace {
 constexpr int FeedAhead = 24;
 constexpr qint64 ReportEveryMs = 100;
 constexpr double MaxClockSeconds = 99999.0 * 3600 + 3599;  // "99999:59:59"
+// Tags of the runner's own lines, past any job line.
+constexpr int FinishTag = 1 << 30;  // Marlin's M400 after the last line
+constexpr int UnlockTag = FinishTag + 1;
+constexpr int FrameTag = FinishTag + 2;      // the beam-off after the frame
+constexpr int FrameWaitTag = FinishTag + 3;  // Marlin's M400 after it
+constexpr double MovedMm = 0.0005;
 
 // Follows the moves of the file to give each line its share of the job's time.
 class MoveClock
@@ -72,15 +78,24 @@ JobRunner::JobRunner(MachineLink *link, QObject *parent) : QObject(parent), m_li
 {
     connect(m_link, &MachineLink::answered, this, &JobRunner::onAnswered);
     connect(m_link, &MachineLink::fault, this, &JobRunner::onFault);
-    connect(m_link, &MachineLink::failed, this, &JobRunner::onLinkFailed);
     connect(m_link, &MachineLink::connectionLost, this, &JobRunner::onConnectionLost);
     connect(m_link, &MachineLink::spaceFreed, this, &JobRunner::feed);
+    connect(m_link, &MachineLink::answerTimedOut, this, &JobRunner::onAnswerTimedOut);
+    connect(m_link, &MachineLink::statusChanged, this, &JobRunner::onStatus);
+    connect(m_link, &MachineLink::resetDone, this, &JobRunner::onResetDone);
+    // Closed while waiting for the board to come back (Disconnect after Stop): nothing more will come.
+    connect(m_link, &MachineLink::stateChanged, this, [this](MachineLink::State state) {
+        if (state == MachineLink::Closed && m_state == Stopping)
+            finish();
+    });
+    m_finishTimer.setSingleShot(true);
+    connect(&m_finishTimer, &QTimer::timeout, this, &JobRunner::onFinishTimeout);
 }
 
 JobRunner::~JobRunner()
 {
     // Closing the program in the middle of a job: the beam goes off before the port closes.
-    if (isActive() && m_link->isOpen()) {
+    if (isActive() && m_state != Stopping && m_link->isOpen()) {
         m_link->disconnect(this);
         haltMachine();
     }
@@ -151,8 +166,11 @@ bool JobRunner::start()
     m_failure = NoFailure;
     m_message.clear();
     m_frameDue = false;
+    m_frameSettling = m_waitIdle = false;
     m_beamOffSent = false;
+    m_alarmAfterStop = m_beamOffAfterUnlock = false;
     m_lastPower.clear();
+    // The clock starts with the first line sent: the frame is part of the job's time.
     m_clock.start();
     m_elapsedBefore = 0;
     setState(Running);
@@ -165,13 +183,13 @@ bool JobRunner::start()
 void JobRunner::feed()
 {
     // Sending a line makes the link ask for more at once; that call finds this loop running.
-    if (m_state != Running || m_feeding)
+    if (m_state != Running || m_feeding || m_frameSettling)
         return;
     m_feeding = true;
     feedLines();
     m_feeding = false;
-    if (m_state == Running && m_next == m_lines.size() && m_acked == m_lines.size())
-        end(Done, NoFailure, tr("Job done: %1 lines").arg(m_lines.size()), false);
+    if (m_state == Running && !m_frameSettling && m_next == m_lines.size() && m_acked == m_lines.size())
+        beginFinishing();
 }
 
 void JobRunner::feedLines()
@@ -187,12 +205,12 @@ void JobRunner::feedLines()
                     m_frameDue = true;
                     return;
                 }
+                // The beam goes off; the pause begins once the machine has finished the frame.
                 m_frameDue = false;
                 m_answered[m_next] = true;
                 ++m_acked, m_lastAckIndex = m_next, ++m_next;
-                m_link->sendLine(laserOffText());
-                setState(FramePause);
-                reportProgress(true);
+                m_frameSettling = true;
+                m_link->sendLine(laserOffText(), FrameTag);
                 return;
             }
             m_answered[m_next] = true;
@@ -211,6 +229,35 @@ void JobRunner::feedLines()
 
 void JobRunner::onAnswered(int tag, const MachineReply &reply)
 {
+    if (tag == FinishTag) {
+        if (m_state != Finishing)
+            return;
+        if (reply.kind == MachineReply::Error)
+            end(Failed, FirmwareError, tr("After the last line: %1").arg(QString::fromUtf8(reply.text)), true);
+        else
+            end(Done, NoFailure, tr("Job done: %1 lines").arg(m_lines.size()), false);
+        return;
+    }
+    if (tag == FrameTag || tag == FrameWaitTag) {
+        if (m_state != Running || !m_frameSettling)
+            return;
+        if (m_link->firmware() == Firmware::Grbl)
+            waitForIdle();
+        else if (tag == FrameTag)
+            m_link->sendLine("M400", FrameWaitTag);  // Marlin answers it once the moves are done
+        else
+            enterFramePause();
+        return;
+    }
+    if (tag == UnlockTag) {
+        if (reply.kind == MachineReply::Ok) {
+            m_alarmAfterStop = false;
+            if (m_beamOffAfterUnlock)
+                m_link->sendLine(laserOffText());
+            m_beamOffAfterUnlock = false;
+        }
+        return;
+    }
     if (tag >= 0 && tag < m_lines.size() && isActive() && !m_answered[tag]) {
         m_answered[tag] = true;
         ++m_acked;
@@ -235,8 +282,8 @@ void JobRunner::afterAnswer()
     const bool drained = m_link->unansweredLines() == 0 && m_link->queuedLines() == 0;
     if (m_state == Running && m_frameDue && drained)
         feed();
-    else if (m_state == Running && m_acked == m_lines.size())
-        end(Done, NoFailure, tr("Job done: %1 lines").arg(m_lines.size()), false);
+    else if (m_state == Running && !m_frameSettling && m_acked == m_lines.size())
+        beginFinishing();
     else if (m_state == Paused && !m_beamOffSent && m_link->firmware() != Firmware::Grbl && drained) {
         m_beamOffSent = true;
         m_link->sendLine(laserOffText());
@@ -245,7 +292,8 @@ void JobRunner::afterAnswer()
 
 void JobRunner::onFault(const MachineReply &reply)
 {
-    if (!isActive())
+    // While stopping, the board's state comes with its first status report after the reset.
+    if (!isActive() || m_state == Stopping)
         return;
     // The board was working on the oldest line it had not answered.
     int index = m_lastAckIndex + 1;
@@ -263,28 +311,127 @@ void JobRunner::onFault(const MachineReply &reply)
         end(Failed, FirmwareError, tr("Line %1: %2").arg(m_lines[index].fileLine).arg(text), true);
 }
 
-void JobRunner::onLinkFailed(const QString &message)
-{
-    if (isActive())
-        end(Failed, Timeout, tr("%1; last acknowledged line %2").arg(message).arg(lastAcknowledgedFileLine()), true);
-}
-
 void JobRunner::onConnectionLost(const QString &message)
 {
-    if (isActive())
+    if (m_state == Stopping)
+        finish();
+    else if (isActive())
         end(Failed, ConnectionLost, tr("%1; last acknowledged line %2").arg(message).arg(lastAcknowledgedFileLine()),
             false);
 }
 
+QString JobRunner::machineReport() const
+{
+    if (m_link->firmware() != Firmware::Grbl)
+        return QString();
+    if (!m_link->statusCurrent())
+        return tr("the machine does not answer status requests");
+    return tr("the machine reports %1 at X%2 Y%3")
+        .arg(QString::fromUtf8(m_link->lastState()))
+        .arg(m_link->lastX(), 0, 'f', 2)
+        .arg(m_link->lastY(), 0, 'f', 2);
+}
+
+void JobRunner::onAnswerTimedOut(int tag, const QByteArray &line, int ms)
+{
+    if (!isActive() || m_state == Stopping)
+        return;
+    const QString seconds = QString::number(ms / 1000.0);
+    QString text = tag >= 0 && tag < m_lines.size()
+                       ? tr("No answer to line %1 for %2 s").arg(m_lines[tag].fileLine).arg(seconds)
+                       : tr("No answer to %1 for %2 s").arg(QString::fromUtf8(line), seconds);
+    const QString report = machineReport();
+    if (!report.isEmpty())
+        text += QStringLiteral("; ") + report;
+    if (m_link->firmware() == Firmware::Grbl && m_link->statusCurrent() && m_link->lastState() == "Idle")
+        text += tr(". Idle with lines unanswered: a line was lost on the way, or the firmware dropped it");
+    end(Failed, Timeout, text, true);
+}
+
+void JobRunner::beginFinishing()
+{
+    setState(Finishing);
+    reportProgress(true);
+    if (m_link->firmware() == Firmware::Grbl) {
+        waitForIdle();
+    } else {
+        // Marlin answers M400 once every move is done.
+        m_link->sendLine("M400", FinishTag);
+    }
+}
+
+void JobRunner::waitForIdle()
+{
+    // Finished when a report asked for from now on says Idle; until then the machine may still be moving.
+    m_waitIdle = true;
+    m_statusMark = m_link->statusRequests();
+    m_seenX = m_link->lastX(), m_seenY = m_link->lastY();
+    m_link->requestStatus();
+    m_finishTimer.start(m_link->answerTimeout());
+}
+
+void JobRunner::enterFramePause()
+{
+    m_frameSettling = m_waitIdle = false;
+    m_finishTimer.stop();
+    m_elapsedBefore += m_clock.restart();
+    setState(FramePause);
+    reportProgress(true);
+}
+
+void JobRunner::onStatus(const QByteArray &state, double x, double y)
+{
+    if (!m_waitIdle || !isActive() || m_state == Stopping)
+        return;
+    if (std::fabs(x - m_seenX) > MovedMm || std::fabs(y - m_seenY) > MovedMm || MachineReplies::isWaitingState(state))
+        m_finishTimer.start(m_link->answerTimeout());  // still moving, or held: the wait goes on
+    m_seenX = x, m_seenY = y;
+    if (m_link->statusReports() <= m_statusMark || state != "Idle")
+        return;
+    m_waitIdle = false;
+    if (m_state == Finishing)
+        end(Done, NoFailure, tr("Job done: %1 lines").arg(m_lines.size()), false);
+    else if (m_state == Running && m_frameSettling)
+        enterFramePause();
+}
+
+void JobRunner::onFinishTimeout()
+{
+    if (m_state != Finishing && !(m_state == Running && m_frameSettling))
+        return;
+    end(Failed, Timeout,
+        tr("The machine did not finish within %1 s of the last line; %2")
+            .arg(m_link->answerTimeout() / 1000.0)
+            .arg(machineReport()),
+        true);
+}
+
+void JobRunner::onResetDone(const QByteArray &state)
+{
+    if (m_state != Stopping)
+        return;
+    if (state.startsWith("Alarm")) {
+        // Any line now would be refused (error:9); the beam-off waits for the unlock.
+        m_alarmAfterStop = m_beamOffAfterUnlock = true;
+        if (m_failure != Alarm)
+            m_message += tr("; the machine is in alarm after the stop: unlock ($X) before the next job");
+    } else {
+        // Back and unlocked (or silent): the beam-off goes out now.
+        m_link->sendLine(laserOffText());
+    }
+    finish();
+}
+
 void JobRunner::pause()
 {
-    if (m_state != Running)
+    // While the frame finishes, the pause after it is only moments away.
+    if (m_state != Running || m_frameSettling)
         return;
     m_elapsedBefore += m_clock.restart();
     setState(Paused);
     // Lines not yet written go out again on resume.
     const int unsent = m_link->clearQueue();
-    if (unsent >= 0) {
+    if (unsent >= 0 && unsent < m_lines.size()) {
         m_next = unsent;
         // A power line taken back from the queue never reached the board: the power in
         // force is the last one written before the first line that goes out again.
@@ -318,9 +465,19 @@ void JobRunner::resume()
     feed();
 }
 
+void JobRunner::unlock()
+{
+    if (isActive() || !m_link->isOpen())
+        return;
+    if (m_link->firmware() == Firmware::Grbl)
+        m_link->sendLine("$X", UnlockTag);
+    else
+        m_link->sendLine("M999");
+}
+
 void JobRunner::stop()
 {
-    if (isActive())
+    if (isActive() && m_state != Stopping)
         end(Stopped, NoFailure, tr("Stopped by the user at line %1").arg(lastAcknowledgedFileLine()), true);
 }
 
@@ -328,27 +485,40 @@ void JobRunner::haltMachine()
 {
     m_link->clearQueue();
     if (m_link->firmware() == Firmware::Grbl) {
-        // A soft reset empties GRBL's buffer and stops the beam; the beam-off follows once it is back.
-        m_link->sendRealtime('\x18');
-        m_link->forgetUnanswered(true);
-        m_link->sendLine(laserOffText());
+        // A soft reset empties GRBL's buffer and stops the beam.
+        m_link->softReset();
     } else {
         // Quick stop, then the beam off, ahead of anything still buffered.
-        m_link->forgetUnanswered(false);
+        m_link->forgetUnanswered();
         m_link->writeNow("M410\n" + laserOffText() + '\n');
     }
 }
 
 void JobRunner::end(State state, Failure failure, const QString &message, bool beamOff)
 {
-    if (beamOff && m_link->isOpen())
-        haltMachine();
-    if (m_clock.isValid() && m_state != Paused && m_state != FramePause)
+    m_finishTimer.stop();
+    m_frameSettling = m_waitIdle = false;
+    if (m_clock.isValid() && (m_state == Running || m_state == Finishing))
         m_elapsedBefore += m_clock.elapsed();
     m_clock.invalidate();
     m_failure = failure;
     m_message = message;
-    setState(state);
+    m_endState = state;
+    if (beamOff && m_link->isOpen()) {
+        haltMachine();
+        if (m_link->firmware() == Firmware::Grbl) {
+            // The beam-off, and the word on an alarm, wait until the board is back from its reset.
+            setState(Stopping);
+            reportProgress(true);
+            return;
+        }
+    }
+    finish();
+}
+
+void JobRunner::finish()
+{
+    setState(m_endState);
     reportProgress(true);
     emit finished();
 }
@@ -374,7 +544,16 @@ int JobRunner::lastAcknowledgedFileLine() const { return m_lastAckIndex >= 0 ? m
 
 qint64 JobRunner::elapsedMs() const
 {
-    return m_elapsedBefore + (m_clock.isValid() && m_state == Running ? m_clock.elapsed() : 0);
+    const bool counting = m_state == Running || m_state == Finishing;
+    return m_elapsedBefore + (m_clock.isValid() && counting ? m_clock.elapsed() : 0);
+}
+
+int JobRunner::percent() const
+{
+    if (m_lines.isEmpty())
+        return 0;
+    const int share = int(qint64(m_acked) * 100 / m_lines.size());
+    return m_state == Done ? 100 : qMin(share, 99);
 }
 
 double JobRunner::remainingSeconds() const

@@ -7,13 +7,16 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QTimer>
 #include <QVector>
 
 class JobRunner : public QObject
 {
     Q_OBJECT
 public:
-    enum State { Idle, Running, Paused, FramePause, Done, Stopped, Failed };
+    // Finishing: every line is acknowledged, the machine is still moving (GRBL: until it reports
+    // Idle; Marlin: until M400 is answered). Stopping: GRBL was reset and is not back yet.
+    enum State { Idle, Running, Paused, FramePause, Done, Stopped, Failed, Finishing, Stopping };
     enum Failure { NoFailure, FirmwareError, Alarm, ConnectionLost, Timeout };
 
     struct Line
@@ -44,9 +47,19 @@ public:
     void pause();
     void resume();
     void stop();
+    // Clears an alarm ($X on GRBL, M999 on Marlin); the beam-off held back by the alarm follows.
+    void unlock();
 
     State state() const { return m_state; }
-    bool isActive() const { return m_state == Running || m_state == Paused || m_state == FramePause; }
+    bool isActive() const
+    {
+        return m_state == Running || m_state == Paused || m_state == FramePause || m_state == Finishing
+               || m_state == Stopping;
+    }
+    // The board came back from the stop in Alarm: nothing runs until it is unlocked.
+    bool alarmAfterStop() const { return m_alarmAfterStop; }
+    // Acknowledged lines in percent; 99 at most until the machine has finished.
+    int percent() const;
     Failure failure() const { return m_failure; }
     QString message() const { return m_message; }
     int total() const { return m_lines.size(); }
@@ -71,16 +84,24 @@ signals:
 private slots:
     void onAnswered(int tag, const MachineReply &reply);
     void onFault(const MachineReply &reply);
-    void onLinkFailed(const QString &message);
     void onConnectionLost(const QString &message);
+    void onAnswerTimedOut(int tag, const QByteArray &line, int ms);
+    void onStatus(const QByteArray &state, double x, double y);
+    void onResetDone(const QByteArray &state);
+    void onFinishTimeout();
 
 private:
     void feed();
     void feedLines();
     void afterAnswer();
     void setState(State state);
+    void beginFinishing();
+    void waitForIdle();
+    void enterFramePause();
     void end(State state, Failure failure, const QString &message, bool beamOff);
+    void finish();
     void haltMachine();
+    QString machineReport() const;
     void reportProgress(bool force);
 
     MachineLink *m_link;
@@ -88,6 +109,7 @@ private:
     QVector<double> m_secondsBefore;  // estimated seconds of the lines before each index (size total + 1)
     QVector<bool> m_answered;
     State m_state = Idle;
+    State m_endState = Idle;  // what Stopping ends in
     Failure m_failure = NoFailure;
     QString m_message;
     int m_next = 0;
@@ -96,8 +118,15 @@ private:
     bool m_continueOnError = false;
     bool m_pauseAtFrame = true;
     bool m_frameDue = false;
+    bool m_frameSettling = false;  // the beam-off after the frame is out; the pause follows when the machine rests
+    bool m_waitIdle = false;       // GRBL: a status report of Idle is awaited
     bool m_feeding = false;
     bool m_beamOffSent = false;
+    bool m_alarmAfterStop = false;
+    bool m_beamOffAfterUnlock = false;
+    qint64 m_statusMark = 0;  // status requests written when the last line was acknowledged
+    QTimer m_finishTimer;
+    double m_seenX = 0, m_seenY = 0;  // the last position reported while finishing
     QByteArray m_laserOff;
     double m_programEstimate = 0;
     QByteArray m_lastPower;  // Marlin: the power in force, restored on resume

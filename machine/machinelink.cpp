@@ -2,16 +2,22 @@
 // GRBL gets character counting against its receive buffer, Marlin one numbered line per "ok".
 #include "machinelink.h"
 
+#include <QFileInfo>
 #include <QSerialPort>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <unistd.h>
 
 namespace {
 
-constexpr int PollMs = 200;          // GRBL status about five times a second
-constexpr int ResetSettleMs = 1000;  // longest wait for the banner after a GRBL reset
-constexpr int ConfigTag = -2;        // lines the link sends for itself
-constexpr int HistoryLines = 32;     // Marlin lines kept for a Resend
+constexpr int PollMs = 200;         // GRBL status about five times a second
+constexpr int ResetSettleMs = 750;  // longest wait for a GRBL board to come back from a reset
+constexpr int ConfigTag = -2;       // lines the link sends for itself
+constexpr int HistoryLines = 32;    // Marlin lines kept for a Resend
 constexpr int GrblMaxPowerSetting = 30;
 constexpr int FlushMs = 500;
+constexpr double MovedMm = 0.0005;  // less than GRBL's three decimals
 
 QByteArray checksum(const QByteArray &text)
 {
@@ -27,10 +33,12 @@ MachineLink::MachineLink(QObject *parent) : QObject(parent)
 {
     m_detectTimer.setSingleShot(true);
     m_answerTimer.setSingleShot(true);
+    m_resetTimer.setSingleShot(true);
     m_pollTimer.setInterval(PollMs);
     connect(&m_detectTimer, &QTimer::timeout, this, &MachineLink::onDetectTimeout);
     connect(&m_answerTimer, &QTimer::timeout, this, &MachineLink::onAnswerTimeout);
     connect(&m_pollTimer, &QTimer::timeout, this, &MachineLink::onPoll);
+    connect(&m_resetTimer, &QTimer::timeout, this, &MachineLink::onResetTimeout);
 }
 
 MachineLink::~MachineLink() { close(); }
@@ -73,6 +81,9 @@ bool MachineLink::open(const QString &port, int baud, Firmware forced, QString *
     m_grblMaxPower = 1000;
     m_fillSum = 0;
     m_fillSamples = 0;
+    m_statusRequests = m_statusReports = 0;
+    m_requestsSinceReport = 0;
+    m_lastState.clear();
     setState(Detecting);
     m_detectTimer.start(m_bannerWaitMs);
     return true;
@@ -83,6 +94,8 @@ void MachineLink::close()
     m_detectTimer.stop();
     m_answerTimer.stop();
     m_pollTimer.stop();
+    m_resetTimer.stop();
+    m_resetStatusDue = false;
     m_queue.clear();
     m_inFlight.clear();
     m_inFlightBytes = 0;
@@ -124,8 +137,18 @@ void MachineLink::sendRealtime(char byte)
     if (!m_port)
         return;
     m_port->write(&byte, 1);
-    if (byte != '?')
+    if (byte == '?') {
+        ++m_statusRequests;
+        ++m_requestsSinceReport;
+    } else {
         emit bytesSent(QByteArray(1, byte));
+    }
+}
+
+void MachineLink::requestStatus()
+{
+    if (m_firmware == Firmware::Grbl)
+        sendRealtime('?');
 }
 
 int MachineLink::clearQueue()
@@ -138,21 +161,32 @@ int MachineLink::clearQueue()
     return first;
 }
 
-void MachineLink::forgetUnanswered(bool waitForBanner)
+void MachineLink::forgetUnanswered()
 {
     m_inFlight.clear();
     m_inFlightBytes = 0;
     m_resendFrom = 0;
     m_answerTimer.stop();
-    if (waitForBanner && m_firmware == Firmware::Grbl) {
-        m_waitBanner = true;
-        QTimer::singleShot(ResetSettleMs, this, [this] {
-            if (m_waitBanner) {
-                m_waitBanner = false;
-                pump();
-            }
-        });
-    }
+}
+
+void MachineLink::softReset()
+{
+    if (!m_port)
+        return;
+    sendRealtime('\x18');
+    forgetUnanswered();
+    m_waitBanner = true;
+    m_resetStatusDue = false;
+    m_resetTimer.start(ResetSettleMs);
+}
+
+void MachineLink::onResetTimeout()
+{
+    if (!m_port || !resetting())
+        return;
+    m_waitBanner = m_resetStatusDue = false;
+    emit resetDone(QByteArray());
+    pump();
 }
 
 void MachineLink::writeNow(const QByteArray &bytes)
@@ -182,7 +216,7 @@ QByteArray MachineLink::frame(const QByteArray &line, int *number)
 
 void MachineLink::pump()
 {
-    if (!m_port || m_waitBanner)
+    if (!m_port || resetting())
         return;
     bool sent = false;
     while (!m_queue.empty()) {
@@ -198,7 +232,7 @@ void MachineLink::pump()
         const QByteArray bytes = frame(next.first, &number);
         if (m_inFlight.empty())
             m_answerTimer.start(m_answerTimeoutMs);
-        m_inFlight.push_back({int(bytes.size()), next.second, number});
+        m_inFlight.push_back({int(bytes.size()), next.second, number, next.first});
         m_inFlightBytes += bytes.size();
         m_queue.pop_front();
         write(bytes);
@@ -235,14 +269,20 @@ void MachineLink::handleLine(const QByteArray &line)
     const MachineReply reply = MachineReplies::parse(line);
     if (reply.kind != MachineReply::Status)
         emit lineReceived(reply.text);
-    if (!m_inFlight.empty())
-        m_answerTimer.start(m_answerTimeoutMs);  // anything heard means the board is alive
+    // A board that talks is alive, but only an answer or a movement shows that the job goes on:
+    // the oldest unanswered line's time runs on through everything else.
 
     switch (reply.kind) {
     case MachineReply::GrblBanner:
         if (m_waitBanner) {
+            // Back from a reset: its state comes with the next status report.
             m_waitBanner = false;
-            pump();
+            if (m_resetTimer.isActive()) {
+                m_resetStatusDue = true;
+                requestStatus();
+            } else {
+                pump();
+            }
         }
         if (m_state == Detecting)
             detected(m_forced != Firmware::Unknown ? m_forced : Firmware::Grbl);
@@ -254,8 +294,29 @@ void MachineLink::handleLine(const QByteArray &line)
     case MachineReply::Status:
         if (m_state == Detecting && m_probeStep == 1)
             detected(Firmware::Grbl);
+        if (!reply.state.isEmpty()) {
+            ++m_statusReports;
+            m_requestsSinceReport = 0;
+            m_lastState = reply.state;
+        }
+        if (reply.hasPosition) {
+            const bool moved = std::fabs(reply.x - m_lastX) > MovedMm || std::fabs(reply.y - m_lastY) > MovedMm
+                               || std::fabs(reply.z - m_lastZ) > MovedMm;
+            m_lastX = reply.x, m_lastY = reply.y, m_lastZ = reply.z;
+            if (moved && !m_inFlight.empty())
+                m_answerTimer.start(m_answerTimeoutMs);  // the machine is moving: the job goes on
+        }
+        // Held (Pause, or the board's own button) or homing: waiting is what it should do.
+        if (MachineReplies::isWaitingState(reply.state) && !m_inFlight.empty())
+            m_answerTimer.start(m_answerTimeoutMs);
         if (reply.hasPosition || !reply.state.isEmpty())
             emit statusChanged(reply.state, reply.x, reply.y);
+        if (m_resetStatusDue && !reply.state.isEmpty()) {
+            m_resetStatusDue = false;
+            m_resetTimer.stop();
+            emit resetDone(reply.state);
+            pump();
+        }
         return;
     case MachineReply::Setting:
         if (reply.code == GrblMaxPowerSetting && reply.value > 0)
@@ -266,6 +327,9 @@ void MachineLink::handleLine(const QByteArray &line)
         m_resendFrom = reply.code;
         return;
     case MachineReply::Busy:
+        // Marlin works on a long command (homing, M400) and says so every few seconds.
+        if (!m_inFlight.empty())
+            m_answerTimer.start(m_answerTimeoutMs);
         return;
     case MachineReply::Alarm:
         emit fault(reply);
@@ -304,8 +368,11 @@ void MachineLink::handleLine(const QByteArray &line)
     const Sent done = m_inFlight.front();
     m_inFlight.pop_front();
     m_inFlightBytes -= done.bytes;
+    // The next line's time counts from now: it may have waited in the board's buffer behind this one.
     if (m_inFlight.empty())
         m_answerTimer.stop();
+    else
+        m_answerTimer.start(m_answerTimeoutMs);
     if (done.tag == ConfigTag) {
         if (m_state == Configuring && m_inFlight.empty() && m_queue.empty()) {
             setState(Ready);
@@ -348,7 +415,7 @@ void MachineLink::onDetectTimeout()
     // No banner: many boards stay silent when the port opens. Ask.
     ++m_probeStep;
     if (m_probeStep == 1) {
-        m_port->write("?", 1);
+        sendRealtime('?');
         m_detectTimer.start(m_probeWaitMs);
     } else if (m_probeStep == 2) {
         write("\nM115\n");
@@ -364,24 +431,53 @@ void MachineLink::onAnswerTimeout()
 {
     if (m_inFlight.empty() || !m_port)
         return;
+    const Sent oldest = m_inFlight.front();
+    // Lines that will never be answered must not block the ones sent next.
+    forgetUnanswered();
     emit failed(tr("The machine did not answer within %1 s").arg(m_answerTimeoutMs / 1000.0));
-    // Lines that will never be answered must not block the ones the user sends next.
-    if (m_port) {
-        forgetUnanswered(false);
+    if (m_port)
+        emit answerTimedOut(oldest.tag, oldest.text, m_answerTimeoutMs);
+    if (m_port)
         pump();
-    }
 }
 
 void MachineLink::onPoll()
 {
     if (m_port && m_firmware == Firmware::Grbl && !m_waitBanner)
-        m_port->write("?", 1);
+        requestStatus();
 }
 
 void MachineLink::onPortError(int error)
 {
     if (error == QSerialPort::ResourceError || error == QSerialPort::ReadError || error == QSerialPort::WriteError)
-        lose(tr("Connection to %1 lost (%2)").arg(m_portName, m_port ? m_port->errorString() : QString()));
+        lose(tr("Connection to %1 lost: %2").arg(m_portName, lossReason(error)));
+}
+
+QString MachineLink::lossReason(int error)
+{
+    // The port's own error text is often stale or empty here; ask the device itself.
+    const QString device = m_portName.contains(QLatin1Char('/')) ? m_portName : QStringLiteral("/dev/") + m_portName;
+    if (!QFileInfo::exists(device))
+        return tr("the device went away (unplugged or switched off)");
+    const int fd = m_port ? int(m_port->handle()) : -1;
+    if (fd >= 0) {
+        char byte;
+        errno = 0;
+        const ssize_t n = error == QSerialPort::WriteError ? ::write(fd, "", 0) : ::read(fd, &byte, 1);
+        const int code = errno;
+        if (n == 0 && error != QSerialPort::WriteError)
+            return tr("the device closed the connection");
+        if (n < 0 && code != EAGAIN && code != EWOULDBLOCK && code != EINTR) {
+            const QString system = QString::fromLocal8Bit(std::strerror(code));
+            return error == QSerialPort::WriteError ? tr("writing failed: %1").arg(system)
+                                                    : tr("reading failed: %1").arg(system);
+        }
+    }
+    const QString given = m_port ? m_port->errorString() : QString();
+    if (!given.isEmpty() && given != QLatin1String("Unknown error")
+        && given != QString::fromLocal8Bit(std::strerror(EAGAIN)))
+        return given;
+    return error == QSerialPort::WriteError ? tr("writing to the device failed") : tr("reading from the device failed");
 }
 
 void MachineLink::lose(const QString &message)

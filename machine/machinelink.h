@@ -52,9 +52,14 @@ public:
     // Drops every queued line that has not gone out yet; returns the lowest tag among
     // them that is not Manual, or -1.
     int clearQueue();
-    // Forgets the lines the board has not answered (after a reset or stop): their answers
-    // will not come, or mean nothing now. After a GRBL reset the queue waits for the banner.
-    void forgetUnanswered(bool waitForBanner);
+    // Forgets the lines the board has not answered (after a stop): their answers will not
+    // come, or mean nothing now.
+    void forgetUnanswered();
+    // GRBL: writes a soft reset (0x18) and forgets the unanswered lines. Queued lines wait until
+    // the board is back: its banner, then a status report; resetDone() gives that report's
+    // state ("Idle", "Alarm"...), or nothing when the board did not come back in time.
+    void softReset();
+    bool resetting() const { return m_waitBanner || m_resetStatusDue; }
 
     int queuedLines() const { return int(m_queue.size()); }
     int unansweredLines() const { return int(m_inFlight.size()); }
@@ -64,6 +69,18 @@ public:
 
     // Marlin: asks for the position once (GRBL reports it by itself).
     void requestPosition();
+    // GRBL: asks for a status report now ('?').
+    void requestStatus();
+    // GRBL status requests written and reports received since opening: a report counts as
+    // newer than a moment when more reports have come than requests had been written then.
+    qint64 statusRequests() const { return m_statusRequests; }
+    qint64 statusReports() const { return m_statusReports; }
+    // The last status report: state and position; current when the board answered the
+    // requests written since, but for the last one.
+    QByteArray lastState() const { return m_lastState; }
+    double lastX() const { return m_lastX; }
+    double lastY() const { return m_lastY; }
+    bool statusCurrent() const { return m_statusReports > 0 && m_requestsSinceReport <= 1; }
 
 signals:
     void stateChanged(MachineLink::State state);
@@ -75,6 +92,11 @@ signals:
     void statusChanged(const QByteArray &state, double x, double y);
     void spaceFreed();                    // the queue can take more
     void failed(const QString &message);  // opening, detection or a time-out
+    // The oldest unanswered line (TAG, LINE as written) made no progress for MS milliseconds:
+    // no answer, no movement in the status reports, no "busy" from Marlin. Follows failed();
+    // the unanswered lines are forgotten by then.
+    void answerTimedOut(int tag, const QByteArray &line, int ms);
+    void resetDone(const QByteArray &state);
     void connectionLost(const QString &message);
 
 private slots:
@@ -83,6 +105,7 @@ private slots:
     void onDetectTimeout();
     void onAnswerTimeout();
     void onPoll();
+    void onResetTimeout();
 
 private:
     struct Sent
@@ -90,6 +113,7 @@ private:
         int bytes;
         int tag;
         int number;  // Marlin line number, 0 when not numbered
+        QByteArray text;
     };
     void handleLine(const QByteArray &line);
     void detected(Firmware firmware);
@@ -99,6 +123,7 @@ private:
     void write(const QByteArray &bytes);
     QByteArray frame(const QByteArray &line, int *number);
     void lose(const QString &message);
+    QString lossReason(int error);
 
     QSerialPort *m_port = nullptr;
     State m_state = Closed;
@@ -113,6 +138,12 @@ private:
     QHash<int, QByteArray> m_history;  // Marlin: recent numbered lines, for Resend
     int m_resendFrom = 0;
     bool m_waitBanner = false;
+    bool m_resetStatusDue = false;
+    qint64 m_statusRequests = 0;
+    qint64 m_statusReports = 0;
+    int m_requestsSinceReport = 0;
+    QByteArray m_lastState;
+    double m_lastX = 0, m_lastY = 0, m_lastZ = 0;
     int m_probeStep = 0;
     int m_grblMaxPower = 1000;
     int m_answerTimeoutMs = 30000;
@@ -123,6 +154,7 @@ private:
     QTimer m_detectTimer;
     QTimer m_answerTimer;
     QTimer m_pollTimer;
+    QTimer m_resetTimer;
 };
 
 #endif

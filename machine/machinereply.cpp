@@ -126,6 +126,11 @@ MachineReply parse(const QByteArray &raw)
     return reply;
 }
 
+bool isWaitingState(const QByteArray &state)
+{
+    return state.startsWith("Hold") || state.startsWith("Door") || state == "Home";
+}
+
 QString grblAlarmText(int code)
 {
     switch (code) {

@@ -26,6 +26,10 @@ namespace MachineReplies {
 // Reads one line (without its line end) as GRBL or Marlin would mean it.
 MachineReply parse(const QByteArray &line);
 
+// Is STATE (a GRBL status report's) one in which the board rightly makes no progress: a feed
+// hold, an open door, or homing?
+bool isWaitingState(const QByteArray &state);
+
 // A readable explanation of a GRBL alarm or error number, in English (the caller translates).
 QString grblAlarmText(int code);
 QString grblErrorText(int code);

@@ -1,5 +1,6 @@
 // tarnwell-export send: streams a G-code file to a machine through the program's own job runner.
-// Progress on standard error; exit 0 done, 2 bad input, 3 firmware error or alarm, 4 link lost or silent.
+// Progress on standard error; exit 0 done (every line answered and the machine idle), 2 bad input,
+// 3 firmware error, alarm or stop, 4 link lost or no answer in time.
 #include "exportcommon.h"
 
 #include "jobrunner.h"
@@ -19,7 +20,7 @@ constexpr int FirmwareError = 3;
 constexpr int LinkFailed = 4;
 constexpr int ProgressEveryMs = 1000;
 constexpr int DefaultTimeoutSeconds = 30;
-constexpr int BeamOffWaitMs = 1500;  // a GRBL reset takes this long at most before the beam-off goes
+constexpr int BeamOffWaitMs = 500;  // the last beam-off is on its way when the job ends
 
 const char *const SendUsage =
     "Usage: tarnwell-export send --port DEV --input JOB.gcode [--baud N]\n"
@@ -28,9 +29,12 @@ const char *const SendUsage =
     "Streams the file to the machine on DEV (any serial device path) with flow control:\n"
     "comments and blank lines dropped, GRBL rewrites applied. After tracing the frame the\n"
     "job waits for Enter on standard input (the end of input stops it); --no-pause goes on\n"
-    "at once. Ctrl-C stops the job and turns the beam off. Exit status: 0 done, 2 bad input,\n"
-    "3 firmware error, alarm or stop, 4 connection lost or no answer within the time-out\n"
-    "(default 30 s).\n";
+    "at once. Ctrl-C stops the job and turns the beam off. The job is done when every line\n"
+    "is acknowledged and the machine has finished moving. The time-out (default 30 s) counts\n"
+    "from the oldest line not yet acknowledged; only an answer, a movement of the machine or\n"
+    "a hold restarts it. Exit status: 0 done, 2 bad input, 3 firmware error, alarm or stop\n"
+    "(also when the stop leaves the machine in alarm: unlock it with $X), 4 connection lost\n"
+    "or no answer within the time-out.\n";
 
 // Ctrl-C and kill reach the event loop through this pipe, so that a stop still turns the beam off.
 int g_stopPipe[2] = {-1, -1};
@@ -88,14 +92,16 @@ int runSend(const QStringList &given)
         return fail(error);
 
     int status = -1;
+    // Before the job begins the link's own failures end the run; once it has begun, the runner
+    // reports them with the line they concern.
     QObject::connect(&link, &MachineLink::failed, [&](const QString &message) {
-        if (!runner.isActive() && status < 0) {
+        if (runner.state() == JobRunner::Idle && status < 0) {
             say(message);
             status = LinkFailed;
         }
     });
     QObject::connect(&link, &MachineLink::connectionLost, [&](const QString &message) {
-        if (!runner.isActive() && status < 0) {
+        if (runner.state() == JobRunner::Idle && status < 0) {
             say(message);
             status = LinkFailed;
         }
@@ -151,7 +157,7 @@ int runSend(const QStringList &given)
             if (::read(g_stopPipe[0], &byte, 1) <= 0)
                 return;
             if (runner.isActive()) {
-                runner.stop();
+                runner.stop();  // no-op while already stopping
             } else if (status < 0) {
                 say(QStringLiteral("stopped before the job began"));
                 status = FirmwareError;
@@ -163,20 +169,25 @@ int runSend(const QStringList &given)
 
     QTimer progress;
     QObject::connect(&progress, &QTimer::timeout, [&] {
+        if (runner.state() == JobRunner::Finishing) {
+            QTextStream(stderr) << QStringLiteral("sent %1/%1 lines, %2%, finishing: the machine is still moving\n")
+                                       .arg(runner.total())
+                                       .arg(runner.percent());
+            return;
+        }
         if (runner.state() != JobRunner::Running)
             return;
-        const int percent = runner.total() ? runner.acknowledged() * 100 / runner.total() : 0;
         QTextStream(stderr) << QStringLiteral("sent %1/%2 lines, %3%, %4 left\n")
                                    .arg(runner.sent())
                                    .arg(runner.total())
-                                   .arg(percent)
+                                   .arg(runner.percent())
                                    .arg(JobRunner::clockText(runner.remainingSeconds()));
     });
     progress.start(ProgressEveryMs);
 
     while (status < 0)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    // A stop's beam-off may wait for GRBL to come back from its reset.
+    // The runner sends its last beam-off before it finishes; let it leave the queue.
     QElapsedTimer wait;
     wait.start();
     while (link.isOpen() && link.queuedLines() > 0 && wait.elapsed() < BeamOffWaitMs)

@@ -39,6 +39,38 @@
         <source>Stopped by the user at line %1</source>
         <translation>Stopped by the user at line %1</translation>
     </message>
+    <message>
+        <source>After the last line: %1</source>
+        <translation>After the last line: %1</translation>
+    </message>
+    <message>
+        <source>the machine does not answer status requests</source>
+        <translation>the machine does not answer status requests</translation>
+    </message>
+    <message>
+        <source>the machine reports %1 at X%2 Y%3</source>
+        <translation>the machine reports %1 at X%2 Y%3</translation>
+    </message>
+    <message>
+        <source>No answer to line %1 for %2 s</source>
+        <translation>No answer to line %1 for %2 s</translation>
+    </message>
+    <message>
+        <source>No answer to %1 for %2 s</source>
+        <translation>No answer to %1 for %2 s</translation>
+    </message>
+    <message>
+        <source>. Idle with lines unanswered: a line was lost on the way, or the firmware dropped it</source>
+        <translation>. Idle with lines unanswered: a line was lost on the way, or the firmware dropped it</translation>
+    </message>
+    <message>
+        <source>The machine did not finish within %1 s of the last line; %2</source>
+        <translation>The machine did not finish within %1 s of the last line; %2</translation>
+    </message>
+    <message>
+        <source>; the machine is in alarm after the stop: unlock ($X) before the next job</source>
+        <translation>; the machine is in alarm after the stop: unlock ($X) before the next job</translation>
+    </message>
 </context>
 <context>
     <name>MachineLink</name>
@@ -63,8 +95,32 @@
         <translation>The machine did not answer within %1 s</translation>
     </message>
     <message>
-        <source>Connection to %1 lost (%2)</source>
-        <translation>Connection to %1 lost (%2)</translation>
+        <source>Connection to %1 lost: %2</source>
+        <translation>Connection to %1 lost: %2</translation>
+    </message>
+    <message>
+        <source>the device went away (unplugged or switched off)</source>
+        <translation>the device went away (unplugged or switched off)</translation>
+    </message>
+    <message>
+        <source>the device closed the connection</source>
+        <translation>the device closed the connection</translation>
+    </message>
+    <message>
+        <source>writing failed: %1</source>
+        <translation>writing failed: %1</translation>
+    </message>
+    <message>
+        <source>reading failed: %1</source>
+        <translation>reading failed: %1</translation>
+    </message>
+    <message>
+        <source>writing to the device failed</source>
+        <translation>writing to the device failed</translation>
+    </message>
+    <message>
+        <source>reading from the device failed</source>
+        <translation>reading from the device failed</translation>
     </message>
 </context>
 <context>
@@ -332,6 +388,22 @@
     <message>
         <source> The job was stopped and the beam turned off.</source>
         <translation> The job was stopped and the beam turned off.</translation>
+    </message>
+    <message>
+        <source>Finishing…</source>
+        <translation>Finishing…</translation>
+    </message>
+    <message>
+        <source>Stopping…</source>
+        <translation>Stopping…</translation>
+    </message>
+    <message>
+        <source>Stopped. The machine is in alarm after the stop: press Unlock ($X) before the next job.</source>
+        <translation>Stopped. The machine is in alarm after the stop: press Unlock ($X) before the next job.</translation>
+    </message>
+    <message>
+        <source> Check the machine: it may still be running the lines it had received.</source>
+        <translation> Check the machine: it may still be running the lines it had received.</translation>
     </message>
 </context>
 </TS>

@@ -39,6 +39,38 @@
         <source>Stopped by the user at line %1</source>
         <translation>사용자가 %1번째 줄에서 정지함</translation>
     </message>
+    <message>
+        <source>After the last line: %1</source>
+        <translation>마지막 줄 다음: %1</translation>
+    </message>
+    <message>
+        <source>the machine does not answer status requests</source>
+        <translation>기계가 상태 요청에 응답하지 않습니다</translation>
+    </message>
+    <message>
+        <source>the machine reports %1 at X%2 Y%3</source>
+        <translation>기계 보고: %1, 위치 X%2 Y%3</translation>
+    </message>
+    <message>
+        <source>No answer to line %1 for %2 s</source>
+        <translation>%1번째 줄에 %2초 동안 응답이 없습니다</translation>
+    </message>
+    <message>
+        <source>No answer to %1 for %2 s</source>
+        <translation>%1에 %2초 동안 응답이 없습니다</translation>
+    </message>
+    <message>
+        <source>. Idle with lines unanswered: a line was lost on the way, or the firmware dropped it</source>
+        <translation>. 응답 없는 줄이 있는데 Idle 상태입니다: 전송 중에 줄이 사라졌거나 펌웨어가 버렸습니다</translation>
+    </message>
+    <message>
+        <source>The machine did not finish within %1 s of the last line; %2</source>
+        <translation>마지막 줄 후 %1초 안에 기계가 끝나지 않았습니다; %2</translation>
+    </message>
+    <message>
+        <source>; the machine is in alarm after the stop: unlock ($X) before the next job</source>
+        <translation>; 정지 후 기계가 알람 상태입니다: 다음 작업 전에 잠금 해제($X)하세요</translation>
+    </message>
 </context>
 <context>
     <name>MachineLink</name>
@@ -63,8 +95,32 @@
         <translation>기계가 %1초 안에 응답하지 않았습니다</translation>
     </message>
     <message>
-        <source>Connection to %1 lost (%2)</source>
-        <translation>%1 연결이 끊어졌습니다(%2)</translation>
+        <source>Connection to %1 lost: %2</source>
+        <translation>%1 연결이 끊어졌습니다: %2</translation>
+    </message>
+    <message>
+        <source>the device went away (unplugged or switched off)</source>
+        <translation>장치가 사라졌습니다(분리되었거나 꺼짐)</translation>
+    </message>
+    <message>
+        <source>the device closed the connection</source>
+        <translation>장치가 연결을 닫았습니다</translation>
+    </message>
+    <message>
+        <source>writing failed: %1</source>
+        <translation>쓰기 실패: %1</translation>
+    </message>
+    <message>
+        <source>reading failed: %1</source>
+        <translation>읽기 실패: %1</translation>
+    </message>
+    <message>
+        <source>writing to the device failed</source>
+        <translation>장치에 쓰지 못했습니다</translation>
+    </message>
+    <message>
+        <source>reading from the device failed</source>
+        <translation>장치에서 읽지 못했습니다</translation>
     </message>
 </context>
 <context>
@@ -332,6 +388,22 @@
     <message>
         <source> The job was stopped and the beam turned off.</source>
         <translation> 작업이 정지되고 빔이 꺼졌습니다.</translation>
+    </message>
+    <message>
+        <source>Finishing…</source>
+        <translation>마무리 중…</translation>
+    </message>
+    <message>
+        <source>Stopping…</source>
+        <translation>정지 중…</translation>
+    </message>
+    <message>
+        <source>Stopped. The machine is in alarm after the stop: press Unlock ($X) before the next job.</source>
+        <translation>정지됨. 정지 후 기계가 알람 상태입니다: 다음 작업 전에 잠금 해제($X)를 누르세요.</translation>
+    </message>
+    <message>
+        <source> Check the machine: it may still be running the lines it had received.</source>
+        <translation> 기계를 확인하세요: 받은 줄을 아직 실행하고 있을 수 있습니다.</translation>
     </message>
 </context>
 </TS>

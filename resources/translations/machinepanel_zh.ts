@@ -39,6 +39,38 @@
         <source>Stopped by the user at line %1</source>
         <translation>用户在第 %1 行停止</translation>
     </message>
+    <message>
+        <source>After the last line: %1</source>
+        <translation>最后一行之后：%1</translation>
+    </message>
+    <message>
+        <source>the machine does not answer status requests</source>
+        <translation>机器不回应状态查询</translation>
+    </message>
+    <message>
+        <source>the machine reports %1 at X%2 Y%3</source>
+        <translation>机器报告 %1，位于 X%2 Y%3</translation>
+    </message>
+    <message>
+        <source>No answer to line %1 for %2 s</source>
+        <translation>第 %1 行 %2 秒内没有应答</translation>
+    </message>
+    <message>
+        <source>No answer to %1 for %2 s</source>
+        <translation>%1 在 %2 秒内没有应答</translation>
+    </message>
+    <message>
+        <source>. Idle with lines unanswered: a line was lost on the way, or the firmware dropped it</source>
+        <translation>。机器空闲而仍有未应答的行：某行在传输中丢失，或被固件丢弃</translation>
+    </message>
+    <message>
+        <source>The machine did not finish within %1 s of the last line; %2</source>
+        <translation>最后一行之后 %1 秒内机器没有完成；%2</translation>
+    </message>
+    <message>
+        <source>; the machine is in alarm after the stop: unlock ($X) before the next job</source>
+        <translation>；停止后机器处于报警状态：开始下一个作业前请解锁（$X）</translation>
+    </message>
 </context>
 <context>
     <name>MachineLink</name>
@@ -63,8 +95,32 @@
         <translation>机器在 %1 秒内没有应答</translation>
     </message>
     <message>
-        <source>Connection to %1 lost (%2)</source>
-        <translation>与 %1 的连接已断开（%2）</translation>
+        <source>Connection to %1 lost: %2</source>
+        <translation>与 %1 的连接已断开：%2</translation>
+    </message>
+    <message>
+        <source>the device went away (unplugged or switched off)</source>
+        <translation>设备已消失（被拔出或关闭）</translation>
+    </message>
+    <message>
+        <source>the device closed the connection</source>
+        <translation>设备关闭了连接</translation>
+    </message>
+    <message>
+        <source>writing failed: %1</source>
+        <translation>写入失败：%1</translation>
+    </message>
+    <message>
+        <source>reading failed: %1</source>
+        <translation>读取失败：%1</translation>
+    </message>
+    <message>
+        <source>writing to the device failed</source>
+        <translation>向设备写入失败</translation>
+    </message>
+    <message>
+        <source>reading from the device failed</source>
+        <translation>从设备读取失败</translation>
     </message>
 </context>
 <context>
@@ -332,6 +388,22 @@
     <message>
         <source> The job was stopped and the beam turned off.</source>
         <translation> 作业已停止，光束已关闭。</translation>
+    </message>
+    <message>
+        <source>Finishing…</source>
+        <translation>正在完成…</translation>
+    </message>
+    <message>
+        <source>Stopping…</source>
+        <translation>正在停止…</translation>
+    </message>
+    <message>
+        <source>Stopped. The machine is in alarm after the stop: press Unlock ($X) before the next job.</source>
+        <translation>已停止。停止后机器处于报警状态：开始下一个作业前请按“解锁”（$X）。</translation>
+    </message>
+    <message>
+        <source> Check the machine: it may still be running the lines it had received.</source>
+        <translation> 请检查机器：它可能仍在执行已收到的行。</translation>
     </message>
 </context>
 </TS>

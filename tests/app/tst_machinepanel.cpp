@@ -78,7 +78,7 @@ private slots:
                               << Lines{"G90", "G1 F1800", "G0 X0 Y0", "M4 S20", "G1 X40 Y0", "M5"};
         QTest::newRow("marlin") << int(FirmwareStandIn::Marlin) << Lines{"G91", "G1 X-10.00 F2000", "G90", "M114"}
                                 << Lines{"G90", "M107"} + corners + Lines{"M107", "M114"}
-                                << Lines{"G90", "G1 F1800", "G28 X0 Y0", "M106 S5", "G1 X40 Y0", "M107"};
+                                << Lines{"G90", "G1 F1800", "G28 X0 Y0", "M106 S5", "G1 X40 Y0", "M107", "M400"};
         // clang-format on
     }
     void workflow()
@@ -124,7 +124,9 @@ private slots:
         QTRY_COMPARE(panel->runner()->state(), JobRunner::Done);
         QCOMPARE(child<QProgressBar>(panel, "progressBar")->value(), 100);
         QVERIFY(child(panel, "xPlusButton")->isEnabled());
-        QCOMPARE(fw.lines.last(), QByteArray(grbl ? "G0 X0 Y0" : "G28"));
+        // Marlin is done when M400 after the last line is answered.
+        const Lines end = grbl ? Lines{"G0 X0 Y0"} : Lines{"G28", "M400"};
+        QCOMPARE(fw.lines.mid(fw.lines.size() - end.size()), end);
 
         // Closing the program in the middle of a job stops the machine and the beam.
         fw.ackDelayMs = 200;
@@ -181,6 +183,73 @@ private slots:
         click(&panel, "resumeButton");
         QTRY_COMPARE_WITH_TIMEOUT(panel.runner()->state(), JobRunner::Failed, 10000);
         QCOMPARE(child<QLabel>(&panel, "jobMessageLabel")->text(), error);
+        qApp->removeTranslator(&translator);
+    }
+
+    // The machine still moving after the last line, then left in alarm by a stop, in each language:
+    // "Finishing" until it is idle, then the alarm with Unlock offered, and the beam-off after it.
+    void finishingAndAlarm_data()
+    {
+        // clang-format off
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QString>("finishing");
+        QTest::addColumn<QString>("done");
+        QTest::addColumn<QString>("alarm");
+        QTest::newRow("en") << "en" << "Finishing…" << "Job done"
+            << "Stopped. The machine is in alarm after the stop: press Unlock ($X) before the next job.";
+        QTest::newRow("zh") << "zh" << "正在完成…" << "作业完成"
+            << "已停止。停止后机器处于报警状态：开始下一个作业前请按“解锁”（$X）。";
+        QTest::newRow("ko") << "ko" << "마무리 중…" << "작업 완료"
+            << "정지됨. 정지 후 기계가 알람 상태입니다: 다음 작업 전에 잠금 해제($X)를 누르세요.";
+        // clang-format on
+    }
+    void finishingAndAlarm()
+    {
+        QFETCH(QString, language);
+        QFETCH(QString, finishing);
+        QFETCH(QString, done);
+        QFETCH(QString, alarm);
+        QTranslator translator;
+        QVERIFY(translator.load(":/bin_" + language + ".qm"));
+        qApp->installTranslator(&translator);
+        ScopedWorkDir dir;
+        QByteArray job;
+        for (int i = 0; i < 200; ++i)
+            job += "G1 X" + QByteArray::number(i % 100) + " Y2 F1200\n";
+        TestFiles::write(dir.file("job.gcode"), job);
+        FirmwareStandIn fw(FirmwareStandIn::Grbl, dir.path());
+        fw.runAfterMs = 1500;
+        fw.alarmOnReset = true;
+        MachinePanel panel;
+        QVERIFY(connectPanel(&panel, fw));
+        QLabel *message = child<QLabel>(&panel, "jobMessageLabel");
+        QProgressBar *bar = child<QProgressBar>(&panel, "progressBar");
+        child<QLineEdit>(&panel, "jobEdit")->setText(dir.file("job.gcode"));
+        click(&panel, "runButton");
+        QTRY_COMPARE(panel.runner()->state(), JobRunner::Finishing);
+        QCOMPARE(message->text(), finishing);
+        QCOMPARE(bar->value(), 99);
+        QVERIFY(child(&panel, "stopButton")->isEnabled() && !child(&panel, "runButton")->isEnabled());
+        QTRY_COMPARE(panel.runner()->state(), JobRunner::Done);
+        QVERIFY(fw.idleSinceOk);
+        QCOMPARE(message->text(), done);
+        QCOMPARE(bar->value(), 100);
+
+        fw.ackDelayMs = 50;  // moving, when the stop comes
+        click(&panel, "runButton");
+        QTRY_VERIFY(panel.runner()->acknowledged() > 5);
+        click(&panel, "stopButton");
+        QTRY_COMPARE(panel.runner()->state(), JobRunner::Stopped);
+        QCOMPARE(message->text(), alarm);
+        QVERIFY(child(&panel, "unlockButton")->isEnabled());
+        QVERIFY(!child(&panel, "runButton")->isEnabled() && !child(&panel, "frameButton")->isEnabled());
+        QVERIFY(child(&panel, "homeButton")->isEnabled());  // homing clears an alarm too
+        QTest::qWait(300);
+        QVERIFY(!fw.wire.mid(fw.wire.lastIndexOf('\x18')).contains("M5"));
+        click(&panel, "unlockButton");
+        QTRY_VERIFY(fw.wire.replace("?", "").endsWith("$X\nM5\n"));
+        QVERIFY(!fw.locked);
+        QTRY_VERIFY(child(&panel, "runButton")->isEnabled() && child(&panel, "frameButton")->isEnabled());
         qApp->removeTranslator(&translator);
     }
 

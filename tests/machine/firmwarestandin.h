@@ -5,6 +5,7 @@
 
 #include "ptypair.h"
 
+#include <QElapsedTimer>
 #include <QSocketNotifier>
 #include <QTimer>
 #include <deque>
@@ -23,14 +24,21 @@ public:
 
     Kind kind;
     PtyPair pty;
-    QByteArray wire;          // every byte received
-    QList<QByteArray> lines;  // every line received (Marlin: without number and checksum)
-    int ackDelayMs = 0;       // GRBL: time to "execute" one buffered line
-    int errorAtLine = 0;      // answer the Nth job line (counted from 1, after "G90") with an error
-    int alarmAtLine = 0;      // GRBL: raise ALARM:1 at the Nth job line
-    int resendAtNumber = 0;   // Marlin: ask once for this line number again
-    int busyAtLine = 0;       // Marlin: answer "echo:busy" three times before this job line's ok
-    bool silent = false;      // answers nothing at all
+    QByteArray wire;            // every byte received
+    QList<QByteArray> lines;    // every line received (Marlin: without number and checksum)
+    int ackDelayMs = 0;         // GRBL: time to "execute" one buffered line
+    int errorAtLine = 0;        // answer the Nth job line (counted from 1, after "G90") with an error
+    int alarmAtLine = 0;        // GRBL: raise ALARM:1 at the Nth job line
+    int resendAtNumber = 0;     // Marlin: ask once for this line number again
+    int busyAtLine = 0;         // Marlin: answer "echo:busy" three times before this job line's ok
+    bool silent = false;        // answers nothing at all
+    int loseFromLine = 0;       // the Nth job line received and every one after it are lost
+    int runAfterMs = 0;         // GRBL: after each ok the machine goes on moving (status Run) this long;
+                                // Marlin: M400 is answered that long after it came, with a busy first
+    bool alarmOnReset = false;  // GRBL: a reset while moving leaves it in alarm (ALARM:3) until $X
+    bool locked = false;        // GRBL: in alarm; lines are refused with error:9
+    bool idleSinceOk = false;   // GRBL: an Idle status went out after the last ok; Marlin: M400 answered
+    QElapsedTimer lostAt;       // started when the first lost line came
     bool held = false, overflowed = false;
     int maxBuffered = 0;  // GRBL: most bytes waiting in its receive buffer
     int jobLines = 0;
@@ -75,7 +83,13 @@ private:
     QByteArray m_partial;
     std::deque<QByteArray> m_buffer;  // GRBL: lines received, not yet executed
     int m_buffered = 0;
+    int m_received = 0;  // GRBL: job lines received
     QTimer m_tick;
+    QElapsedTimer m_clock;
+    qint64 m_runUntil = 0;
+    double m_x = 1;
+
+    bool moving() const { return !m_buffer.empty() || (m_clock.isValid() && m_clock.elapsed() < m_runUntil); }
 
     void pull()
     {
@@ -105,6 +119,12 @@ private:
         m_partial.clear();
         if (kind == Grbl) {
             lines << line;
+            if (line != "G90" && !line.startsWith('$') && loseFromLine && ++m_received >= loseFromLine) {
+                m_buffered -= line.size() + 1;  // never reaches the planner, never answered
+                if (!lostAt.isValid())
+                    lostAt.start();
+                return;
+            }
             m_buffer.push_back(line);
             if (!m_tick.isActive() && !held)
                 m_tick.start(ackDelayMs);
@@ -116,8 +136,11 @@ private:
     void realtime(char c)
     {
         if (c == '?') {
-            const char *state = held ? "Hold:0" : m_buffer.empty() ? "Idle" : "Run";
-            say(QByteArray("<") + state + "|MPos:1.000,2.000,0.000|FS:0,0>\r\n");
+            const char *state = locked ? "Alarm" : held ? "Hold:0" : moving() ? "Run" : "Idle";
+            idleSinceOk = idleSinceOk || QByteArray(state) == "Idle";
+            if (m_clock.isValid() && m_clock.elapsed() < m_runUntil)
+                m_x += 0.1;  // moving on after the last ok
+            say(QByteArray("<") + state + "|MPos:" + QByteArray::number(m_x, 'f', 3) + ",2.000,0.000|FS:0,0>\r\n");
         } else if (c == '!') {
             held = true;
             m_tick.stop();
@@ -126,11 +149,19 @@ private:
             if (!m_buffer.empty())
                 m_tick.start(ackDelayMs);
         } else {
+            const bool alarm = alarmOnReset && moving();
+            if (alarm)
+                say("ALARM:3\r\n");
             held = false;
             m_buffer.clear();
             m_buffered = 0;
+            m_runUntil = 0;
             m_tick.stop();
             banner();
+            if (alarm) {
+                locked = true;
+                say("[MSG:'$H'|'$X' to unlock]\r\n");
+            }
         }
     }
 
@@ -147,7 +178,10 @@ private:
         } else if (line == "$$") {
             say("$0=10\r\n$30=" + QByteArray::number(grblMaxPower) + "\r\n$32=1\r\nok\r\n");
         } else if (line.startsWith("$X")) {
+            locked = false;
             say("[MSG:Caution: Unlocked]\r\nok\r\n");
+        } else if (locked) {
+            say("error:9\r\n");
         } else {
             if (line != "G90" && !line.startsWith('$'))
                 ++jobLines;
@@ -158,6 +192,12 @@ private:
                 return;
             }
             say(errorAtLine && jobLines == errorAtLine ? "error:20\r\n" : "ok\r\n");
+            idleSinceOk = false;
+            if (runAfterMs) {
+                if (!m_clock.isValid())
+                    m_clock.start();
+                m_runUntil = m_clock.elapsed() + runAfterMs;
+            }
         }
         if (!m_buffer.empty())
             m_tick.start(ackDelayMs);
@@ -197,6 +237,20 @@ private:
         }
         if (line != "G90" && number > 0)
             ++jobLines;
+        if (loseFromLine && jobLines >= loseFromLine && number > 0 && line != "G90") {
+            if (!lostAt.isValid())
+                lostAt.start();
+            return;
+        }
+        if (line == "M400" && runAfterMs) {
+            say("echo:busy: processing\n");
+            QTimer::singleShot(runAfterMs, this, [this] {
+                idleSinceOk = true;
+                say("ok\n");
+            });
+            return;
+        }
+        idleSinceOk = false;
         if (busyAtLine && jobLines == busyAtLine && number > 0)
             say("echo:busy: processing\necho:busy: processing\necho:busy: processing\n");
         say(errorAtLine && jobLines == errorAtLine && number > 0 ? "Error:Printer halted. kill() called!\n" : "ok\n");

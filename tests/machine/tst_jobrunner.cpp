@@ -45,6 +45,15 @@ Job makeJob(int moves, bool framePause = false)
 
 QByteArray withoutPolls(QByteArray bytes) { return bytes.replace('?', QByteArray()); }
 
+// LINES moves, one a line, nothing else: job line N is line N of the file.
+QByteArray plainJob(int lines)
+{
+    QByteArray job;
+    for (int i = 1; i <= lines; ++i)
+        job += "G1 X" + QByteArray::number(i % 100) + " Y1 F600\n";
+    return job;
+}
+
 // Opens LINK on the stand-in and waits until it is ready for jobs.
 bool connectTo(FirmwareStandIn &fw, MachineLink &link, bool banner = true)
 {
@@ -215,11 +224,29 @@ private slots:
         QVERIFY(after.startsWith("~G1") || after.startsWith("~M"));
         mark = r.fw.wire.size();
         r.runner.stop();
-        QCOMPARE(r.runner.state(), JobRunner::Stopped);
+        QCOMPARE(r.runner.state(), JobRunner::Stopping);  // until GRBL is back from its reset
+        QTRY_COMPARE(r.runner.state(), JobRunner::Stopped);
         QTRY_VERIFY_WITH_TIMEOUT(r.fw.wire.endsWith("M5\n"), 5000);
         QTest::qWait(200);
         after = withoutPolls(r.fw.wire.mid(mark));
         QCOMPARE(after.mid(after.indexOf('\x18')), QByteArray("\x18M5\n"));  // nothing of the job after it
+    }
+
+    // Disconnecting while GRBL comes back from the stop's reset ends the stop at once.
+    void closedWhileStopping()
+    {
+        Rig r;
+        r.fw.ackDelayMs = 10;
+        QVERIFY(r.ready() && r.run(plainJob(300)));
+        QTRY_VERIFY(r.runner.acknowledged() > 20);
+        QSignalSpy finished(&r.runner, &JobRunner::finished);
+        r.fw.silent = true;  // the board does not come back
+        r.runner.stop();
+        QCOMPARE(r.runner.state(), JobRunner::Stopping);
+        r.link.close();
+        QCOMPARE(r.runner.state(), JobRunner::Stopped);
+        QCOMPARE(finished.count(), 1);
+        QTRY_VERIFY(withoutPolls(r.fw.wire).endsWith("\x18"));
     }
 
     void marlinControls()
@@ -269,7 +296,8 @@ private slots:
         QTest::newRow("marlin halted") << int(FirmwareStandIn::Marlin) << "error" << int(JobRunner::FirmwareError)
                                        << "Line 7: Error:Printer halted" << QByteArray("M410\nM107\n");
         QTest::newRow("no answer") << grbl << "silent" << int(JobRunner::Timeout)
-                                   << "The machine did not answer within 0.5 s; last acknowledged line 0" << reset;
+                                   << "No answer to G90 for 0.5 s; the machine does not answer status requests"
+                                   << reset;
         // clang-format on
     }
     void errors()
@@ -300,6 +328,183 @@ private slots:
             QCOMPARE(lineFailed.at(0).at(0).toInt(), 7);
     }
 
+    // A line that is never acknowledged ends the job after the time-out, counted from that line:
+    // the status reports GRBL keeps sending do not put it off. The beam goes off.
+    void answerTimeout_data()
+    {
+        // clang-format off
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QByteArray>("beamOff");
+        QTest::newRow("grbl idle, line lost") << int(FirmwareStandIn::Grbl)
+            << "No answer to line 34 for 1 s; the machine reports Idle at X1.00 Y2.00. Idle with lines unanswered: "
+               "a line was lost on the way, or the firmware dropped it" << QByteArray("\x18M5\n");
+        QTest::newRow("marlin") << int(FirmwareStandIn::Marlin) << "No answer to line 34 for 1 s"
+                                << QByteArray("M410\nM107\n");
+        // clang-format on
+    }
+    void answerTimeout()
+    {
+        QFETCH(int, kind);
+        QFETCH(QString, message);
+        QFETCH(QByteArray, beamOff);
+        Rig r{FirmwareStandIn::Kind(kind)};
+        r.fw.loseFromLine = 34;
+        QVERIFY(r.ready());
+        r.link.setAnswerTimeout(1000);
+        QVERIFY(r.run(plainJob(40)));
+        QTRY_VERIFY_WITH_TIMEOUT(!r.runner.isActive(), 8000);
+        // Within the time-out and a second of the lost line, not before the time-out.
+        QVERIFY(r.fw.lostAt.isValid());
+        const qint64 waited = r.fw.lostAt.elapsed();
+        QVERIFY2(waited >= 900 && waited <= 2000, qPrintable(QString::number(waited)));
+        QCOMPARE(r.runner.state(), JobRunner::Failed);
+        QCOMPARE(r.runner.failure(), JobRunner::Timeout);
+        QCOMPARE(r.runner.message(), message);
+        QCOMPARE(r.runner.acknowledged(), 33);
+        QTRY_VERIFY(withoutPolls(r.fw.wire).endsWith(beamOff));
+    }
+
+    // A pause longer than the time-out is no failure: GRBL reports Hold all along.
+    void pauseOutlastsTimeout()
+    {
+        Rig r;
+        r.fw.ackDelayMs = 10;
+        QVERIFY(r.ready());
+        r.link.setAnswerTimeout(800);
+        QVERIFY(r.run(plainJob(300)));
+        QTRY_VERIFY(r.runner.acknowledged() > 20);
+        r.runner.pause();
+        QTRY_VERIFY(r.fw.held && r.link.unansweredLines() > 0);
+        QTest::qWait(1500);
+        QCOMPARE(r.runner.state(), JobRunner::Paused);
+        r.runner.resume();
+        QTRY_COMPARE(r.runner.state(), JobRunner::Done);
+        QCOMPARE(r.runner.acknowledged(), 300);
+    }
+
+    // All lines acknowledged is not done: the machine goes on moving for 3 s, and the runner
+    // says "done" only once the board says it has finished (GRBL: Idle; Marlin: M400 answered).
+    void finishing_data()
+    {
+        // clang-format off
+        QTest::addColumn<int>("kind");
+        QTest::newRow("grbl") << int(FirmwareStandIn::Grbl);
+        QTest::newRow("marlin") << int(FirmwareStandIn::Marlin);
+        // clang-format on
+    }
+    void finishing()
+    {
+        QFETCH(int, kind);
+        Rig r{FirmwareStandIn::Kind(kind)};
+        r.fw.runAfterMs = 3000;
+        QVERIFY(r.ready());
+        bool finishedAtDone = false;
+        connect(&r.runner, &JobRunner::stateChanged, this, [&](JobRunner::State state) {
+            if (state == JobRunner::Done)
+                finishedAtDone = r.fw.idleSinceOk;
+        });
+        QVERIFY(r.run(plainJob(20)));
+        QTRY_COMPARE(r.runner.state(), JobRunner::Finishing);
+        QCOMPARE(r.runner.acknowledged(), 20);
+        QCOMPARE(r.runner.percent(), 99);
+        QVERIFY(!r.fw.idleSinceOk);
+        QTRY_COMPARE_WITH_TIMEOUT(r.runner.state(), JobRunner::Done, 8000);
+        QVERIFY(finishedAtDone);
+        QCOMPARE(r.runner.percent(), 100);
+        QVERIFY2(r.runner.elapsedMs() >= 2900, qPrintable(QString::number(r.runner.elapsedMs())));
+        QCOMPARE(r.runner.message(), QString("Job done: 20 lines"));
+    }
+
+    // The pause after the frame begins once the machine has traced it (GRBL: Idle after the
+    // beam-off; Marlin: M400 answered), and the clock, started with the first line, counts the
+    // frame's time but not the wait at the pause.
+    void framePause_data()
+    {
+        // clang-format off
+        QTest::addColumn<int>("kind");
+        QTest::newRow("grbl") << int(FirmwareStandIn::Grbl);
+        QTest::newRow("marlin") << int(FirmwareStandIn::Marlin);
+        // clang-format on
+    }
+    void framePause()
+    {
+        QFETCH(int, kind);
+        Rig r{FirmwareStandIn::Kind(kind)};
+        r.fw.runAfterMs = 1000;  // the frame's moves go on this long after the last ok
+        QVERIFY(r.ready());
+        bool tracedAtPause = false;
+        connect(&r.runner, &JobRunner::stateChanged, this, [&](JobRunner::State state) {
+            if (state == JobRunner::FramePause)
+                tracedAtPause = r.fw.idleSinceOk;
+        });
+        QVERIFY(r.run(makeJob(10, true).file));
+        QTRY_COMPARE(r.runner.state(), JobRunner::FramePause);
+        QVERIFY(tracedAtPause);
+        QVERIFY2(r.runner.elapsedMs() >= 950, qPrintable(QString::number(r.runner.elapsedMs())));
+        const qint64 atFrame = r.runner.elapsedMs();
+        QTest::qWait(300);
+        QCOMPARE(r.runner.elapsedMs(), atFrame);  // waiting at the frame does not count
+        r.fw.runAfterMs = 0;
+        r.runner.resume();
+        QTRY_COMPARE(r.runner.state(), JobRunner::Done);
+        QVERIFY(r.runner.elapsedMs() >= atFrame);
+    }
+
+    // A reset while GRBL moves leaves it in alarm: the runner says so, sends nothing the alarm
+    // would refuse, and the beam-off follows the unlock. A reset at rest leaves it idle.
+    void alarmAfterStop_data()
+    {
+        // clang-format off
+        QTest::addColumn<QString>("how");         // "stop", "error" (firmware error at job line 30), "frame"
+        QTest::addColumn<bool>("alarm");
+        QTest::addColumn<QString>("message");     // a regular expression
+        const QString note = "; the machine is in alarm after the stop: unlock \\(\\$X\\) before the next job$";
+        QTest::newRow("stop while moving") << "stop" << true << "^Stopped by the user at line \\d+" + note;
+        QTest::newRow("error while moving") << "error" << true
+                                            << "^Line 30: error:20 \\(Unsupported command.\\)" + note;
+        QTest::newRow("stop at the frame") << "frame" << false << "^Stopped by the user at line 5$";
+        // clang-format on
+    }
+    void alarmAfterStop()
+    {
+        QFETCH(QString, how);
+        QFETCH(bool, alarm);
+        QFETCH(QString, message);
+        Rig r;
+        r.fw.ackDelayMs = 20;
+        r.fw.alarmOnReset = true;
+        r.fw.errorAtLine = how == "error" ? 30 : 0;
+        QVERIFY(r.ready());
+        r.runner.setPauseAtFrame(how == "frame");
+        QVERIFY(r.run(how == "frame" ? makeJob(20, true).file : plainJob(400)));
+        if (how == "frame") {
+            QTRY_COMPARE(r.runner.state(), JobRunner::FramePause);
+            QTRY_VERIFY(r.fw.lines.last() == "M5" && r.link.unansweredLines() == 0);  // at rest
+        } else {
+            QTRY_VERIFY(r.runner.acknowledged() > 20);
+        }
+        if (how != "error")
+            r.runner.stop();
+        QTRY_VERIFY(!r.runner.isActive());
+        QVERIFY2(QRegularExpression(message).match(r.runner.message()).hasMatch(), qPrintable(r.runner.message()));
+        QCOMPARE(r.runner.alarmAfterStop(), alarm);
+        QCOMPARE(r.fw.locked, alarm);
+        QTest::qWait(300);  // anything sent after the reset has arrived
+        const QByteArray afterReset = withoutPolls(r.fw.wire.mid(r.fw.wire.lastIndexOf('\x18')));
+        QCOMPARE(afterReset, alarm ? QByteArray("\x18") : QByteArray("\x18M5\n"));
+        QVERIFY(!r.fw.wire.contains("error:9"));
+        if (alarm) {
+            r.runner.unlock();  // then the beam-off
+            QTRY_VERIFY(withoutPolls(r.fw.wire).endsWith("\x18$X\nM5\n"));
+            QTRY_VERIFY(!r.runner.alarmAfterStop());
+        }
+        // The next job runs.
+        r.fw.errorAtLine = 0;
+        QVERIFY(r.run(plainJob(5)));
+        QTRY_COMPARE(r.runner.state(), JobRunner::Done);
+    }
+
     // Marlin's busy and Resend: every line arrives once, in order, the resent one twice on the wire.
     void marlinFlow()
     {
@@ -311,6 +516,7 @@ private slots:
         QList<QByteArray> expected{"M110 N0", "G90"};
         for (const JobRunner::Line &line : r.runner.lines())
             expected << line.text;
+        expected << "M400";  // done once the moves are
         QCOMPARE(r.fw.lines, expected);
         QCOMPARE(r.fw.wire.count("N6 "), 2);
     }
@@ -330,6 +536,9 @@ private slots:
         QVERIFY(r.runner.lastAcknowledgedFileLine() > 50);
         const QString last = QString("last acknowledged line %1").arg(r.runner.lastAcknowledgedFileLine());
         QVERIFY2(r.runner.message().endsWith(last), qPrintable(r.runner.message()));
+        QVERIFY2(r.runner.message().startsWith("Connection to " + r.fw.pty.endA()
+                                               + " lost: the device went away (unplugged or switched off);"),
+                 qPrintable(r.runner.message()));
         QCOMPARE(r.link.state(), MachineLink::Closed);
 
         FirmwareStandIn again(FirmwareStandIn::Grbl, QDir::currentPath(), "again");

@@ -66,6 +66,29 @@ private slots:
 
     // Lines out of a byte stream in chunks. The cap counts kept bytes; what is dropped is
     // counted, so the stream is accounted for.
+    // States in which a board rightly answers nothing for a while: the time-out waits through them.
+    void waitingState_data()
+    {
+        // clang-format off
+        QTest::addColumn<QByteArray>("state");
+        QTest::addColumn<bool>("waiting");
+        QTest::newRow("feed hold") << QByteArray("Hold:0") << true;
+        QTest::newRow("hold ending") << QByteArray("Hold:1") << true;
+        QTest::newRow("door open") << QByteArray("Door:2") << true;
+        QTest::newRow("homing") << QByteArray("Home") << true;
+        QTest::newRow("idle") << QByteArray("Idle") << false;
+        QTest::newRow("run") << QByteArray("Run") << false;
+        QTest::newRow("alarm") << QByteArray("Alarm") << false;
+        QTest::newRow("nothing") << QByteArray() << false;
+        // clang-format on
+    }
+    void waitingState()
+    {
+        QFETCH(QByteArray, state);
+        QFETCH(bool, waiting);
+        QCOMPARE(MachineReplies::isWaitingState(state), waiting);
+    }
+
     void splitter_data()
     {
         // clang-format off

@@ -50,7 +50,7 @@ private slots:
             << "Stopped by the user at line 5" << QByteArray("G1 X40 Y0\nM5\n\x18M5\n");
         QTest::newRow("marlin done")
             << int(FirmwareStandIn::Marlin) << QStringList{"--no-pause", "--firmware", "marlin"} << QByteArray() << ""
-            << 0 << "Job done: 11 lines" << QByteArray("N11 G28*35\n");
+            << 0 << "Job done: 11 lines" << QByteArray("N11 G28*35\nN12 M400*20\n");
         QTest::newRow("firmware error") << grbl << noPause << QByteArray() << "error" << 3
                                         << "Line 6: error:20 (Unsupported command.)" << QByteArray("\x18M5\n");
         QTest::newRow("error, going on") << grbl << QStringList{"--no-pause", "--continue-on-error"} << QByteArray()
@@ -108,6 +108,85 @@ private slots:
         const QString err = QString::fromUtf8(tool.readAllStandardError());
         QVERIFY2(QRegularExpression("\\nsent \\d+/300 lines, \\d+%, \\d+:\\d\\d left\\n").match(err).hasMatch(),
                  qPrintable(err));
+    }
+
+    // What the machine really does decides the outcome: a line never acknowledged, moves that go on
+    // after the last ok, an alarm left by the stop, a device that goes away.
+    void machineState_data()
+    {
+        // clang-format off
+        QTest::addColumn<QString>("action");      // done to the job once 20 lines are in: "interrupt", "unplug"
+        QTest::addColumn<QString>("board");       // "loses line 34", "moves on 3 s", "alarm on reset", "slow"
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("message");     // the last line of standard error, a regular expression
+        const QString alarm = "; the machine is in alarm after the stop: unlock \\(\\$X\\) before the next job";
+        QTest::newRow("never acknowledged") << "" << "loses line 34" << 4
+            << "^No answer to line 34 for 2 s; the machine reports Idle at X1.00 Y2.00. Idle with lines unanswered: "
+               "a line was lost on the way, or the firmware dropped it$";
+        QTest::newRow("still moving after the last ok") << "" << "moves on 3 s" << 0 << "^Job done: 40 lines$";
+        QTest::newRow("stopped while moving") << "interrupt" << "alarm on reset" << 3
+                                              << "^Stopped by the user at line \\d+" + alarm + "$";
+        QTest::newRow("unplugged") << "unplug" << "slow" << 4
+            << "^Connection to .*fwA lost: the device went away \\(unplugged or switched off\\); "
+               "last acknowledged line \\d+$";
+        // clang-format on
+    }
+    void machineState()
+    {
+        QFETCH(QString, action);
+        QFETCH(QString, board);
+        QFETCH(int, status);
+        QFETCH(QString, message);
+        ScopedWorkDir dir;
+        const int lines = action.isEmpty() ? 40 : 400;
+        QByteArray job;
+        for (int i = 1; i <= lines; ++i)
+            job += "G1 X" + QByteArray::number(i % 100) + " Y1 F600\n";
+        TestFiles::write("job.gcode", job);
+        FirmwareStandIn fw(FirmwareStandIn::Grbl, dir.path());
+        fw.loseFromLine = board == "loses line 34" ? 34 : 0;
+        fw.runAfterMs = board == "moves on 3 s" ? 3000 : 0;
+        fw.alarmOnReset = board == "alarm on reset";
+        fw.ackDelayMs = action.isEmpty() ? 0 : 20;
+        QVERIFY(fw.start());
+        QProcess tool;
+        qint64 exitAfterLost = -1;
+        bool idleAtExit = false;
+        connect(&tool, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this, [&] {
+            exitAfterLost = fw.lostAt.isValid() ? fw.lostAt.elapsed() : -1;
+            idleAtExit = fw.idleSinceOk;
+        });
+        tool.start(TARNWELL_EXPORT, {"send", "--port", fw.pty.endA(), "--input", "job.gcode", "--firmware", "grbl",
+                                     "--no-pause", "--timeout", "2"});
+        QVERIFY(tool.waitForStarted());
+        tool.closeWriteChannel();
+        if (!action.isEmpty()) {
+            QTRY_VERIFY_WITH_TIMEOUT(fw.lines.size() > 20, 8000);
+            if (action == "interrupt")
+                ::kill(pid_t(tool.processId()), SIGINT);
+            else
+                fw.unplug();
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(tool.state(), QProcess::NotRunning, 9000);
+        const QString err = QString::fromUtf8(tool.readAllStandardError());
+        const QString last = err.trimmed().split('\n').last();
+        QCOMPARE(tool.exitStatus(), QProcess::NormalExit);
+        QVERIFY2(tool.exitCode() == status, qPrintable(err));
+        QVERIFY2(last.startsWith("tarnwell-export: "), qPrintable(last));
+        QVERIFY2(QRegularExpression(message).match(last.mid(17)).hasMatch(), qPrintable(last));
+        const QByteArray wire = fw.wire.replace("?", "");
+        if (fw.loseFromLine) {  // within the time-out and a second, not before the time-out
+            QVERIFY2(exitAfterLost >= 1900 && exitAfterLost <= 3000, qPrintable(QString::number(exitAfterLost)));
+            QVERIFY(wire.endsWith("\x18M5\n"));
+        }
+        if (fw.runAfterMs) {  // progress went on while the machine moved, and it had stopped at the exit
+            QVERIFY(idleAtExit);
+            QVERIFY2(err.contains("sent 40/40 lines, 99%, finishing: the machine is still moving\n"), qPrintable(err));
+        }
+        if (fw.alarmOnReset) {  // nothing the alarm would refuse
+            QVERIFY(fw.locked);
+            QCOMPARE(wire.mid(wire.lastIndexOf('\x18')), QByteArray("\x18"));
+        }
     }
 
     // Ctrl-C in the middle of a job: exit 3, and the machine is reset with the beam off.
