@@ -6,6 +6,7 @@
 #include "jobformat.h"
 #include "jobplanner.h"
 
+#include <QIODevice>
 #include <QStringList>
 
 namespace {
@@ -36,11 +37,42 @@ private:
     MoveSink &m_b;
 };
 
-}  // namespace
+// Passes the moves on to the encoder, and hands its text to a device whenever a block is full.
+class Flushing : public MoveSink
+{
+public:
+    static constexpr int Block = 1 << 20;
 
-namespace JobExport {
+    Flushing(MoveSink &encoder, QByteArray *text, QIODevice *device)
+        : m_encoder(encoder), m_text(text), m_device(device)
+    {
+        m_text->reserve(Block + 4096);  // kept through every flush
+    }
+    void beginLayer(int index, const JobLayer &layer) override { m_encoder.beginLayer(index, layer); }
+    void move(const PlannedMove &m) override
+    {
+        m_encoder.move(m);
+        if (m_text->size() >= Block)
+            flush();
+    }
+    void endLayer() override { m_encoder.endLayer(); }
+    bool flush()
+    {
+        if (m_ok && !m_text->isEmpty())
+            m_ok = m_device->write(*m_text) == m_text->size();
+        m_text->resize(0);
+        return m_ok;
+    }
 
-bool run(const JobDocument &doc, JobExportResult *result, QString *error)
+private:
+    MoveSink &m_encoder;
+    QByteArray *m_text;
+    QIODevice *m_device;
+    bool m_ok = true;
+};
+
+// Plans the job into the encoder (through `through`, when given) and the estimate; the result's times.
+bool plan(const JobDocument &doc, JobEncoder &encoder, MoveSink *through, JobExportResult *out, QString *error)
 {
     const QString outside = JobFile::outsideBed(doc);
     if (!outside.isEmpty()) {
@@ -48,10 +80,8 @@ bool run(const JobDocument &doc, JobExportResult *result, QString *error)
             *error = outside;
         return false;
     }
-    QByteArray gcode;
-    JobEncoder encoder(doc.machine, &gcode);
     JobEstimate estimate(doc.machine);
-    FanOut both(encoder, estimate);
+    FanOut both(through ? *through : encoder, estimate);
     if (!JobPlanner::plan(doc, both, error))
         return false;
     encoder.finish();
@@ -59,17 +89,46 @@ bool run(const JobDocument &doc, JobExportResult *result, QString *error)
     PlannedMove home;
     home.kind = PlannedMove::Travel;
     estimate.move(home);
-
-    JobExportResult out;
-    out.gcode = std::move(gcode);
-    out.seconds = estimate.seconds();
-    out.layers = estimate.layers();
-    for (const JobEstimate::Layer &layer : out.layers) {
+    out->seconds = estimate.seconds();
+    out->layers = estimate.layers();
+    for (const JobEstimate::Layer &layer : out->layers) {
         int count = 0;
         for (const JobItem &item : doc.items)
             count += item.layer == layer.index ? 1 : 0;
-        out.itemCounts.push_back(count);
+        out->itemCounts.push_back(count);
     }
+    return true;
+}
+
+}  // namespace
+
+namespace JobExport {
+
+bool write(const JobDocument &doc, QIODevice *device, JobExportResult *result, QString *error)
+{
+    QByteArray text;
+    JobEncoder encoder(doc.machine, &text);
+    Flushing flushing(encoder, &text, device);
+    JobExportResult out;
+    if (!plan(doc, encoder, &flushing, &out, error))
+        return false;
+    if (!flushing.flush()) {
+        if (error)
+            *error = device->errorString();
+        return false;
+    }
+    *result = std::move(out);
+    return true;
+}
+
+bool run(const JobDocument &doc, JobExportResult *result, QString *error)
+{
+    QByteArray gcode;
+    JobEncoder encoder(doc.machine, &gcode);
+    JobExportResult out;
+    if (!plan(doc, encoder, nullptr, &out, error))
+        return false;
+    out.gcode = std::move(gcode);
     *result = std::move(out);
     return true;
 }

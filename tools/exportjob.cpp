@@ -57,20 +57,26 @@ bool exportGcode(const JobDocument &doc, const QString &source, const QString &o
     JobExportResult result;
     bool done = false;
     QString message;
+    // The G-code goes to the file as it is made; the file only replaces the output once whole.
+    QSaveFile file(output);
+    const bool opened = file.open(QIODevice::WriteOnly);
     {
         // The decoders' own complaints stay off standard error; the engine's message says it all.
         ExportCommon::PrivateWorkDir work;
         QuietStderr quiet;
-        done = work.isValid() && JobExport::run(doc, &result, &message);
         if (!work.isValid())
             message = QStringLiteral("cannot create a temporary working directory");
+        else if (opened)
+            done = JobExport::write(doc, &file, &result, &message);
+        else
+            done = JobExport::run(doc, &result, &message);  // a fault of the job is still told first
     }
-    if (!done) {
+    if (!done && (!opened || file.error() == QFileDevice::NoError)) {
         *error = source + QStringLiteral(": ") + message;
+        file.cancelWriting();
         return false;
     }
-    QSaveFile file(output);
-    if (!file.open(QIODevice::WriteOnly) || file.write(result.gcode) != result.gcode.size() || !file.commit()) {
+    if (!opened || !done || !file.commit()) {
         *error = QStringLiteral("cannot write %1").arg(output);
         return false;
     }
