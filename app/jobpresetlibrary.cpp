@@ -1,6 +1,8 @@
 // The material presets of the Job window.
 #include "jobpresetlibrary.h"
 
+#include "configfile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -152,14 +154,4 @@ bool JobPresetLibrary::load(QString *error)
     return false;
 }
 
-bool JobPresetLibrary::save(QString *error) const
-{
-    QDir().mkpath(QFileInfo(path()).absolutePath());
-    QSaveFile file(path());
-    const QByteArray bytes = toJson();
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
-        return true;
-    if (error)
-        *error = QFileInfo(path()).fileName() + QStringLiteral(": cannot be written");
-    return false;
-}
+bool JobPresetLibrary::save(QString *error) const { return ConfigFile::write(path(), toJson(), error); }

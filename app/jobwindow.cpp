@@ -1,6 +1,8 @@
 // The Job window: menus, toolbar, layout, layer panel, files, export and the machine.
 #include "jobwindow.h"
 
+#include "configfile.h"
+
 #include "jobedits.h"
 #include "jobexport.h"
 #include "jobfile.h"
@@ -653,11 +655,7 @@ void JobWindow::addRecent(const QString &path)
     while (list.size() > MaxRecent)
         list.removeLast();
     QDir().mkpath(QFileInfo(recentPath()).absolutePath());
-    QSaveFile file(recentPath());
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(QJsonDocument(QJsonArray::fromStringList(list)).toJson());
-        file.commit();
-    }
+    ConfigFile::write(recentPath(), QJsonDocument(QJsonArray::fromStringList(list)).toJson());
 }
 
 void JobWindow::fillRecentMenu()

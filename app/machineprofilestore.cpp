@@ -1,6 +1,8 @@
 // The user's machine profiles, in a JSON file of the configuration folder.
 #include "machineprofilestore.h"
 
+#include "configfile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -103,17 +105,7 @@ bool MachineProfileStore::load(QString *error)
     return false;
 }
 
-bool MachineProfileStore::save(QString *error) const
-{
-    QDir().mkpath(QFileInfo(path()).absolutePath());
-    QSaveFile file(path());
-    const QByteArray bytes = toJson();
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
-        return true;
-    if (error)
-        *error = QFileInfo(path()).fileName() + QStringLiteral(": cannot be written");
-    return false;
-}
+bool MachineProfileStore::save(QString *error) const { return ConfigFile::write(path(), toJson(), error); }
 
 int MachineProfileStore::applyGrblSettings(const QList<QByteArray> &lines, MachineProfile *profile)
 {

@@ -1,5 +1,6 @@
 // The G-code text the encoder writes for small move lists in each dialect.
 #include "jobencoder.h"
+#include "jobtestsupport.h"
 #include "testsupport.h"
 
 class TestJobEncoder : public QObject
@@ -15,24 +16,7 @@ private slots:
 
 namespace {
 
-// Moves written compactly: "T x y" travels, "C x y power feed" cuts, separated by ';' (um, S x 1000).
-std::vector<PlannedMove> parseMoves(const QString &text)
-{
-    std::vector<PlannedMove> moves;
-    for (const QString &part : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        const QStringList f = part.simplified().split(QLatin1Char(' '));
-        PlannedMove m;
-        m.kind = f[0] == QLatin1String("T") ? PlannedMove::Travel : PlannedMove::Cut;
-        m.x = f[1].toInt();
-        m.y = f[2].toInt();
-        if (m.kind == PlannedMove::Cut) {
-            m.power = f[3].toInt();
-            m.feed = f[4].toInt();
-        }
-        moves.push_back(m);
-    }
-    return moves;
-}
+using JobTest::parseMoves;
 
 QByteArray encode(Dialect dialect, const QString &moves)
 {

@@ -1,5 +1,6 @@
 // The job's time and burn length against figures worked out by hand.
 #include "jobestimate.h"
+#include "jobtestsupport.h"
 #include "testsupport.h"
 
 #include <cmath>
@@ -16,21 +17,11 @@ private slots:
 
 namespace {
 
-// Moves written compactly: "T x y" travels, "C x y power feed" cuts, separated by ';' (um, S x 1000).
+// Moves written compactly (jobtestsupport.h).
 void feed(JobEstimate &estimate, const QString &text)
 {
-    for (const QString &part : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        const QStringList f = part.simplified().split(QLatin1Char(' '));
-        PlannedMove m;
-        m.kind = f[0] == QLatin1String("T") ? PlannedMove::Travel : PlannedMove::Cut;
-        m.x = f[1].toInt();
-        m.y = f[2].toInt();
-        if (m.kind == PlannedMove::Cut) {
-            m.power = f[3].toInt();
-            m.feed = f[4].toInt();
-        }
+    for (const PlannedMove &m : JobTest::parseMoves(text))
         estimate.move(m);
-    }
 }
 
 // The default profile: acceleration 500 mm/s^2, travel 3000 mm/min.
