@@ -226,7 +226,9 @@ bool make(const TestGridParams &p, JobDocument *doc, QString *error)
             if (passes) {
                 layer.speed = p.speedFrom;
                 layer.passes = int(rowValues[size_t(r)]);
-                layer.name = QStringLiteral("%1 %, %2 passes").arg(valueText(layer.power)).arg(layer.passes);
+                layer.name = (layer.passes == 1 ? QStringLiteral("%1 %, %2 pass") : QStringLiteral("%1 %, %2 passes"))
+                                 .arg(valueText(layer.power))
+                                 .arg(layer.passes);
             } else {
                 layer.speed = rowValues[size_t(r)];
                 layer.name = QStringLiteral("%1 % at %2 mm/min").arg(valueText(layer.power), valueText(layer.speed));

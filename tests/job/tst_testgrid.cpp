@@ -170,6 +170,7 @@ private slots:
             QCOMPARE(doc.layers[1 + i].speed, 800.0);
         }
         QCOMPARE(doc.layers[8].name, QStringLiteral("60 %, 4 passes"));
+        QCOMPARE(doc.layers[1].name, QStringLiteral("30 %, 1 pass"));
         QCOMPARE(doc.items[0].source.text, QStringLiteral("1x"));
         QCOMPARE(doc.items[3].source.text, QStringLiteral("4x"));
     }
