@@ -8,6 +8,9 @@ JobModel::JobModel(QObject *parent) : QObject(parent), m_undo(this)
     connect(&m_undo, &QUndoStack::cleanChanged, this, [this](bool clean) { emit modifiedChanged(!clean); });
 }
 
+// The undo stack says it turns clean as it goes; by then the window listening may be half gone.
+JobModel::~JobModel() { disconnect(&m_undo, nullptr, this, nullptr); }
+
 void JobModel::reset(const JobDocument &document, const QString &path)
 {
     m_undo.clear();

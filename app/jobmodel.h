@@ -17,6 +17,7 @@ class JobModel : public QObject
 
 public:
     explicit JobModel(QObject *parent = nullptr);
+    ~JobModel() override;
 
     const JobDocument &document() const { return m_document; }
     QUndoStack *undoStack() { return &m_undo; }
