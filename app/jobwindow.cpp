@@ -291,6 +291,18 @@ void JobWindow::buildActions()
     m_zoomIn = make(QKeySequence::ZoomIn, "actionZoomIn");
     m_zoomOut = make(QKeySequence::ZoomOut, "actionZoomOut");
     m_fit = make(QKeySequence(Qt::CTRL + Qt::Key_0), "actionFitBed");
+    // Keys a desktop may leave unbound (a bare X server binds none for Save as), so they always work.
+    const std::pair<QAction *, QKeySequence> usual[] = {{m_saveAs, QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_S)},
+                                                        {m_close, QKeySequence(Qt::CTRL + Qt::Key_W)},
+                                                        {m_undo, QKeySequence(Qt::CTRL + Qt::Key_Z)},
+                                                        {m_redo, QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z)},
+                                                        {m_delete, QKeySequence(Qt::Key_Delete)},
+                                                        {m_selectAll, QKeySequence(Qt::CTRL + Qt::Key_A)},
+                                                        {m_zoomIn, QKeySequence(Qt::CTRL + Qt::Key_Plus)},
+                                                        {m_zoomOut, QKeySequence(Qt::CTRL + Qt::Key_Minus)}};
+    for (const auto &pair : usual)
+        if (pair.first->shortcut().isEmpty())
+            pair.first->setShortcut(pair.second);
 
     connect(m_new, &QAction::triggered, this, [this] {
         if (maybeSave())

@@ -125,6 +125,8 @@ private slots:
     void wholeBedInSightWhenShown();
     void movingRepaintsOldHandles_data();
     void movingRepaintsOldHandles();
+    void usualKeysBound_data();
+    void usualKeysBound();
 };
 
 void TestJobWindowUse::drawingsComeAtTheirPaperSize_data()
@@ -212,13 +214,13 @@ void TestJobWindowUse::clickReachesTheItemInside()
             }
             QTest::mouseRelease(view->viewport(), Qt::LeftButton, Qt::NoModifier, at(part[2]));
         } else {
-            const Qt::KeyboardModifiers mods =
-                part[0] == QLatin1String("shift") ? Qt::ShiftModifier : Qt::NoModifier;
+            const Qt::KeyboardModifiers mods = part[0] == QLatin1String("shift") ? Qt::ShiftModifier : Qt::NoModifier;
             QTest::mouseClick(view->viewport(), Qt::LeftButton, mods, at(part[1]));
         }
     }
     QCOMPARE(rig.window.selection(), selected);
-    QVERIFY2(std::abs(rig.doc().items[1].x - (10 + outlineMovedX)) < 0.5, qPrintable(QString::number(rig.doc().items[1].x)));
+    QVERIFY2(std::abs(rig.doc().items[1].x - (10 + outlineMovedX)) < 0.5,
+             qPrintable(QString::number(rig.doc().items[1].x)));
     QCOMPARE(rig.doc().items[0].x, 40.0);
 }
 
@@ -297,7 +299,8 @@ void TestJobWindowUse::exportTimesFollowTheLanguage()
                          "<rect width='20' height='20' fill='none' stroke='black'/></svg>";
     doc.items.push_back(square);
     rig.window.model()->reset(doc);
-    QVERIFY2(rig.window.exportTo(dir.file(QStringLiteral("job.gcode"))), qPrintable(rig.notices.join(QLatin1Char('\n'))));
+    QVERIFY2(rig.window.exportTo(dir.file(QStringLiteral("job.gcode"))),
+             qPrintable(rig.notices.join(QLatin1Char('\n'))));
     auto *summary = rig.window.findChild<QLabel *>(QStringLiteral("summaryLabel"));
     QVERIFY(summary);
     const QString english = summary->text();
@@ -376,8 +379,8 @@ void TestJobWindowUse::fieldsShowTheirWholeValue()
     rig.window.model()->reset(doc);
     rig.window.setSelection({0});
     QCoreApplication::processEvents();
-    for (QDoubleSpinBox *field : {rig.window.xField(), rig.window.yField(), rig.window.widthField(),
-                                  rig.window.heightField()}) {
+    for (QDoubleSpinBox *field :
+         {rig.window.xField(), rig.window.yField(), rig.window.widthField(), rig.window.heightField()}) {
         const QLineEdit *edit = field->findChild<QLineEdit *>();
         QVERIFY(edit);
         const int needed = edit->fontMetrics().horizontalAdvance(edit->text());
@@ -529,6 +532,47 @@ void TestJobWindowUse::movingRepaintsOldHandles()
     for (const QRect &handle : qAsConst(handles))
         QVERIFY2(painted.region.intersected(handle) == QRegion(handle),
                  qPrintable(QStringLiteral("the handle at %1,%2 is left on screen").arg(handle.x()).arg(handle.y())));
+}
+
+void TestJobWindowUse::usualKeysBound_data()
+{
+    QTest::addColumn<int>("menu");  // the menu's position in the menu bar
+    QTest::addColumn<QString>("action");
+    // clang-format off
+    QTest::newRow("save as")    << 0 << "actionSaveJobAs";
+    QTest::newRow("save")       << 0 << "actionSaveJob";
+    QTest::newRow("close")      << 0 << "actionCloseJobWindow";
+    QTest::newRow("export")     << 0 << "actionExportJob";
+    QTest::newRow("undo")       << 1 << "actionUndo";
+    QTest::newRow("redo")       << 1 << "actionRedo";
+    QTest::newRow("select all") << 1 << "actionSelectAll";
+    QTest::newRow("delete")     << 1 << "actionDelete";
+    QTest::newRow("zoom in")    << 1 << "actionZoomIn";
+    QTest::newRow("zoom out")   << 1 << "actionZoomOut";
+    // clang-format on
+}
+
+void TestJobWindowUse::usualKeysBound()
+{
+    QFETCH(int, menu);
+    QFETCH(QString, action);
+    Rig rig;
+    const QMenu *shown = rig.window.menuBar()->actions().value(menu)->menu();
+    QVERIFY(shown);
+    QAction *found = nullptr;
+    for (QAction *a : shown->actions())
+        if (a->objectName() == action)
+            found = a;
+    QVERIFY2(found, qPrintable(action));
+    // A key of its own, whatever the desktop binds: an empty one, or one another action also
+    // holds, never fires.
+    QVERIFY2(!found->shortcut().isEmpty(), qPrintable(action));
+    for (const QAction *other : rig.window.findChildren<QAction *>())
+        if (other != found)
+            for (const QKeySequence &keys : other->shortcuts())
+                QVERIFY2(!found->shortcuts().contains(keys),
+                         qPrintable(QStringLiteral("%1 and %2 share %3")
+                                        .arg(action, other->objectName(), keys.toString(QKeySequence::PortableText))));
 }
 
 TARNWELL_TEST_MAIN(TestJobWindowUse)
