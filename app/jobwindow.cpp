@@ -599,6 +599,9 @@ void JobWindow::newJob()
     m_summary.clear();
     m_jobSeconds = -1;
     m_summaryLabel->clear();
+    // The preview showed the job that was open before.
+    m_exported.clear();
+    m_preview->clear();
     m_layers->setCurrentLayer(0);
     m_view->fitBed();
 }
@@ -617,6 +620,9 @@ bool JobWindow::openJob(const QString &path)
     m_summary.clear();
     m_jobSeconds = -1;
     m_summaryLabel->clear();
+    // The preview showed the job that was open before.
+    m_exported.clear();
+    m_preview->clear();
     m_layers->setCurrentLayer(0);
     addRecent(m_model->filePath());
     m_view->fitBed();

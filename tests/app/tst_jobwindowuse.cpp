@@ -12,6 +12,7 @@
 #include "jobmodel.h"
 #include "jobwindow.h"
 #include "layerpanel.h"
+#include "previewpanel.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -80,6 +81,22 @@ void tellLanguageChanged(QWidget *window)
     QCoreApplication::sendEvent(window, &change);
 }
 
+// One 20 mm square outline on a line layer.
+JobDocument squareJob()
+{
+    JobDocument doc;
+    JobEdits::addLayer(&doc, Operation::Line);
+    doc.layers[0].name = QStringLiteral("Cut");
+    JobItem square;
+    square.source.kind = SourceKind::Svg;
+    square.source.name = QStringLiteral("square.svg");
+    square.source.data = "<svg xmlns='http://www.w3.org/2000/svg' width='20mm' height='20mm' viewBox='0 0 20 20'>"
+                         "<rect width='20' height='20' fill='none' stroke='black'/></svg>";
+    square.x = 10, square.y = 10, square.width = 20, square.height = 20;
+    doc.items.push_back(square);
+    return doc;
+}
+
 JobItem textItem(double x, double y, double width, double height, const QString &name)
 {
     JobItem item;
@@ -127,6 +144,8 @@ private slots:
     void movingRepaintsOldHandles();
     void usualKeysBound_data();
     void usualKeysBound();
+    void previewForgetsTheJobBefore_data();
+    void previewForgetsTheJobBefore();
 };
 
 void TestJobWindowUse::drawingsComeAtTheirPaperSize_data()
@@ -290,15 +309,7 @@ void TestJobWindowUse::exportTimesFollowTheLanguage()
     QFETCH(QString, layerLine);
     ScopedWorkDir dir;
     Rig rig;
-    JobDocument doc;
-    JobEdits::addLayer(&doc, Operation::Line);
-    doc.layers[0].name = QStringLiteral("Cut");
-    JobItem square = textItem(10, 10, 20, 20, QStringLiteral("square"));
-    square.source.kind = SourceKind::Svg;
-    square.source.data = "<svg xmlns='http://www.w3.org/2000/svg' width='20mm' height='20mm' viewBox='0 0 20 20'>"
-                         "<rect width='20' height='20' fill='none' stroke='black'/></svg>";
-    doc.items.push_back(square);
-    rig.window.model()->reset(doc);
+    rig.window.model()->reset(squareJob());
     QVERIFY2(rig.window.exportTo(dir.file(QStringLiteral("job.gcode"))),
              qPrintable(rig.notices.join(QLatin1Char('\n'))));
     auto *summary = rig.window.findChild<QLabel *>(QStringLiteral("summaryLabel"));
@@ -573,6 +584,47 @@ void TestJobWindowUse::usualKeysBound()
                 QVERIFY2(!found->shortcuts().contains(keys),
                          qPrintable(QStringLiteral("%1 and %2 share %3")
                                         .arg(action, other->objectName(), keys.toString(QKeySequence::PortableText))));
+}
+
+void TestJobWindowUse::previewForgetsTheJobBefore_data()
+{
+    QTest::addColumn<QString>("next");  // how the next job comes: "new", "open" or "grid"
+    // clang-format off
+    QTest::newRow("new job")   << "new";
+    QTest::newRow("open job")  << "open";
+    QTest::newRow("test grid") << "grid";
+    // clang-format on
+}
+
+void TestJobWindowUse::previewForgetsTheJobBefore()
+{
+    QFETCH(QString, next);
+    ScopedWorkDir dir;
+    Rig rig;
+    rig.window.model()->reset(squareJob());
+    const QString exported = dir.file(QStringLiteral("first.gcode"));
+    QVERIFY(rig.window.exportTo(exported));
+    QCOMPARE(rig.window.previewPanel()->file(), QFileInfo(exported).absoluteFilePath());
+    if (next == QLatin1String("new")) {
+        rig.window.newJob();
+    } else if (next == QLatin1String("open")) {
+        JobDocument other = squareJob();
+        other.items[0].x = 50;
+        rig.nextFile = dir.file(QStringLiteral("other.tljob"));
+        QVERIFY(rig.window.saveTo(rig.nextFile));
+        QVERIFY(rig.window.openJob(rig.nextFile));
+    } else {
+        rig.window.setGridAsker([](JobDocument *grid) {
+            *grid = squareJob();
+            return true;
+        });
+        QVERIFY(rig.window.newTestGrid());
+    }
+    QCoreApplication::processEvents();  // a load the export started finds nothing to show
+    QCOMPARE(rig.window.previewPanel()->file(), QString());
+    QCOMPARE(rig.window.previewPanel()->figuresText(), QString());
+    QCOMPARE(rig.window.exportedFile(), QString());
+    QCOMPARE(rig.window.findChild<QLabel *>(QStringLiteral("summaryLabel"))->text(), QString());
 }
 
 TARNWELL_TEST_MAIN(TestJobWindowUse)
