@@ -200,6 +200,16 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
     connect(m_scene, &QGraphicsScene::selectionChanged, this, [this] {
         updateFields();
         updateActions();
+        // The layer panel shows the settings the selected items burn with, when they share a layer.
+        int layer = -1;
+        for (int i : selection()) {
+            const int itemLayer = document().items[size_t(i)].layer;
+            if (layer >= 0 && itemLayer != layer)
+                return;
+            layer = itemLayer;
+        }
+        if (layer >= 0 && layer < int(document().layers.size()) && layer != m_layers->currentLayer())
+            m_layers->setCurrentLayer(layer);
     });
     connect(m_view, &JobLayoutView::moveRequested, this, [this](const QList<int> &items, double dx, double dy) {
         m_model->change(tr("Move"), [&](JobDocument &doc) { JobEdits::moveItems(&doc, items, dx, dy); });

@@ -146,6 +146,8 @@ private slots:
     void usualKeysBound();
     void previewForgetsTheJobBefore_data();
     void previewForgetsTheJobBefore();
+    void selectionShowsItsLayer_data();
+    void selectionShowsItsLayer();
 };
 
 void TestJobWindowUse::drawingsComeAtTheirPaperSize_data()
@@ -625,6 +627,44 @@ void TestJobWindowUse::previewForgetsTheJobBefore()
     QCOMPARE(rig.window.previewPanel()->figuresText(), QString());
     QCOMPARE(rig.window.exportedFile(), QString());
     QCOMPARE(rig.window.findChild<QLabel *>(QStringLiteral("summaryLabel"))->text(), QString());
+}
+
+void TestJobWindowUse::selectionShowsItsLayer_data()
+{
+    QTest::addColumn<int>("startLayer");  // the layer panel's current layer before
+    QTest::addColumn<QList<int>>("select");
+    QTest::addColumn<int>("shownLayer");
+    // Items 0 and 1 lie on layer 1, item 2 on layer 2, layer 0 is empty.
+    // clang-format off
+    QTest::newRow("one item")              << 0 << QList<int>{0}       << 1;
+    QTest::newRow("item of another layer") << 1 << QList<int>{2}       << 2;
+    QTest::newRow("two of one layer")      << 0 << QList<int>{0, 1}    << 1;
+    QTest::newRow("layers differ")         << 0 << QList<int>{1, 2}    << 0;
+    QTest::newRow("nothing")               << 2 << QList<int>{}        << 2;
+    // clang-format on
+}
+
+void TestJobWindowUse::selectionShowsItsLayer()
+{
+    QFETCH(int, startLayer);
+    QFETCH(QList<int>, select);
+    QFETCH(int, shownLayer);
+    Rig rig;
+    JobDocument doc;
+    JobEdits::addLayer(&doc, Operation::Image);
+    JobEdits::addLayer(&doc, Operation::Fill);
+    JobEdits::addLayer(&doc, Operation::Line);
+    for (int layer : {1, 1, 2}) {
+        doc.items.push_back(textItem(10 + 30 * doc.items.size(), 10, 20, 10, QStringLiteral("t")));
+        doc.items.back().layer = layer;
+    }
+    rig.window.model()->reset(doc);
+    rig.window.layerPanel()->setCurrentLayer(startLayer);
+    rig.window.setSelection(select);
+    QCOMPARE(rig.window.selection(), select);
+    QCOMPARE(rig.window.layerPanel()->currentLayer(), shownLayer);
+    // Showing a layer changes no document.
+    QCOMPARE(rig.window.model()->undoStack()->count(), 0);
 }
 
 TARNWELL_TEST_MAIN(TestJobWindowUse)
