@@ -33,6 +33,9 @@ JobLayoutView::JobLayoutView(JobLayoutScene *scene, QWidget *parent) : QGraphics
     setAcceptDrops(true);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
+    // The selected items' corner handles reach beyond the items: partial updates would leave old
+    // handles behind when an item moves or the selection changes.
+    setViewportUpdateMode(QGraphicsView::FullViewportUpdate);
     m_top = new JobRuler(this, Qt::Horizontal, this);
     m_left = new JobRuler(this, Qt::Vertical, this);
 }
@@ -43,6 +46,10 @@ void JobLayoutView::resizeEvent(QResizeEvent *event)
     const QRect area = viewport()->geometry();
     m_top->setGeometry(area.left(), area.top() - RulerSize, area.width(), RulerSize);
     m_left->setGeometry(area.left() - RulerSize, area.top(), RulerSize, area.height());
+    // Until the user zooms or pans, the whole bed stays in sight as the view grows and shrinks
+    // (the window is laid out only when first shown, after the first fit).
+    if (m_autoFit && transform() == m_fitTransform)
+        fitBed();
 }
 
 void JobLayoutView::scrollContentsBy(int dx, int dy)
@@ -60,6 +67,8 @@ QPointF JobLayoutView::machineAt(const QPoint &viewportPos) const
 void JobLayoutView::fitBed()
 {
     fitInView(QRectF(-4, -4, m_scene->bedWidth() + 8, m_scene->bedHeight() + 8), Qt::KeepAspectRatio);
+    m_fitTransform = transform();
+    m_autoFit = true;
 }
 
 void JobLayoutView::zoomBy(double factor)
@@ -106,7 +115,9 @@ JobItemGraphic *JobLayoutView::handleAt(const QPoint &viewPos, int *corner) cons
 void JobLayoutView::mousePressEvent(QMouseEvent *event)
 {
     m_moved = false;
+    m_pick = nullptr;
     if (event->button() == Qt::MiddleButton) {
+        m_autoFit = false;
         m_gesture = Gesture::Pan;
         m_lastPan = event->pos();
         event->accept();
@@ -127,18 +138,21 @@ void JobLayoutView::mousePressEvent(QMouseEvent *event)
         event->accept();
         return;
     }
-    auto *hit = dynamic_cast<JobItemGraphic *>(itemAt(event->pos()));
+    JobItemGraphic *hit = itemUnder(event->pos());
     if (hit) {
         const bool add = event->modifiers() & Qt::ShiftModifier;
         if (add) {
             hit->setSelected(!hit->isSelected());
+        } else if (!hit->isSelected() && selectedUnder(event->pos())) {
+            // Inside a selected item's frame: a drag moves the selection, a click picks the inner item.
+            m_pick = hit;
         } else if (!hit->isSelected()) {
             QSignalBlocker blocker(m_scene);
             m_scene->clearSelection();
             blocker.unblock();
             hit->setSelected(true);
         }
-        m_gesture = hit->isSelected() ? Gesture::Move : Gesture::None;
+        m_gesture = hit->isSelected() || m_pick ? Gesture::Move : Gesture::None;
         m_moving.clear();
         m_startPositions.clear();
         for (JobItemGraphic *g : m_scene->graphics()) {
@@ -154,6 +168,34 @@ void JobLayoutView::mousePressEvent(QMouseEvent *event)
         m_scene->clearSelection();
     m_gesture = Gesture::None;
     QGraphicsView::mousePressEvent(event);  // the rubber band
+}
+
+JobItemGraphic *JobLayoutView::itemUnder(const QPoint &viewPos) const
+{
+    // The smallest item under the pointer, so that an item inside another's frame (a text inside
+    // its cut outline) can be clicked; the topmost of equal ones.
+    JobItemGraphic *best = nullptr;
+    double bestArea = 0;
+    for (QGraphicsItem *item : items(viewPos)) {
+        auto *g = dynamic_cast<JobItemGraphic *>(item);
+        if (!g)
+            continue;
+        const QRectF rect = g->boundingRect();
+        const double area = rect.width() * rect.height();
+        if (!best || area < bestArea) {
+            best = g;
+            bestArea = area;
+        }
+    }
+    return best;
+}
+
+bool JobLayoutView::selectedUnder(const QPoint &viewPos) const
+{
+    for (QGraphicsItem *item : items(viewPos))
+        if (dynamic_cast<JobItemGraphic *>(item) && item->isSelected())
+            return true;
+    return false;
 }
 
 void JobLayoutView::updateResize(const QPointF &scenePos, bool free)
@@ -221,6 +263,7 @@ void JobLayoutView::mouseReleaseEvent(QMouseEvent *event)
         for (JobItemGraphic *g : m_moving)
             indices.append(g->index());
         m_moving.clear();
+        m_pick = nullptr;
         emit moveRequested(indices, delta.x(), -delta.y());
         return;
     }
@@ -233,13 +276,21 @@ void JobLayoutView::mouseReleaseEvent(QMouseEvent *event)
     }
     m_moving.clear();
     m_resizing = nullptr;
+    if (JobItemGraphic *pick = m_pick) {
+        m_pick = nullptr;
+        QSignalBlocker blocker(m_scene);
+        m_scene->clearSelection();
+        blocker.unblock();
+        pick->setSelected(true);
+        return;
+    }
     if (gesture == Gesture::None)
         QGraphicsView::mouseReleaseEvent(event);
 }
 
 void JobLayoutView::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    if (auto *hit = dynamic_cast<JobItemGraphic *>(itemAt(event->pos()))) {
+    if (JobItemGraphic *hit = itemUnder(event->pos())) {
         emit itemActivated(hit->index());
         event->accept();
         return;

@@ -66,6 +66,9 @@ private:
     // 1 top-right, 2 bottom-right, 3 bottom-left); null when none.
     JobItemGraphic *handleAt(const QPoint &viewPos, int *corner) const;
     QRectF handleRect(const QRectF &sceneRect, int corner) const;
+    // The item a click at `viewPos` means: the smallest one under it.
+    JobItemGraphic *itemUnder(const QPoint &viewPos) const;
+    bool selectedUnder(const QPoint &viewPos) const;
     void updateResize(const QPointF &scenePos, bool free);
 
     JobLayoutScene *m_scene;
@@ -77,11 +80,14 @@ private:
     QList<JobItemGraphic *> m_moving;
     QList<QPointF> m_startPositions;
     JobItemGraphic *m_resizing = nullptr;
+    JobItemGraphic *m_pick = nullptr;  // selected alone on release when the press moved nothing
     int m_corner = 0;
     QRectF m_startRect;  // scene
     QRectF m_newRect;    // scene
     bool m_keepAspect = true;
     bool m_moved = false;
+    bool m_autoFit = false;     // the bed is refitted as the view resizes
+    QTransform m_fitTransform;  // the zoom of the last fit; any other means the user zoomed
 };
 
 #endif

@@ -40,8 +40,10 @@
 #include <QScrollArea>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTimer>
 #include <QToolBar>
+#include <QUndoStack>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -50,8 +52,8 @@
 namespace {
 
 constexpr int MaxRecent = 8;
-constexpr double SvgUnitMm = 25.4 / 96;  // an SVG user unit is a CSS pixel
-constexpr double StartPictureMm = 50;    // a new picture's longer side
+constexpr double PixelMm = 25.4 / 96;  // a traced picture's pixel, at the CSS resolution
+constexpr double StartPictureMm = 50;  // a new picture's longer side
 constexpr double StartQrMm = 30;
 
 QString recentPath()
@@ -59,15 +61,22 @@ QString recentPath()
     return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/recent-jobs.json");
 }
 
+// A millimetre field that never gets narrower than its longest value, when a crowded toolbar
+// squeezes it.
+class MmField : public QDoubleSpinBox
+{
+public:
+    QSize minimumSizeHint() const override { return sizeHint(); }
+};
+
 QDoubleSpinBox *field(double min)
 {
-    auto *box = new QDoubleSpinBox;
+    auto *box = new MmField;
     box->setRange(min, 10000);
     box->setDecimals(2);
     box->setSingleStep(1);
     box->setSuffix(QStringLiteral(" mm"));
     box->setKeyboardTracking(false);
-    box->setMinimumWidth(90);
     box->setSpecialValueText(QStringLiteral("\u2014"));  // shown (at the minimum) while nothing is selected
     return box;
 }
@@ -191,6 +200,16 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
     connect(m_scene, &QGraphicsScene::selectionChanged, this, [this] {
         updateFields();
         updateActions();
+        // The layer panel shows the settings the selected items burn with, when they share a layer.
+        int layer = -1;
+        for (int i : selection()) {
+            const int itemLayer = document().items[size_t(i)].layer;
+            if (layer >= 0 && itemLayer != layer)
+                return;
+            layer = itemLayer;
+        }
+        if (layer >= 0 && layer < int(document().layers.size()) && layer != m_layers->currentLayer())
+            m_layers->setCurrentLayer(layer);
     });
     connect(m_view, &JobLayoutView::moveRequested, this, [this](const QList<int> &items, double dx, double dy) {
         m_model->change(tr("Move"), [&](JobDocument &doc) { JobEdits::moveItems(&doc, items, dx, dy); });
@@ -250,10 +269,16 @@ void JobWindow::buildActions()
     m_saveAs = make(QKeySequence::SaveAs, "actionSaveJobAs");
     m_export = make(QKeySequence(Qt::CTRL + Qt::Key_E), "actionExportJob");
     m_close = make(QKeySequence::Close, "actionCloseJobWindow");
-    m_undo = m_model->undoStack()->createUndoAction(this);
-    m_undo->setShortcut(QKeySequence::Undo);
-    m_redo = m_model->undoStack()->createRedoAction(this);
-    m_redo->setShortcut(QKeySequence::Redo);
+    // Undo and redo name the step in the interface language of the moment (QUndoStack's own
+    // actions keep the words of the language they were made in).
+    m_undo = make(QKeySequence::Undo, "actionUndo");
+    m_redo = make(QKeySequence::Redo, "actionRedo");
+    QUndoStack *stack = m_model->undoStack();
+    connect(m_undo, &QAction::triggered, stack, &QUndoStack::undo);
+    connect(m_redo, &QAction::triggered, stack, &QUndoStack::redo);
+    connect(stack, &QUndoStack::indexChanged, this, &JobWindow::updateUndoTexts);
+    connect(stack, &QUndoStack::undoTextChanged, this, &JobWindow::updateUndoTexts);
+    connect(stack, &QUndoStack::redoTextChanged, this, &JobWindow::updateUndoTexts);
     m_addPicture = make(QKeySequence(), "actionAddPicture");
     m_addSvg = make(QKeySequence(), "actionAddSvg");
     m_addText = make(QKeySequence(Qt::CTRL + Qt::Key_T), "actionAddText");
@@ -276,6 +301,18 @@ void JobWindow::buildActions()
     m_zoomIn = make(QKeySequence::ZoomIn, "actionZoomIn");
     m_zoomOut = make(QKeySequence::ZoomOut, "actionZoomOut");
     m_fit = make(QKeySequence(Qt::CTRL + Qt::Key_0), "actionFitBed");
+    // Keys a desktop may leave unbound (a bare X server binds none for Save as), so they always work.
+    const std::pair<QAction *, QKeySequence> usual[] = {{m_saveAs, QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_S)},
+                                                        {m_close, QKeySequence(Qt::CTRL + Qt::Key_W)},
+                                                        {m_undo, QKeySequence(Qt::CTRL + Qt::Key_Z)},
+                                                        {m_redo, QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z)},
+                                                        {m_delete, QKeySequence(Qt::Key_Delete)},
+                                                        {m_selectAll, QKeySequence(Qt::CTRL + Qt::Key_A)},
+                                                        {m_zoomIn, QKeySequence(Qt::CTRL + Qt::Key_Plus)},
+                                                        {m_zoomOut, QKeySequence(Qt::CTRL + Qt::Key_Minus)}};
+    for (const auto &pair : usual)
+        if (pair.first->shortcut().isEmpty())
+            pair.first->setShortcut(pair.second);
 
     connect(m_new, &QAction::triggered, this, [this] {
         if (maybeSave())
@@ -477,8 +514,7 @@ void JobWindow::retranslateUi()
     m_saveAs->setText(tr("Save as…"));
     m_export->setText(tr("Export job…"));
     m_close->setText(tr("Close"));
-    m_undo->setText(tr("Undo"));
-    m_redo->setText(tr("Redo"));
+    updateUndoTexts();
     m_addPicture->setText(tr("Add picture…"));
     m_addSvg->setText(tr("Add SVG…"));
     m_addText->setText(tr("Add text…"));
@@ -514,11 +550,28 @@ void JobWindow::retranslateUi()
     m_wField->setToolTip(tr("Width"));
     m_hField->setToolTip(tr("Height"));
     m_keepAspect->setText(tr("Keep proportions"));
-    if (auto *dock = findChild<QDockWidget *>(QStringLiteral("layerDock")))
+    showSummary();
+    if (auto *dock = findChild<QDockWidget *>(QStringLiteral("layerDock"))) {
         dock->setWindowTitle(tr("Layers"));
+        // Wide enough for the panel's settings in this language: they scroll up and down only.
+        if (auto *scroll = qobject_cast<QScrollArea *>(dock->widget())) {
+            m_layers->ensurePolished();
+            const int bar = scroll->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, scroll);
+            scroll->setMinimumWidth(m_layers->minimumSizeHint().width() + bar + 2 * scroll->frameWidth());
+        }
+    }
     if (auto *dock = findChild<QDockWidget *>(QStringLiteral("jobPreviewDock")))
         dock->setWindowTitle(tr("Preview"));
     updateTitle();
+}
+
+void JobWindow::updateUndoTexts()
+{
+    const QUndoStack *stack = m_model->undoStack();
+    m_undo->setEnabled(stack->canUndo());
+    m_redo->setEnabled(stack->canRedo());
+    m_undo->setText(stack->canUndo() ? tr("Undo %1").arg(stack->undoText()) : tr("Undo"));
+    m_redo->setText(stack->canRedo() ? tr("Redo %1").arg(stack->redoText()) : tr("Redo"));
 }
 
 void JobWindow::changeEvent(QEvent *event)
@@ -554,7 +607,11 @@ void JobWindow::newJob()
     doc.machine = m_profiles->current();
     m_model->reset(doc);
     m_summary.clear();
+    m_jobSeconds = -1;
     m_summaryLabel->clear();
+    // The preview showed the job that was open before.
+    m_exported.clear();
+    m_preview->clear();
     m_layers->setCurrentLayer(0);
     m_view->fitBed();
 }
@@ -571,11 +628,15 @@ bool JobWindow::openJob(const QString &path)
     }
     m_model->reset(doc, QFileInfo(path).absoluteFilePath());
     m_summary.clear();
+    m_jobSeconds = -1;
     m_summaryLabel->clear();
+    // The preview showed the job that was open before.
+    m_exported.clear();
+    m_preview->clear();
     m_layers->setCurrentLayer(0);
     addRecent(m_model->filePath());
     m_view->fitBed();
-    const QString outside = JobFile::outsideBed(doc);
+    const QString outside = outsideNotice();
     if (!outside.isEmpty())
         statusBar()->showMessage(outside, 8000);
     return true;
@@ -682,11 +743,11 @@ QSizeF JobWindow::startSize(const JobSource &source) const
         return QSizeF();
     switch (source.kind) {
     case SourceKind::Text:
-        break;  // already mm at its em size
     case SourceKind::Svg:
+        break;  // already mm: text at its em size, a drawing at its size on paper
     case SourceKind::Trace:
-        w *= SvgUnitMm;
-        h *= SvgUnitMm;
+        w *= PixelMm;
+        h *= PixelMm;
         break;
     case SourceKind::Picture: {
         const double factor = StartPictureMm / std::max(w, h);
@@ -1010,7 +1071,7 @@ bool JobWindow::exportTo(const QString &path)
 {
     JobExportResult result;
     QString error;
-    const QString outside = JobFile::outsideBed(document());
+    const QString outside = outsideNotice();
     if (!outside.isEmpty()) {
         notice(tr("Nothing was written: %1").arg(outside));
         return false;
@@ -1026,17 +1087,13 @@ bool JobWindow::exportTo(const QString &path)
     }
     m_exported = QFileInfo(path).absoluteFilePath();
     m_summary = JobExport::summary(result);
-    QStringList shown{tr("Estimated time: %1").arg(QString::fromLatin1(JobFormat::duration(result.seconds)))};
+    m_jobSeconds = result.seconds;
+    m_layerTimes.clear();
     for (size_t i = 0; i < result.layers.size(); ++i) {
         const JobEstimate::Layer &layer = result.layers[i];
-        shown << tr("Layer %1 %2: %3 items, burn %4 mm, %5")
-                     .arg(layer.index + 1)
-                     .arg(layer.name)
-                     .arg(result.itemCounts.at(i))
-                     .arg(layer.burnMm, 0, 'f', 1)
-                     .arg(QString::fromLatin1(JobFormat::duration(layer.seconds)));
+        m_layerTimes.append({layer.index, layer.name, result.itemCounts.at(i), layer.burnMm, layer.seconds});
     }
-    m_summaryLabel->setText(shown.join(QLatin1Char('\n')));
+    showSummary();
     m_preview->showFile(m_exported);
     if (auto *dock = findChild<QDockWidget *>(QStringLiteral("jobPreviewDock")))
         dock->raise();
@@ -1046,8 +1103,51 @@ bool JobWindow::exportTo(const QString &path)
     return true;
 }
 
+void JobWindow::showSummary()
+{
+    if (m_jobSeconds < 0) {
+        m_summaryLabel->clear();
+        return;
+    }
+    QStringList shown{tr("Estimated time: %1").arg(QString::fromLatin1(JobFormat::duration(m_jobSeconds)))};
+    for (const LayerTime &layer : qAsConst(m_layerTimes))
+        shown << tr("Layer %1 %2: %3 items, burn %4 mm, %5")
+                     .arg(layer.index + 1)
+                     .arg(layer.name)
+                     .arg(layer.items)
+                     .arg(layer.burnMm, 0, 'f', 1)
+                     .arg(QString::fromLatin1(JobFormat::duration(layer.seconds)));
+    m_summaryLabel->setText(shown.join(QLatin1Char('\n')));
+}
+
+QString JobWindow::outsideNotice() const
+{
+    const JobDocument &doc = document();
+    if (JobFile::outsideBed(doc).isEmpty())
+        return QString();
+    // The engine's check, item by item, to name the first one in the user's words.
+    JobDocument one;
+    one.machine = doc.machine;
+    for (size_t i = 0; i < doc.items.size(); ++i) {
+        one.items = {doc.items[i]};
+        if (JobFile::outsideBed(one).isEmpty())
+            continue;
+        const QString name = doc.items[i].source.name.isEmpty() ? tr("Item %1").arg(i + 1) : doc.items[i].source.name;
+        return tr("%1 lies outside the bed (%2 x %3 mm): move it onto the bed")
+            .arg(name)
+            .arg(doc.machine.bedWidth)
+            .arg(doc.machine.bedHeight);
+    }
+    return JobFile::outsideBed(doc);
+}
+
 bool JobWindow::exportJob()
 {
+    const QString outside = outsideNotice();
+    if (!outside.isEmpty()) {
+        notice(tr("Nothing was written: %1").arg(outside));
+        return false;
+    }
     QString path = m_chooseFile(FileQuestion::ExportGcode, tr("Export job"), tr("G-code (*.gcode)"));
     if (path.isEmpty())
         return false;
@@ -1063,7 +1163,7 @@ bool JobWindow::frameJob()
         notice(tr("The job has nothing to frame"));
         return false;
     }
-    const QString outside = JobFile::outsideBed(document());
+    const QString outside = outsideNotice();
     if (!outside.isEmpty()) {
         notice(tr("Nothing was sent: %1").arg(outside));
         return false;

@@ -12,6 +12,7 @@
 #include <QPointF>
 #include <QRectF>
 #include <QStringList>
+#include <QVector>
 
 #include <functional>
 #include <memory>
@@ -142,6 +143,10 @@ private:
     void updateFields();
     void applyField(int which);
     void updateActions();
+    void updateUndoTexts();
+    void showSummary();
+    // Which item lies outside the bed, in the interface language; empty when every item is on it.
+    QString outsideNotice() const;
     void addRecent(const QString &path);
     void fillRecentMenu();
     void notice(const QString &text);
@@ -158,6 +163,17 @@ private:
     QLabel *m_pointerLabel;
     MachinePanel *m_machine = nullptr;
     QStringList m_summary;
+    // The last export's times, shown in the interface language of the moment.
+    struct LayerTime
+    {
+        int index;
+        QString name;
+        int items;
+        double burnMm;
+        double seconds;
+    };
+    QVector<LayerTime> m_layerTimes;
+    double m_jobSeconds = -1;  // none shown
     QString m_exported;
     bool m_updatingFields = false;
     bool m_closeApproved = false;  // the main window's close already asked about this job

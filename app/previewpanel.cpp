@@ -73,6 +73,21 @@ void PreviewPanel::showFile(const QString &path, bool cnc)
     QTimer::singleShot(0, this, &PreviewPanel::reload);
 }
 
+void PreviewPanel::clear()
+{
+    m_path.clear();
+    ++m_ticket;  // a load under way reports to a ticket nobody waits for
+    m_loading = false;
+    m_failed = false;
+    m_hasSummary = false;
+    m_fitPending = false;
+    ui->progress->hide();
+    ui->view->setPicture(QImage(), PreviewLoader::PxPerMm);
+    ui->view->setOverreach(QRectF());
+    ui->view->fitMachineRect(QRectF());
+    showTexts();
+}
+
 void PreviewPanel::reload()
 {
     if (m_path.isEmpty())

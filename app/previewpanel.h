@@ -38,6 +38,8 @@ public slots:
     // Shows a G-code file; `cnc` colours cuts by depth. Starts after the caller returns, so
     // that a file still being written is complete by then.
     void showFile(const QString &path, bool cnc = false);
+    // Shows no file, as at the start; a file still being read is dropped.
+    void clear();
 
 signals:
     // The file has been read and drawn (or could not be read).

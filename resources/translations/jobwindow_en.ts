@@ -82,6 +82,22 @@
 <context>
     <name>JobWindow</name>
     <message>
+        <source>Undo %1</source>
+        <translation>Undo %1</translation>
+    </message>
+    <message>
+        <source>Redo %1</source>
+        <translation>Redo %1</translation>
+    </message>
+    <message>
+        <source>Item %1</source>
+        <translation>Item %1</translation>
+    </message>
+    <message>
+        <source>%1 lies outside the bed (%2 x %3 mm): move it onto the bed</source>
+        <translation>%1 lies outside the bed (%2 x %3 mm): move it onto the bed</translation>
+    </message>
+    <message>
         <source>Move</source>
         <translation>Move</translation>
     </message>

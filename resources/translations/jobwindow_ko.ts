@@ -82,6 +82,22 @@
 <context>
     <name>JobWindow</name>
     <message>
+        <source>Undo %1</source>
+        <translation>실행 취소: %1</translation>
+    </message>
+    <message>
+        <source>Redo %1</source>
+        <translation>다시 실행: %1</translation>
+    </message>
+    <message>
+        <source>Item %1</source>
+        <translation>항목 %1</translation>
+    </message>
+    <message>
+        <source>%1 lies outside the bed (%2 x %3 mm): move it onto the bed</source>
+        <translation>%1이(가) 작업대(%2 x %3 mm)를 벗어났습니다: 작업대 안으로 옮기십시오</translation>
+    </message>
+    <message>
         <source>Move</source>
         <translation>이동</translation>
     </message>

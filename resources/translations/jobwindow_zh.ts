@@ -82,6 +82,22 @@
 <context>
     <name>JobWindow</name>
     <message>
+        <source>Undo %1</source>
+        <translation>撤销 %1</translation>
+    </message>
+    <message>
+        <source>Redo %1</source>
+        <translation>重做 %1</translation>
+    </message>
+    <message>
+        <source>Item %1</source>
+        <translation>项目 %1</translation>
+    </message>
+    <message>
+        <source>%1 lies outside the bed (%2 x %3 mm): move it onto the bed</source>
+        <translation>%1 超出工作台（%2 x %3 mm）：请把它移到工作台上</translation>
+    </message>
+    <message>
         <source>Move</source>
         <translation>移动</translation>
     </message>
