@@ -774,10 +774,14 @@ int JobWindow::addItem(const JobItem &item, const QString &undoText)
     const int layer = m_layers->currentLayer();
     const JobLayer *current =
         layer >= 0 && layer < int(document().layers.size()) ? &document().layers[size_t(layer)] : nullptr;
-    // The selected layer takes the item when it suits it: pictures on image layers, outlines anywhere.
+    // The selected layer takes the item when it suits it: pictures and QR codes on image layers, drawings,
+    // text and traced outlines on fill and line layers. Otherwise the item brings a new layer that suits it.
     const bool picture = item.source.kind == SourceKind::Picture || item.source.kind == SourceKind::Qr;
-    const bool suits = current && (!picture || current->operation == Operation::Image);
-    m_model->change(undoText, [&](JobDocument &doc) { index = JobEdits::addItem(&doc, item, suits ? layer : -1); });
+    const bool suits = current && (current->operation == Operation::Image) == picture;
+    m_model->change(undoText, [&](JobDocument &doc) {
+        const int target = suits ? layer : JobEdits::addLayer(&doc, JobEdits::operationFor(item.source.kind));
+        index = JobEdits::addItem(&doc, item, target);
+    });
     if (index >= 0) {
         setSelection({index});
         m_layers->setCurrentLayer(document().items[size_t(index)].layer);

@@ -76,7 +76,7 @@ public:
     bool maybeSave();
     QStringList recentFiles() const;
 
-    // ---- Items. New items go to the selected layer when it suits them, else to a layer that does.
+    // ---- Items. New items go to the selected layer when it suits them, else to a new layer that does.
     // A picture or SVG file, centred on `at` (machine mm) or on the bed.
     bool addFile(const QString &path, const QPointF *at = nullptr);
     bool addText();

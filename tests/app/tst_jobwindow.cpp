@@ -107,7 +107,9 @@ bool addKind(Rig &rig, SourceKind kind, const QString &folder)
         rig.nextSource.text = QStringLiteral("https://example.org/42");
         return rig.window.addQr();
     case SourceKind::Trace:
-        break;
+        return rig.window.addFromCanvas(SourceKind::Trace, QStringLiteral("traced"), picturePng(),
+                                        QRectF(75, 95, 20, 10))
+               >= 0;
     }
     return false;
 }
@@ -136,6 +138,8 @@ private slots:
     void doubleClickEditsText_data();
     void doubleClickEditsText();
     void picturesStayOnImageLayers();
+    void newItemLayer_data();
+    void newItemLayer();
     void saveOpenAndTitle();
     void openFailureChangesNothing_data();
     void openFailureChangesNothing();
@@ -590,6 +594,57 @@ void TestJobWindow::picturesStayOnImageLayers()
     QVERIFY2(rig.notices[0].contains(QLatin1String("photo.png")), qPrintable(rig.notices[0]));
 }
 
+void TestJobWindow::newItemLayer_data()
+{
+    // The job has an image layer 0, a fill layer 1 and a line layer 2; layer 3 is one the item brings.
+    QTest::addColumn<int>("selected");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("layer");
+    QTest::addColumn<int>("operation");
+    // clang-format off
+    QTest::newRow("picture on image")  << 0 << int(SourceKind::Picture) << 0 << int(Operation::Image);
+    QTest::newRow("picture on fill")   << 1 << int(SourceKind::Picture) << 3 << int(Operation::Image);
+    QTest::newRow("picture on line")   << 2 << int(SourceKind::Picture) << 3 << int(Operation::Image);
+    QTest::newRow("qr on image")       << 0 << int(SourceKind::Qr)      << 0 << int(Operation::Image);
+    QTest::newRow("qr on fill")        << 1 << int(SourceKind::Qr)      << 3 << int(Operation::Image);
+    QTest::newRow("svg on image")      << 0 << int(SourceKind::Svg)     << 3 << int(Operation::Line);
+    QTest::newRow("svg on fill")       << 1 << int(SourceKind::Svg)     << 1 << int(Operation::Fill);
+    QTest::newRow("svg on line")       << 2 << int(SourceKind::Svg)     << 2 << int(Operation::Line);
+    QTest::newRow("text on image")     << 0 << int(SourceKind::Text)    << 3 << int(Operation::Line);
+    QTest::newRow("text on fill")      << 1 << int(SourceKind::Text)    << 1 << int(Operation::Fill);
+    QTest::newRow("text on line")      << 2 << int(SourceKind::Text)    << 2 << int(Operation::Line);
+    QTest::newRow("traced on image")   << 0 << int(SourceKind::Trace)   << 3 << int(Operation::Line);
+    QTest::newRow("traced on fill")    << 1 << int(SourceKind::Trace)   << 1 << int(Operation::Fill);
+    QTest::newRow("traced on line")    << 2 << int(SourceKind::Trace)   << 2 << int(Operation::Line);
+    // clang-format on
+}
+
+void TestJobWindow::newItemLayer()
+{
+    QFETCH(int, selected);
+    QFETCH(int, kind);
+    QFETCH(int, layer);
+    QFETCH(int, operation);
+    ScopedWorkDir dir;
+    Rig rig;
+    JobDocument start;
+    for (Operation op : {Operation::Image, Operation::Fill, Operation::Line})
+        JobEdits::addLayer(&start, op);
+    rig.window.model()->reset(start);
+    rig.window.layerPanel()->setCurrentLayer(selected);
+    QVERIFY(addKind(rig, SourceKind(kind), dir.path()));
+    QCOMPARE(rig.doc().items.size(), size_t(1));
+    QCOMPARE(rig.doc().items[0].layer, layer);
+    QCOMPARE(int(rig.doc().layers.size()), std::max(3, layer + 1));
+    QCOMPARE(int(rig.doc().layers[size_t(layer)].operation), operation);
+    // The layer panel follows the item to its layer.
+    QCOMPARE(rig.window.layerPanel()->currentLayer(), layer);
+    // The item and a layer it brought are one undo step.
+    QCOMPARE(rig.undo()->count(), 1);
+    rig.undo()->undo();
+    QVERIFY(rig.doc() == start);
+}
+
 void TestJobWindow::saveOpenAndTitle()
 {
     ScopedWorkDir dir;
@@ -697,11 +752,12 @@ void TestJobWindow::exportMatchesTool()
     Rig rig;
     QVERIFY(addKind(rig, SourceKind::Picture, dir.path()));
     QVERIFY(addKind(rig, SourceKind::Text, dir.path()));
-    // The text went onto the picture's layer, which was selected; it gets a fill layer of its own.
-    QCOMPARE(rig.doc().layers.size(), size_t(1));
+    // The picture's image layer was selected, so the text brought a line layer of its own; it is made a
+    // fill layer.
+    QCOMPARE(rig.doc().layers.size(), size_t(2));
+    QCOMPARE(rig.doc().items[1].layer, 1);
     rig.window.model()->change(QStringLiteral("fill"), [](JobDocument &doc) {
-        const int fill = JobEdits::addLayer(&doc, Operation::Fill);
-        JobEdits::moveItemsToLayer(&doc, {1}, fill);
+        doc.layers[1].operation = Operation::Fill;
         doc.layers[1].fill.interval = 0.5;
         doc.layers[0].image.interval = 0.5;
     });
