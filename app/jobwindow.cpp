@@ -3,6 +3,7 @@
 
 #include "configfile.h"
 
+#include "jobdialect.h"
 #include "jobedits.h"
 #include "jobexport.h"
 #include "jobfile.h"
@@ -81,6 +82,18 @@ QDoubleSpinBox *field(double min)
     return box;
 }
 
+// The machine the preview reads the job's G-code for: the profile's bed, motion and full power.
+PreviewMachine previewMachine(const MachineProfile &profile)
+{
+    PreviewMachine machine;
+    machine.areaWidth = profile.bedWidth;
+    machine.areaHeight = profile.bedHeight;
+    machine.acceleration = profile.acceleration;
+    machine.travelSpeed = profile.travelSpeed;
+    machine.fullScale = JobDialect::fullScale(profile);
+    return machine;
+}
+
 }  // namespace
 
 JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
@@ -113,10 +126,10 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
     m_summaryLabel->setWordWrap(true);
     m_summaryLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_preview = new PreviewPanel;
-    // The panel's own figures time the file by the classic generators' rule; the job's times come from
-    // the job engine and are shown above it.
-    if (auto *figures = m_preview->findChild<QLabel *>(QStringLiteral("labelFigures")))
-        figures->hide();
+    // The preview reads files for the job's machine, so its time is the engine's estimate; it writes it
+    // as the job's times above it are written.
+    m_preview->setMachine(previewMachine(MachineProfile()));
+    m_preview->setTimeText([](double seconds) { return QString::fromLatin1(JobFormat::duration(seconds)); });
     previewLayout->addWidget(m_summaryLabel);
     previewLayout->addWidget(m_preview, 1);
     auto *previewDock = new QDockWidget(this);
@@ -194,6 +207,10 @@ JobWindow::JobWindow(QWidget *parent) : QMainWindow(parent)
         m_scene->setDocument(m_model->document());
         updateFields();
         updateActions();
+        // An empty preview shows the bed of the job's machine; an exported file keeps the machine it was
+        // written for.
+        if (m_exported.isEmpty())
+            m_preview->setMachine(previewMachine(document().machine));
     });
     connect(m_model, &JobModel::modifiedChanged, this, &JobWindow::updateTitle);
     connect(m_model, &JobModel::filePathChanged, this, &JobWindow::updateTitle);
@@ -612,6 +629,7 @@ void JobWindow::newJob()
     // The preview showed the job that was open before.
     m_exported.clear();
     m_preview->clear();
+    m_preview->setMachine(previewMachine(document().machine));
     m_layers->setCurrentLayer(0);
     m_view->fitBed();
 }
@@ -633,6 +651,7 @@ bool JobWindow::openJob(const QString &path)
     // The preview showed the job that was open before.
     m_exported.clear();
     m_preview->clear();
+    m_preview->setMachine(previewMachine(document().machine));
     m_layers->setCurrentLayer(0);
     addRecent(m_model->filePath());
     m_view->fitBed();
@@ -1098,6 +1117,8 @@ bool JobWindow::exportTo(const QString &path)
         m_layerTimes.append({layer.index, layer.name, result.itemCounts.at(i), layer.burnMm, layer.seconds});
     }
     showSummary();
+    m_preview->clear();
+    m_preview->setMachine(previewMachine(document().machine));
     m_preview->showFile(m_exported);
     if (auto *dock = findChild<QDockWidget *>(QStringLiteral("jobPreviewDock")))
         dock->raise();

@@ -6,7 +6,23 @@
 
 #include <QFile>
 
-void PreviewLoader::load(int ticket, const QString &path, bool travel, bool depth)
+#include <cmath>
+
+bool PreviewMachine::operator==(const PreviewMachine &o) const
+{
+    return areaWidth == o.areaWidth && areaHeight == o.areaHeight && acceleration == o.acceleration
+           && travelSpeed == o.travelSpeed && fullScale == o.fullScale;
+}
+
+double PreviewLoader::pxPerMmFor(double areaWidth, double areaHeight)
+{
+    const double area = areaWidth * areaHeight;
+    if (!(area > 0) || area * PxPerMm * PxPerMm <= MaxPixels)
+        return PxPerMm;
+    return std::sqrt(MaxPixels / area);
+}
+
+void PreviewLoader::load(int ticket, const QString &path, bool travel, bool depth, const PreviewMachine &machine)
 {
     if (ticket != m_wanted)
         return;
@@ -15,10 +31,13 @@ void PreviewLoader::load(int ticket, const QString &path, bool travel, bool dept
         emit failed(ticket, path);
         return;
     }
-    ToolpathRenderer renderer(PxPerMm);
+    ToolpathRenderer renderer(pxPerMmFor(machine.areaWidth, machine.areaHeight), machine.areaWidth, machine.areaHeight);
     renderer.setShowTravel(travel);
     renderer.setDepthColours(depth);
     GcodeInterpreter interpreter;
+    interpreter.setWorkArea(machine.areaWidth, machine.areaHeight);
+    interpreter.setMotion(machine.acceleration, machine.travelSpeed);
+    interpreter.setSpindleFullScale(machine.fullScale);
     interpreter.setMoveHandler([&renderer](const ToolpathMove &m) { renderer.addMove(m); });
     int shown = -1;
     interpreter.setProgressHandler([this, ticket, &shown](qint64 done, qint64 total) {

@@ -4,7 +4,6 @@
 #include "ui_previewpanel.h"
 
 #include "estimatedtime.h"
-#include "previewloader.h"
 #include "toolpathreport.h"
 
 #include <QDir>
@@ -35,7 +34,7 @@ PreviewPanel::PreviewPanel(QWidget *parent) : QWidget(parent), ui(new Ui::Previe
     connect(m_loader, &PreviewLoader::loaded, this, &PreviewPanel::loaderFinished);
     connect(m_loader, &PreviewLoader::failed, this, &PreviewPanel::loaderFailed);
     m_thread.start();
-    ui->view->setPicture(QImage(), PreviewLoader::PxPerMm);
+    ui->view->setPicture(QImage(), pxPerMm());
     showTexts();
 }
 
@@ -61,6 +60,24 @@ PreviewPanel *PreviewPanel::addTo(QMainWindow *window)
     return panel;
 }
 
+void PreviewPanel::setMachine(const PreviewMachine &machine)
+{
+    if (machine == m_machine)
+        return;
+    m_machine = machine;
+    ui->view->setWorkArea(machine.areaWidth, machine.areaHeight);
+    if (m_path.isEmpty())
+        return;
+    m_fitPending = true;
+    reload();
+}
+
+void PreviewPanel::setTimeText(TimeText text)
+{
+    m_timeText = std::move(text);
+    showTexts();
+}
+
 void PreviewPanel::showFile(const QString &path, bool cnc)
 {
     m_path = path;
@@ -82,7 +99,7 @@ void PreviewPanel::clear()
     m_hasSummary = false;
     m_fitPending = false;
     ui->progress->hide();
-    ui->view->setPicture(QImage(), PreviewLoader::PxPerMm);
+    ui->view->setPicture(QImage(), pxPerMm());
     ui->view->setOverreach(QRectF());
     ui->view->fitMachineRect(QRectF());
     showTexts();
@@ -101,9 +118,10 @@ void PreviewPanel::reload()
     const QString path = m_path;
     const bool travel = ui->checkTravel->isChecked();
     const bool depth = ui->checkDepth->isChecked();
+    const PreviewMachine machine = m_machine;
     PreviewLoader *loader = m_loader;
     QMetaObject::invokeMethod(
-        loader, [loader, ticket, path, travel, depth] { loader->load(ticket, path, travel, depth); },
+        loader, [loader, ticket, path, travel, depth, machine] { loader->load(ticket, path, travel, depth, machine); },
         Qt::QueuedConnection);
     showTexts();
 }
@@ -121,9 +139,9 @@ void PreviewPanel::on_btnFit_clicked()
 {
     const ToolpathSummary &s = m_summary;
     if (m_hasSummary && s.hasExtent && s.burnMovesOutside + s.travelMovesOutside > 0)
-        ui->view->fitMachineRect(QRectF(QPointF(std::min({s.minX, s.outMinX, 0.0}), std::min({s.minY, s.outMinY, 0.0})),
-                                        QPointF(std::max({s.maxX, s.outMaxX, GcodeInterpreter::WorkAreaWidth}),
-                                                std::max({s.maxY, s.outMaxY, GcodeInterpreter::WorkAreaHeight}))));
+        ui->view->fitMachineRect(
+            QRectF(QPointF(std::min({s.minX, s.outMinX, 0.0}), std::min({s.minY, s.outMinY, 0.0})),
+                   QPointF(std::max({s.maxX, s.outMaxX, s.areaWidth}), std::max({s.maxY, s.outMaxY, s.areaHeight}))));
     else if (m_hasSummary && s.hasExtent)
         ui->view->fitMachineRect(QRectF(QPointF(s.minX, s.minY), QPointF(s.maxX, s.maxY)));
     else
@@ -148,7 +166,7 @@ void PreviewPanel::loaderFinished(int ticket, const QImage &picture, const Toolp
     ui->progress->hide();
     m_summary = summary;
     m_hasSummary = true;
-    ui->view->setPicture(picture, PreviewLoader::PxPerMm);
+    ui->view->setPicture(picture, pxPerMm());
     // Where the job goes beyond the area: the box of everything that lies outside it.
     if (summary.burnMovesOutside + summary.travelMovesOutside > 0)
         ui->view->setOverreach(
@@ -171,7 +189,7 @@ void PreviewPanel::loaderFailed(int ticket, const QString &)
     m_failed = true;
     m_hasSummary = false;
     ui->progress->hide();
-    ui->view->setPicture(QImage(), PreviewLoader::PxPerMm);
+    ui->view->setPicture(QImage(), pxPerMm());
     ui->view->setOverreach(QRectF());
     showTexts();
     emit shown();
@@ -190,7 +208,7 @@ QString PreviewPanel::figuresText() const
     QString text = tr("Lines: %1   Burn moves: %2   Extent: %3   Estimated time: %4")
                        .arg(s.lines)
                        .arg(s.burnMoves)
-                       .arg(extent, EstimatedTimeText(float(s.seconds)));
+                       .arg(extent, m_timeText ? m_timeText(s.seconds) : EstimatedTimeText(float(s.seconds)));
     if (ui->checkDepth->isChecked() && s.burnMoves > 0)
         text += QLatin1Char('\n')
                 + tr("Cuts from Z %1 mm (orange) down to Z %2 mm (blue)")
@@ -207,8 +225,9 @@ QString PreviewPanel::warningsText() const
     const ToolpathSummary &s = m_summary;
     QStringList warnings;
     if (s.burnMovesOutside + s.travelMovesOutside > 0)
-        warnings << tr("Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel "
-                       "moves go beyond it (%3). The machine cannot reach that part, and it is not drawn.")
+        warnings << tr("Part of the job lies outside the %1 x %2 mm work area: %3 burn moves and %4 travel "
+                       "moves go beyond it (%5). The machine cannot reach that part, and it is not drawn.")
+                        .arg(ToolpathReport::millimetres(s.areaWidth), ToolpathReport::millimetres(s.areaHeight))
                         .arg(s.burnMovesOutside)
                         .arg(s.travelMovesOutside)
                         .arg(reachText());
@@ -233,11 +252,11 @@ QString PreviewPanel::reachText() const
     QStringList sides;
     if (s.outMinX < 0)
         sides << tr("X down to %1 mm").arg(ToolpathReport::millimetres(s.outMinX));
-    if (s.outMaxX > GcodeInterpreter::WorkAreaWidth)
+    if (s.outMaxX > s.areaWidth)
         sides << tr("X up to %1 mm").arg(ToolpathReport::millimetres(s.outMaxX));
     if (s.outMinY < 0)
         sides << tr("Y down to %1 mm").arg(ToolpathReport::millimetres(s.outMinY));
-    if (s.outMaxY > GcodeInterpreter::WorkAreaHeight)
+    if (s.outMaxY > s.areaHeight)
         sides << tr("Y up to %1 mm").arg(ToolpathReport::millimetres(s.outMaxY));
     return sides.join(tr(", "));
 }

@@ -4,13 +4,15 @@
 #define PREVIEWPANEL_H
 
 #include "gcodeinterpreter.h"
+#include "previewloader.h"
 
 #include <QImage>
 #include <QString>
 #include <QThread>
 #include <QWidget>
 
-class PreviewLoader;
+#include <functional>
+
 class QMainWindow;
 
 namespace Ui {
@@ -27,6 +29,14 @@ public:
 
     // Puts a panel into a dock at the right of `window` and returns it.
     static PreviewPanel *addTo(QMainWindow *window);
+
+    // The machine files are read for: work area, motion and full power (the classic machine's
+    // unless told otherwise). A file on show is read again for a new one.
+    void setMachine(const PreviewMachine &machine);
+    const PreviewMachine &machine() const { return m_machine; }
+    // How the figures write the estimated time; by default as the main window's time label does.
+    using TimeText = std::function<QString(double seconds)>;
+    void setTimeText(TimeText text);
 
     QString file() const { return m_path; }
     const ToolpathSummary &summary() const { return m_summary; }
@@ -61,11 +71,14 @@ private:
     void reload();
     void showTexts();
     QString reachText() const;
+    double pxPerMm() const { return PreviewLoader::pxPerMmFor(m_machine.areaWidth, m_machine.areaHeight); }
 
     Ui::PreviewPanel *ui;
     QThread m_thread;
     PreviewLoader *m_loader;
     QString m_path;
+    PreviewMachine m_machine;
+    TimeText m_timeText;
     ToolpathSummary m_summary;
     bool m_hasSummary = false;
     bool m_failed = false;

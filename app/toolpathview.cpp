@@ -1,4 +1,4 @@
-// The work area as a graphics scene in millimetres, scene Y downwards: machine Y = 200 - y.
+// The work area as a graphics scene in millimetres, scene Y downwards: machine Y = height - y.
 // The job picture lies over a light grid; labels keep their size at every zoom.
 #include "toolpathview.h"
 
@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr double AreaWidth = WorkArea::Width;
-constexpr double AreaHeight = WorkArea::Height;
 constexpr double GridStep = 10;   // mm
 constexpr double LabelStep = 50;  // mm
 constexpr double Margin = 12;     // mm of room around the area for the labels
@@ -40,43 +38,67 @@ QGraphicsSimpleTextItem *label(QGraphicsScene *scene, const QString &text, QPoin
 
 }  // namespace
 
-ToolpathView::ToolpathView(QWidget *parent) : QGraphicsView(parent)
+ToolpathView::ToolpathView(QWidget *parent)
+    : QGraphicsView(parent), m_areaWidth(WorkArea::Width), m_areaHeight(WorkArea::Height)
 {
     auto *scene = new QGraphicsScene(this);
-    scene->setSceneRect(-Margin, -Margin, AreaWidth + 2 * Margin, AreaHeight + 2 * Margin);
     scene->setBackgroundBrush(QColor(214, 214, 214));
-    scene->addRect(0, 0, AreaWidth, AreaHeight, Qt::NoPen, Qt::white);
+    setScene(scene);
+    buildArea();
+    setDragMode(QGraphicsView::ScrollHandDrag);
+    setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
+    setRenderHint(QPainter::SmoothPixmapTransform);
+}
+
+void ToolpathView::setWorkArea(double width, double height)
+{
+    if (!(width > 0) || !(height > 0) || (width == m_areaWidth && height == m_areaHeight))
+        return;
+    m_areaWidth = width;
+    m_areaHeight = height;
+    scene()->clear();
+    m_labels.clear();
+    m_full = QImage();
+    m_level = -1;
+    buildArea();
+    m_fit = QRectF();
+    m_autoFit = true;
+    applyFit();
+}
+
+void ToolpathView::buildArea()
+{
+    const double width = m_areaWidth, height = m_areaHeight;
+    QGraphicsScene *scene = this->scene();
+    scene->setSceneRect(-Margin, -Margin, width + 2 * Margin, height + 2 * Margin);
+    scene->addRect(0, 0, width, height, Qt::NoPen, Qt::white);
     QPen grid(QColor(225, 232, 240));
     grid.setCosmetic(true);
-    for (double x = GridStep; x < AreaWidth; x += GridStep)
-        scene->addLine(x, 0, x, AreaHeight, grid);
-    for (double y = GridStep; y < AreaHeight; y += GridStep)
-        scene->addLine(0, AreaHeight - y, AreaWidth, AreaHeight - y, grid);
+    for (double x = GridStep; x < width; x += GridStep)
+        scene->addLine(x, 0, x, height, grid);
+    for (double y = GridStep; y < height; y += GridStep)
+        scene->addLine(0, height - y, width, height - y, grid);
     m_picture = scene->addPixmap(QPixmap());
     m_picture->setTransformationMode(Qt::SmoothTransformation);
     QPen outline(QColor(60, 60, 60));
     outline.setCosmetic(true);
-    scene->addRect(0, 0, AreaWidth, AreaHeight, outline);
+    scene->addRect(0, 0, width, height, outline);
     // Machine origin: bottom left.
     QPen origin(QColor(200, 40, 40));
     origin.setCosmetic(true);
     origin.setWidth(2);
-    scene->addLine(0, AreaHeight, 8, AreaHeight, origin);
-    scene->addLine(0, AreaHeight, 0, AreaHeight - 8, origin);
+    scene->addLine(0, height, 8, height, origin);
+    scene->addLine(0, height, 0, height - 8, origin);
     // The last step's label would crowd the area's width.
     QPen overreach(QColor(220, 40, 40), 2, Qt::DashLine);
     overreach.setCosmetic(true);
     m_overreach = scene->addRect(QRectF(), overreach);
     m_overreach->hide();
-    for (double x = 0; x <= AreaWidth - LabelStep / 2; x += LabelStep)
-        m_labels << label(scene, QString::number(x), QPointF(x, AreaHeight), false);
-    m_labels << label(scene, QString::number(AreaWidth), QPointF(AreaWidth, AreaHeight), false);
-    for (double y = LabelStep; y <= AreaHeight; y += LabelStep)
-        m_labels << label(scene, QString::number(y), QPointF(0, AreaHeight - y), true);
-    setScene(scene);
-    setDragMode(QGraphicsView::ScrollHandDrag);
-    setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
-    setRenderHint(QPainter::SmoothPixmapTransform);
+    for (double x = 0; x <= width - LabelStep / 2; x += LabelStep)
+        m_labels << label(scene, QString::number(x), QPointF(x, height), false);
+    m_labels << label(scene, QString::number(width), QPointF(width, height), false);
+    for (double y = LabelStep; y <= height; y += LabelStep)
+        m_labels << label(scene, QString::number(y), QPointF(0, height - y), true);
 }
 
 void ToolpathView::setPicture(const QImage &picture, double pxPerMm)
@@ -119,14 +141,14 @@ void ToolpathView::updateDetail()
 
 void ToolpathView::setOverreach(const QRectF &machine)
 {
-    const QRectF area(-Margin, -Margin, AreaWidth + 2 * Margin, AreaHeight + 2 * Margin);
+    const QRectF area = areaRect().adjusted(-Margin, -Margin, Margin, Margin);
     if (machine.isNull()) {
         m_overreach->hide();
         scene()->setSceneRect(area);
         updateScrollRange(mapToScene(viewport()->rect()).boundingRect());
         return;
     }
-    const QRectF box(machine.left(), AreaHeight - machine.bottom(), machine.width(), machine.height());
+    const QRectF box(machine.left(), m_areaHeight - machine.bottom(), machine.width(), machine.height());
     m_overreach->setRect(box);
     m_overreach->show();
     updateScrollRange(mapToScene(viewport()->rect()).boundingRect());
@@ -137,9 +159,9 @@ void ToolpathView::setOverreach(const QRectF &machine)
 void ToolpathView::fitMachineRect(const QRectF &machine)
 {
     // The whole area needs no room of its own: the labels' room is added in pixels.
-    m_fit = QRectF(0, 0, AreaWidth, AreaHeight);
+    m_fit = areaRect();
     if (machine.isValid() || machine.width() > 0 || machine.height() > 0) {
-        const QRectF scene(machine.left(), AreaHeight - machine.bottom(), machine.width(), machine.height());
+        const QRectF scene(machine.left(), m_areaHeight - machine.bottom(), machine.width(), machine.height());
         // Some room around the job, and never closer than a few millimetres.
         const double room = std::max(2.0, 0.05 * std::max(scene.width(), scene.height()));
         m_fit = scene.adjusted(-room, -room, room, room);
@@ -169,9 +191,8 @@ QMarginsF ToolpathView::labelRoom(const QRectF &rect) const
 void ToolpathView::updateScrollRange(const QRectF &visible)
 {
     const double z = zoom();
-    const QMarginsF room = labelRoom(QRectF(0, 0, AreaWidth, AreaHeight));
-    QRectF range = QRectF(0, 0, AreaWidth, AreaHeight)
-                       .adjusted(-room.left() / z, -room.top() / z, room.right() / z, room.bottom() / z);
+    const QMarginsF room = labelRoom(areaRect());
+    QRectF range = areaRect().adjusted(-room.left() / z, -room.top() / z, room.right() / z, room.bottom() / z);
     if (m_overreach->isVisible())
         range |= m_overreach->rect().adjusted(-Margin, -Margin, Margin, Margin);
     setSceneRect(range | visible);
@@ -180,7 +201,7 @@ void ToolpathView::updateScrollRange(const QRectF &visible)
 void ToolpathView::applyFit()
 {
     if (m_fit.isEmpty())
-        m_fit = QRectF(0, 0, AreaWidth, AreaHeight);
+        m_fit = areaRect();
     const QMarginsF room = labelRoom(m_fit) + QMarginsF(FitPadding, FitPadding, FitPadding, FitPadding);
     // Sized for a viewport without scroll bars; when the fit still calls for them, their
     // arrival resizes the viewport and the fit runs again on the smaller one.

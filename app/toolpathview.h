@@ -1,5 +1,5 @@
-// The preview's drawing: the work area in millimetres with its origin at the bottom left,
-// a light 10 mm grid and the rendered job; zoom with the wheel, pan by dragging, fit.
+// The preview's drawing: the work area in millimetres (170 x 200 unless told otherwise) with its
+// origin at the bottom left, a light 10 mm grid and the rendered job; zoom, pan by dragging, fit.
 #ifndef TOOLPATHVIEW_H
 #define TOOLPATHVIEW_H
 
@@ -8,6 +8,7 @@
 #include <QList>
 #include <QMarginsF>
 #include <QRectF>
+#include <QSizeF>
 
 class QGraphicsPixmapItem;
 class QGraphicsRectItem;
@@ -19,8 +20,13 @@ class ToolpathView : public QGraphicsView
 public:
     explicit ToolpathView(QWidget *parent = nullptr);
 
+    // The work area in mm; the picture, the outline of an overreach and the fit are dropped.
+    void setWorkArea(double width, double height);
+    QSizeF workArea() const { return QSizeF(m_areaWidth, m_areaHeight); }
     // The job drawn at `pxPerMm` over the whole work area; white shows the grid through.
     void setPicture(const QImage &picture, double pxPerMm);
+    // The picture as shown at full detail: premultiplied, clear where nothing burns.
+    QImage picture() const { return m_full; }
     // Fits the view to a rectangle in machine millimetres (Y up); an empty one fits the area.
     void fitMachineRect(const QRectF &machine);
     double zoom() const { return transform().m11(); }
@@ -34,6 +40,9 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    // Puts the area, its grid, outline, origin and labels into the scene.
+    void buildArea();
+    QRectF areaRect() const { return QRectF(0, 0, m_areaWidth, m_areaHeight); }
     void applyFit();
     // Room in screen pixels that the labels of the work area need beyond `rect`'s edges.
     QMarginsF labelRoom(const QRectF &rect) const;
@@ -47,6 +56,8 @@ private:
     QGraphicsRectItem *m_overreach = nullptr;
     QList<QGraphicsItem *> m_labels;
     QImage m_full;
+    double m_areaWidth;
+    double m_areaHeight;
     double m_pxPerMm = 1;
     int m_level = -1;
     QRectF m_fit;           // scene rectangle to fit

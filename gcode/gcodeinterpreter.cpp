@@ -77,6 +77,8 @@ bool isSpindleLine(const GcodeTokenizer::Word *words, int count, int code)
 void GcodeInterpreter::reset()
 {
     m_sum = ToolpathSummary();
+    m_sum.areaWidth = m_areaWidth;
+    m_sum.areaHeight = m_areaHeight;
     m_fullScale = m_toldFullScale;
     m_scannedAhead = m_toldFullScale > 0;
     m_x = m_y = m_z = 0;
@@ -534,7 +536,7 @@ void GcodeInterpreter::countMove(const ToolpathMove &move)
         m_cutZ.add(zLow, 0, zLow, 0);
     }
     const bool outside =
-        x0 < -EdgeSlack || y0 < -EdgeSlack || x1 > WorkAreaWidth + EdgeSlack || y1 > WorkAreaHeight + EdgeSlack;
+        x0 < -EdgeSlack || y0 < -EdgeSlack || x1 > m_areaWidth + EdgeSlack || y1 > m_areaHeight + EdgeSlack;
     if (outside && m_outLine != m_lineNumber) {
         // One count per line, however many chords an arc is cut into.
         m_outLine = m_lineNumber;
@@ -565,8 +567,8 @@ void GcodeInterpreter::addOutsidePart(const ToolpathMove &move)
             leave = std::min(leave, t);
         return enter <= leave;
     };
-    const bool crosses = clip(-dx, move.x0) && clip(dx, WorkAreaWidth - move.x0) && clip(-dy, move.y0)
-                         && clip(dy, WorkAreaHeight - move.y0);
+    const bool crosses =
+        clip(-dx, move.x0) && clip(dx, m_areaWidth - move.x0) && clip(-dy, move.y0) && clip(dy, m_areaHeight - move.y0);
     auto at = [&move, dx, dy](double t) { return std::make_pair(move.x0 + t * dx, move.y0 + t * dy); };
     auto add = [this](std::pair<double, double> a, std::pair<double, double> b) {
         m_outBox.add(std::min(a.first, b.first), std::min(a.second, b.second), std::max(a.first, b.first),

@@ -38,7 +38,10 @@ struct ToolpathSummary
     // Bounds of what burns; of every move when nothing burns. Empty: no move at all.
     bool hasExtent = false;
     double minX = 0, maxX = 0, minY = 0, maxY = 0;
-    // Moves that leave the 170 x 200 mm work area, and the box of their parts outside it.
+    // The work area the file was read against (mm, origin bottom left), the moves that leave
+    // it, and the box of their parts outside it.
+    double areaWidth = WorkArea::Width;
+    double areaHeight = WorkArea::Height;
     qint64 burnMovesOutside = 0;
     qint64 travelMovesOutside = 0;
     double outMinX = 0, outMaxX = 0, outMinY = 0, outMaxY = 0;
@@ -69,6 +72,13 @@ public:
     {
         m_acceleration = acceleration;
         m_travelSpeed = travelSpeed;
+    }
+    // The machine's work area in mm (origin bottom left); moves beyond it are counted as outside.
+    // Default: the classic 170 x 200 mm.
+    void setWorkArea(double width, double height)
+    {
+        m_areaWidth = width;
+        m_areaHeight = height;
     }
     void setMoveHandler(MoveHandler handler) { m_onMove = std::move(handler); }
     void setProgressHandler(ProgressHandler handler) { m_onProgress = std::move(handler); }
@@ -161,6 +171,8 @@ private:
     bool m_pointArmed = false;
     float m_clockSum = 0;         // single precision, as the exports add it up
     double m_genericSeconds = 0;  // dwells
+    double m_areaWidth = WorkAreaWidth;
+    double m_areaHeight = WorkAreaHeight;
     double m_acceleration = MotionModel::DefaultAcceleration;
     double m_travelSpeed = MotionModel::DefaultTravelSpeed;
     MotionModel::RunClock m_runClock{MotionModel::DefaultAcceleration};

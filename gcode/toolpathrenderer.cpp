@@ -34,10 +34,9 @@ const QRgb ToolpathRenderer::TravelColour = qRgb(90, 160, 255);
 const QRgb ToolpathRenderer::ShallowColour = qRgb(235, 120, 0);
 const QRgb ToolpathRenderer::DeepColour = qRgb(0, 40, 170);
 
-ToolpathRenderer::ToolpathRenderer(double pxPerMm)
-    : m_scale(pxPerMm), m_width(int(std::lround(GcodeInterpreter::WorkAreaWidth * pxPerMm))),
-      m_height(int(std::lround(GcodeInterpreter::WorkAreaHeight * pxPerMm))),
-      m_burn(size_t(m_width) * size_t(m_height), White)
+ToolpathRenderer::ToolpathRenderer(double pxPerMm, double areaWidth, double areaHeight)
+    : m_scale(pxPerMm), m_areaHeight(areaHeight), m_width(int(std::lround(areaWidth * pxPerMm))),
+      m_height(int(std::lround(areaHeight * pxPerMm))), m_burn(size_t(m_width) * size_t(m_height), White)
 {}
 
 void ToolpathRenderer::setDepthColours(bool depth)
@@ -53,9 +52,9 @@ template <typename Plot>
 void ToolpathRenderer::rasterise(const ToolpathMove &move, Plot plot)
 {
     const double ax = move.x0 * m_scale;
-    const double ay = (GcodeInterpreter::WorkAreaHeight - move.y0) * m_scale;
+    const double ay = (m_areaHeight - move.y0) * m_scale;
     const double bx = move.x1 * m_scale;
-    const double by = (GcodeInterpreter::WorkAreaHeight - move.y1) * m_scale;
+    const double by = (m_areaHeight - move.y1) * m_scale;
     const double dx = bx - ax, dy = by - ay;
     if (std::fabs(dx) >= std::fabs(dy)) {
         if (dx == 0)

@@ -1,5 +1,5 @@
-// Draws the moves of a job onto a picture of the 170 x 200 mm work area, as the beam would
-// burn them: darker with more power, travel optional, cuts of CNC files coloured by depth.
+// Draws the moves of a job onto a picture of the work area (170 x 200 mm unless told otherwise),
+// as the beam would burn them: darker with more power, travel optional, CNC cuts coloured by depth.
 #ifndef TOOLPATHRENDERER_H
 #define TOOLPATHRENDERER_H
 
@@ -19,7 +19,9 @@ public:
     static const QRgb ShallowColour;
     static const QRgb DeepColour;
 
-    explicit ToolpathRenderer(double pxPerMm);
+    // A picture of an area of `areaWidth` x `areaHeight` mm at `pxPerMm`.
+    explicit ToolpathRenderer(double pxPerMm, double areaWidth = GcodeInterpreter::WorkAreaWidth,
+                              double areaHeight = GcodeInterpreter::WorkAreaHeight);
 
     void setShowTravel(bool show) { m_showTravel = show; }
     // Colours cuts by their depth (lowest Z) instead of their power.
@@ -38,6 +40,7 @@ private:
     void rasterise(const ToolpathMove &move, Plot plot);
 
     double m_scale;
+    double m_areaHeight;  // mm, for machine Y upwards
     int m_width;
     int m_height;
     bool m_showTravel = false;

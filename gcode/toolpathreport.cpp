@@ -40,11 +40,11 @@ QString reachText(const ToolpathSummary &s)
     QStringList sides;
     if (s.outMinX < 0)
         sides << QStringLiteral("X down to %1 mm").arg(millimetres(s.outMinX));
-    if (s.outMaxX > GcodeInterpreter::WorkAreaWidth)
+    if (s.outMaxX > s.areaWidth)
         sides << QStringLiteral("X up to %1 mm").arg(millimetres(s.outMaxX));
     if (s.outMinY < 0)
         sides << QStringLiteral("Y down to %1 mm").arg(millimetres(s.outMinY));
-    if (s.outMaxY > GcodeInterpreter::WorkAreaHeight)
+    if (s.outMaxY > s.areaHeight)
         sides << QStringLiteral("Y up to %1 mm").arg(millimetres(s.outMaxY));
     return sides.join(QStringLiteral(", "));
 }
@@ -56,8 +56,9 @@ QString outsideLine(const ToolpathSummary &s)
     auto moves = [](qint64 n, const char *kind) {
         return QStringLiteral("%1 %2 move%3").arg(n).arg(QLatin1String(kind)).arg(n == 1 ? "" : "s");
     };
-    return QStringLiteral("Outside the work area: %1 and %2 reach %3 (the area is X 0..170 x Y 0..200 mm)")
-        .arg(moves(s.burnMovesOutside, "burn"), moves(s.travelMovesOutside, "travel"), reachText(s));
+    return QStringLiteral("Outside the work area: %1 and %2 reach %3 (the area is X 0..%4 x Y 0..%5 mm)")
+        .arg(moves(s.burnMovesOutside, "burn"), moves(s.travelMovesOutside, "travel"), reachText(s),
+             millimetres(s.areaWidth), millimetres(s.areaHeight));
 }
 
 }  // namespace ToolpathReport

@@ -64,8 +64,8 @@
         <translation>No file shown yet: export a job or open a G-code file.</translation>
     </message>
     <message>
-        <source>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves go beyond it (%3). The machine cannot reach that part, and it is not drawn.</source>
-        <translation>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves go beyond it (%3). The machine cannot reach that part, and it is not drawn.</translation>
+        <source>Part of the job lies outside the %1 x %2 mm work area: %3 burn moves and %4 travel moves go beyond it (%5). The machine cannot reach that part, and it is not drawn.</source>
+        <translation>Part of the job lies outside the %1 x %2 mm work area: %3 burn moves and %4 travel moves go beyond it (%5). The machine cannot reach that part, and it is not drawn.</translation>
     </message>
     <message>
         <source>X down to %1 mm</source>

@@ -64,8 +64,8 @@
         <translation>아직 표시된 파일이 없습니다: 작업을 내보내거나 G코드 파일을 여세요.</translation>
     </message>
     <message>
-        <source>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves go beyond it (%3). The machine cannot reach that part, and it is not drawn.</source>
-        <translation>작업 일부가 170 x 200 mm 작업 영역을 벗어납니다: 가공 이동 %1개와 이동 %2개가 영역 밖으로 나갑니다 (%3). 기계는 그 부분에 갈 수 없으며, 그려지지 않습니다.</translation>
+        <source>Part of the job lies outside the %1 x %2 mm work area: %3 burn moves and %4 travel moves go beyond it (%5). The machine cannot reach that part, and it is not drawn.</source>
+        <translation>작업 일부가 %1 x %2 mm 작업 영역을 벗어납니다: 가공 이동 %3개와 이동 %4개가 영역 밖으로 나갑니다 (%5). 기계는 그 부분에 갈 수 없으며, 그려지지 않습니다.</translation>
     </message>
     <message>
         <source>X down to %1 mm</source>

@@ -64,8 +64,8 @@
         <translation>尚未显示文件: 请导出任务或打开G代码文件。</translation>
     </message>
     <message>
-        <source>Part of the job lies outside the 170 x 200 mm work area: %1 burn moves and %2 travel moves go beyond it (%3). The machine cannot reach that part, and it is not drawn.</source>
-        <translation>部分任务超出了 170 x 200 mm 的工作区域: %1 条雕刻移动和 %2 条空移超出范围 (%3)。机器无法到达那部分, 也不会画出。</translation>
+        <source>Part of the job lies outside the %1 x %2 mm work area: %3 burn moves and %4 travel moves go beyond it (%5). The machine cannot reach that part, and it is not drawn.</source>
+        <translation>部分任务超出了 %1 x %2 mm 的工作区域: %3 条雕刻移动和 %4 条空移超出范围 (%5)。机器无法到达那部分, 也不会画出。</translation>
     </message>
     <message>
         <source>X down to %1 mm</source>

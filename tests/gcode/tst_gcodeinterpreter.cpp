@@ -357,6 +357,60 @@ private slots:
                  QStringLiteral("Outside the work area: 1 burn move and 1 travel move reach X down to -0.5 mm, "
                                 "X up to 171 mm, Y up to 201 mm (the area is X 0..170 x Y 0..200 mm)"));
     }
+
+    // A machine with another work area: moves are outside by its edges, the picture covers all of it
+    // with its top row at the area's far Y, and the report names it.
+    void otherWorkArea_data()
+    {
+        QTest::addColumn<QSizeF>("area");
+        QTest::addColumn<QByteArray>("gcode");
+        QTest::addColumn<QPoint>("burned");  // a pixel at 1 px/mm that the file burns
+        QTest::addColumn<int>("pixels");     // how many it burns inside the area
+        QTest::addColumn<QString>("outside");
+        // clang-format off
+        QTest::newRow("400 x 400, far corner inside")
+            << QSizeF(400, 400) << QByteArray("M106 S255\nG0 X380 Y390\nG1 X395 F600\nM107\n") << QPoint(390, 10) << 15
+            << "";
+        QTest::newRow("400 x 400, beyond its right edge")
+            << QSizeF(400, 400) << QByteArray("M106 S255\nG0 X380 Y390\nG1 X410 F600\nM107\n") << QPoint(399, 10) << 20
+            << "Outside the work area: 1 burn move and 0 travel moves reach X up to 410 mm "
+               "(the area is X 0..400 x Y 0..400 mm)";
+        QTest::newRow("120.5 x 80, above it")
+            << QSizeF(120.5, 80) << QByteArray("M106 S255\nG0 X10 Y70\nG1 Y90 F600\nM107\nG0 X0 Y0\n")
+            << QPoint(10, 5) << 10
+            << "Outside the work area: 1 burn move and 1 travel move reach Y up to 90 mm "
+               "(the area is X 0..120.5 x Y 0..80 mm)";
+        QTest::newRow("classic area, set")
+            << QSizeF(170, 200) << QByteArray("M106 S255\nG0 X160 Y190\nG1 X175 F600\nM107\n") << QPoint(165, 10) << 10
+            << "Outside the work area: 1 burn move and 0 travel moves reach X up to 175 mm "
+               "(the area is X 0..170 x Y 0..200 mm)";
+        // clang-format on
+    }
+
+    void otherWorkArea()
+    {
+        QFETCH(QSizeF, area);
+        QFETCH(QByteArray, gcode);
+        QFETCH(QPoint, burned);
+        QFETCH(int, pixels);
+        QFETCH(QString, outside);
+        GcodeInterpreter interpreter;
+        interpreter.setWorkArea(area.width(), area.height());
+        ToolpathRenderer renderer(1.0, area.width(), area.height());
+        interpreter.setMoveHandler([&renderer](const ToolpathMove &m) { renderer.addMove(m); });
+        const ToolpathSummary s = interpreter.run(gcode);
+        QCOMPARE(ToolpathReport::outsideLine(s), outside);
+        QCOMPARE(s.areaWidth, area.width());
+        QCOMPARE(s.areaHeight, area.height());
+        const QImage image = renderer.image();
+        QCOMPARE(image.size(), QSize(int(std::lround(area.width())), int(std::lround(area.height()))));
+        QCOMPARE(image.pixel(burned), qRgb(0, 0, 0));
+        int dark = 0;
+        for (int row = 0; row < image.height(); ++row)
+            for (int column = 0; column < image.width(); ++column)
+                dark += image.pixel(column, row) != qRgb(255, 255, 255);
+        QCOMPARE(dark, pixels);
+    }
 };
 
 TARNWELL_TEST_MAIN(TestGcodeInterpreter)
