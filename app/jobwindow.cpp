@@ -267,7 +267,13 @@ bool JobWindow::eventFilter(QObject *watched, QEvent *event)
     return QMainWindow::eventFilter(watched, event);
 }
 
-JobWindow::~JobWindow() = default;
+// The model and its undo stack are children that outlive this object's own part: nothing they
+// say while they go may reach this window.
+JobWindow::~JobWindow()
+{
+    disconnect(m_model, nullptr, this, nullptr);
+    disconnect(m_model->undoStack(), nullptr, this, nullptr);
+}
 
 const JobDocument &JobWindow::document() const { return m_model->document(); }
 
