@@ -23,8 +23,6 @@ using ClipperLib::Paths;
 const double Scale = 1e5;
 // Round joins of the kerf offset stay as close to the true arc as curves are flattened.
 const double ArcTolerance = 0.0025 * Scale;
-// Most hatch lines one set may have; a finer request is refused as absurd.
-const long MaxScanLines = 4000000;
 // How much longer than the two overscans a gap along a hatch line must be to be crossed by travel
 // rather than at zero power without stopping (as raster rows do).
 const double GapTravel = 10.0;
@@ -112,7 +110,7 @@ ScanLines scanLines(const Paths &area, double angleDegrees, double interval)
     // Lines `interval` apart, centred on the area across the hatch direction.
     const double span = vMax - vMin;
     const long count = std::max(1L, std::lround(span / interval));
-    if (count > MaxScanLines)
+    if (count > JobVector::MaxHatchLines)
         return lines;
     const double first = vMin + (span - double(count - 1) * interval) / 2;
     auto lineAt = [&](long k) { return first + double(k) * interval; };

@@ -373,12 +373,38 @@ void TestJobExport::refused_data()
     outside.items = {itemOf(0, SourceKind::Picture, picture, QRectF(10, 10, 4, 2)),
                      itemOf(0, SourceKind::Picture, picture, QRectF(168, 10, 4, 2))};
     outside.items[1].source.name = QStringLiteral("dot.png");
+    // Grids and hatchings past what memory or a file can hold, on a bed large enough to take them.
+    JobDocument fineGrid;
+    fineGrid.machine.bedWidth = fineGrid.machine.bedHeight = 1000;
+    fineGrid.layers = {layerOf("Image", Operation::Image, 1000, 50)};
+    fineGrid.layers[0].image.interval = 0.001;
+    fineGrid.items = {itemOf(0, SourceKind::Picture, picture, QRectF(0, 0, 1000, 500))};
+    JobDocument fineDrawing = fineGrid;
+    fineDrawing.layers.insert(fineDrawing.layers.begin(), layerOf("Cut", Operation::Line, 100, 90));
+    fineDrawing.items = {itemOf(1, SourceKind::Svg, rectangleSvg(2, 1), QRectF(0, 0, 1000, 500))};
+    JobDocument fineFill;
+    fineFill.machine.bedWidth = fineFill.machine.bedHeight = 10000;
+    fineFill.layers = {layerOf("Fill", Operation::Fill, 1000, 50)};
+    fineFill.layers[0].fill.interval = 0.001;
+    fineFill.items = {itemOf(0, SourceKind::Svg, rectangleSvg(1, 1), QRectF(0, 0, 10000, 10000))};
+    JobDocument fineSlantedFill = fineFill;
+    fineSlantedFill.layers[0].fill.interval = 0.003;
+    fineSlantedFill.layers[0].fill.angle = 45;
+    JobDocument fineCrossFill = fineFill;
+    fineCrossFill.layers[0].fill.interval = 0.002;
+    fineCrossFill.items[0].height = 1000;
+    fineCrossFill.layers[0].fill.crossHatch = true;
     // clang-format off
     QTest::newRow("outside the bed")         << outside       << "items[1] (dot.png): outside the bed (170 x 200 mm)" << false;
     QTest::newRow("picture on a fill layer") << pictureOnFill << "items[0].source: a picture belongs on an image layer" << true;
     QTest::newRow("qr on a line layer")      << qrOnLine      << "items[1].source: a QR code belongs on an image layer" << true;
     QTest::newRow("no such layer")           << noLayer       << "items[1].layer: no such layer" << true;
     QTest::newRow("undecodable picture")     << notAPicture   << "items[1].source: " << true;
+    QTest::newRow("picture grid too fine")   << fineGrid      << "items[0]: too fine to engrave: 1000000 x 500000 cells at layers[0].image.interval 0.001 mm (at most 100000000 cells)" << true;
+    QTest::newRow("drawing grid too fine")   << fineDrawing   << "items[0]: too fine to engrave: 1000000 x 500000 cells at layers[1].image.interval 0.001 mm (at most 100000000 cells)" << true;
+    QTest::newRow("fill too fine")           << fineFill      << "items[0]: too fine to fill: 10000000 hatch lines at layers[0].fill.interval 0.001 mm (at most 4000000)" << true;
+    QTest::newRow("slanted fill too fine")   << fineSlantedFill << "items[0]: too fine to fill: 4714045 hatch lines at layers[0].fill.interval 0.003 mm (at most 4000000)" << true;
+    QTest::newRow("cross hatch too fine")    << fineCrossFill << "items[0]: too fine to fill: 5000000 hatch lines at layers[0].fill.interval 0.002 mm (at most 4000000)" << true;
     // clang-format on
 }
 
