@@ -107,6 +107,8 @@ private slots:
     void pictureGray();
     void rasterise_data();
     void rasterise();
+    void rasteriseLarge_data();
+    void rasteriseLarge();
 };
 
 void TestJobGeometry::naturalSize_data()
@@ -532,6 +534,50 @@ void TestJobGeometry::rasterise()
         got << row;
     }
     QCOMPARE(got, rows);
+}
+
+void TestJobGeometry::rasteriseLarge_data()
+{
+    QTest::addColumn<QRectF>("rect");
+    QTest::addColumn<double>("interval");
+    QTest::addColumn<QRectF>("shape");  // a filled rectangle, its edges on cell edges
+
+    // Grids wider or taller than a painter reaches in one go (32767 pixels), and one of many tiles.
+    // clang-format off
+    QTest::newRow("right half of a wide row")  << QRectF(0, 0, 170, 0.05) << 0.005 << QRectF(85, 0, 85, 0.05);
+    QTest::newRow("bottom half of a tall one") << QRectF(0, 0, 0.05, 200) << 0.005 << QRectF(0, 0, 0.05, 100);
+    QTest::newRow("middle of a very wide row") << QRectF(0, 0, 10000, 0.2) << 0.1 << QRectF(2500, 0, 5000, 0.1);
+    QTest::newRow("square across tiles")       << QRectF(10, 20, 50, 50) << 0.01 << QRectF(20, 30, 30, 30);
+    // clang-format on
+}
+
+void TestJobGeometry::rasteriseLarge()
+{
+    QFETCH(QRectF, rect);
+    QFETCH(double, interval);
+    QFETCH(QRectF, shape);
+    JobShape square;
+    square.contours.push_back(
+        JobContour{{shape.bottomLeft(), shape.bottomRight(), shape.topRight(), shape.topLeft()}, true});
+    const QImage image = JobSources::rasterise({square}, rect, interval);
+    QCOMPARE(image.format(), QImage::Format_Grayscale8);
+    QCOMPARE(image.width(), qRound(rect.width() / interval));
+    QCOMPARE(image.height(), qRound(rect.height() / interval));
+    // A cell is black exactly when its centre lies in the shape; rows from the top.
+    const double top = rect.y() + rect.height();
+    qint64 wrong = 0;
+    QString first;
+    for (int j = 0; j < image.height(); ++j) {
+        const double y = top - (j + 0.5) * rect.height() / image.height();
+        const uchar *row = image.constScanLine(j);
+        for (int i = 0; i < image.width(); ++i) {
+            const double x = rect.x() + (i + 0.5) * rect.width() / image.width();
+            const uchar expected = shape.contains(x, y) ? 0 : 255;
+            if (row[i] != expected && wrong++ == 0)
+                first = QStringLiteral("cell %1, %2 is %3").arg(i).arg(j).arg(row[i]);
+        }
+    }
+    QVERIFY2(wrong == 0, qPrintable(QStringLiteral("%1 cells wrong, the first: %2").arg(wrong).arg(first)));
 }
 
 TARNWELL_TEST_MAIN(TestJobGeometry)
