@@ -62,6 +62,22 @@ QString tooFine(const QRectF &rect, const JobLayer &layer, int layerIndex)
     return QString();
 }
 
+// Why a line layer's cut of an item leaves the bed, half a kerf outside its rectangle; empty when it
+// does not.
+QString cutLeavesBed(const QRectF &rect, const JobLayer &layer, int layerIndex, const MachineProfile &machine)
+{
+    if (layer.operation != Operation::Line || layer.line.kerfSide != KerfSide::Outside || !(layer.line.kerf > 0))
+        return QString();
+    const double half = layer.line.kerf / 2;
+    const double slack = 1e-9;
+    if (rect.left() - half >= -slack && rect.top() - half >= -slack && rect.right() + half <= machine.bedWidth + slack
+        && rect.bottom() + half <= machine.bedHeight + slack)
+        return QString();
+    return QStringLiteral("the cut, half of layers[%1].line.kerf outside it, leaves the bed (%2 x %3 mm)")
+        .arg(layerIndex)
+        .arg(QString::number(machine.bedWidth), QString::number(machine.bedHeight));
+}
+
 // An image layer's items, ready to scan: their cells on the layer's grid.
 struct RasterItem
 {
@@ -111,9 +127,12 @@ bool prepare(const JobDocument &doc, std::vector<PreparedItem> *items, QString *
         PreparedItem p;
         p.index = i;
         p.rect = QRectF(item.x, item.y, item.width, item.height);
-        if (const QString fine = tooFine(p.rect, layer, item.layer); !fine.isEmpty()) {
+        QString refusal = tooFine(p.rect, layer, item.layer);
+        if (refusal.isEmpty())
+            refusal = cutLeavesBed(p.rect, layer, item.layer, doc.machine);
+        if (!refusal.isEmpty()) {
             if (error)
-                *error = itemKey(i) + QStringLiteral(": ") + fine;
+                *error = itemKey(i) + QStringLiteral(": ") + refusal;
             return false;
         }
         QString message;

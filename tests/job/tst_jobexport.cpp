@@ -394,12 +394,23 @@ void TestJobExport::refused_data()
     fineCrossFill.layers[0].fill.interval = 0.002;
     fineCrossFill.items[0].height = 1000;
     fineCrossFill.layers[0].fill.crossHatch = true;
+    // A cut with its kerf outside, around items that touch the bed's edges.
+    JobDocument kerfOff;
+    kerfOff.layers = {layerOf("Image", Operation::Image, 1000, 50), layerOf("Cut", Operation::Line, 100, 90)};
+    kerfOff.layers[1].line.kerfSide = KerfSide::Outside;
+    kerfOff.layers[1].line.kerf = 0.2;
+    kerfOff.items = {itemOf(1, SourceKind::Svg, rectangleSvg(2, 1), QRectF(0.1, 10, 20, 10)),
+                     itemOf(1, SourceKind::Svg, rectangleSvg(2, 1), QRectF(0.05, 10, 20, 10))};
+    JobDocument kerfOffTop = kerfOff;
+    kerfOffTop.items = {itemOf(1, SourceKind::Svg, rectangleSvg(2, 1), QRectF(150, 190, 20, 10))};
     // clang-format off
     QTest::newRow("outside the bed")         << outside       << "items[1] (dot.png): outside the bed (170 x 200 mm)" << false;
     QTest::newRow("picture on a fill layer") << pictureOnFill << "items[0].source: a picture belongs on an image layer" << true;
     QTest::newRow("qr on a line layer")      << qrOnLine      << "items[1].source: a QR code belongs on an image layer" << true;
     QTest::newRow("no such layer")           << noLayer       << "items[1].layer: no such layer" << true;
     QTest::newRow("undecodable picture")     << notAPicture   << "items[1].source: " << true;
+    QTest::newRow("kerf off the left edge")  << kerfOff       << "items[1]: the cut, half of layers[1].line.kerf outside it, leaves the bed (170 x 200 mm)" << true;
+    QTest::newRow("kerf off the top corner") << kerfOffTop    << "items[0]: the cut, half of layers[1].line.kerf outside it, leaves the bed (170 x 200 mm)" << true;
     QTest::newRow("picture grid too fine")   << fineGrid      << "items[0]: too fine to engrave: 1000000 x 500000 cells at layers[0].image.interval 0.001 mm (at most 100000000 cells)" << true;
     QTest::newRow("drawing grid too fine")   << fineDrawing   << "items[0]: too fine to engrave: 1000000 x 500000 cells at layers[1].image.interval 0.001 mm (at most 100000000 cells)" << true;
     QTest::newRow("fill too fine")           << fineFill      << "items[0]: too fine to fill: 10000000 hatch lines at layers[0].fill.interval 0.001 mm (at most 4000000)" << true;
