@@ -7,10 +7,12 @@
 #include "svgimage.h"
 #include "svgreader.h"
 
+#include <QBuffer>
 #include <QFont>
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QImageReader>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -31,6 +33,8 @@ const int TextEmPixels = 1000;
 // from which finer flattening is asked of the tracer.
 const int TracePrecision = 10;
 const double TraceFinePixel = 0.1;
+// The most pixels a picture may have (10000 x 10000): a larger one is refused before it is decoded.
+const double MaxPicturePixels = 1e8;
 // Rasterised outlines are painted in tiles of at most this many pixels a side and in all.
 const int RasterTileSide = 4096;
 const int RasterTilePixels = 1 << 22;
@@ -206,11 +210,33 @@ JobGeometry place(const SourceDrawing &drawing, const QRectF &bounds, const JobI
     return out;
 }
 
+QString tooManyPixels(const QSize &size)
+{
+    return QStringLiteral("the picture is %1 x %2 pixels (at most %3)")
+        .arg(size.width())
+        .arg(size.height())
+        .arg(qint64(MaxPicturePixels));
+}
+
 bool decodePicture(const QByteArray &data, QImage *image, QString *error)
 {
+    // The size from the file's header first: a small file can hold a picture larger than memory.
+    QBuffer buffer;
+    buffer.setData(data);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    const QSize declared = reader.size();
+    if (declared.isValid() && double(declared.width()) * declared.height() > MaxPicturePixels) {
+        *error = tooManyPixels(declared);
+        return false;
+    }
     QImage picture;
     if (data.isEmpty() || !picture.loadFromData(data) || picture.isNull()) {
         *error = QStringLiteral("not a picture");
+        return false;
+    }
+    if (double(picture.width()) * picture.height() > MaxPicturePixels) {
+        *error = tooManyPixels(picture.size());
         return false;
     }
     *image = picture;

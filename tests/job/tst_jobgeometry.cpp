@@ -65,6 +65,34 @@ QString rectText(const QRectF &r)
     return QStringLiteral("%1,%2 %3x%4").arg(num(r.x()), num(r.y()), num(r.width()), num(r.height()));
 }
 
+// The CRC-32 of a PNG chunk (its type and data).
+quint32 crc32(const QByteArray &bytes)
+{
+    quint32 crc = 0xffffffffu;
+    for (const char c : bytes) {
+        crc ^= quint8(c);
+        for (int k = 0; k < 8; ++k)
+            crc = crc & 1 ? (crc >> 1) ^ 0xedb88320u : crc >> 1;
+    }
+    return ~crc;
+}
+
+// A PNG file that declares a w x h RGB picture in its header and holds no pixels.
+QByteArray pngHeaderOnly(quint32 w, quint32 h)
+{
+    auto bigEndian = [](quint32 v) {
+        const char bytes[4] = {char(v >> 24), char(v >> 16 & 0xff), char(v >> 8 & 0xff), char(v & 0xff)};
+        return QByteArray(bytes, 4);
+    };
+    auto chunk = [&](const QByteArray &type, const QByteArray &data) {
+        return bigEndian(quint32(data.size())) + type + data + bigEndian(crc32(type + data));
+    };
+    const QByteArray header = bigEndian(w) + bigEndian(h) + QByteArray("\x08\x02\x00\x00\x00", 5);
+    const QByteArray noPixels("\x78\x9c\x03\x00\x00\x00\x00\x01", 8);  // zlib of nothing
+    return QByteArray("\x89PNG\r\n\x1a\n", 8) + chunk("IHDR", header) + chunk("IDAT", noPixels)
+           + chunk("IEND", QByteArray());
+}
+
 // A white picture with a black square of `side` pixels at (x, y), and a white square hole of
 // `hole` pixels in its middle when asked.
 QImage squarePicture(int width, int height, int x, int y, int side, int hole = 0)
@@ -202,6 +230,10 @@ void TestJobGeometry::refused_data()
     // clang-format off
     QTest::newRow("picture of text") << picture << QByteArray("hello") << QString() << dejaVu << "not a picture";
     QTest::newRow("empty picture") << picture << QByteArray() << QString() << dejaVu << "not a picture";
+    QTest::newRow("picture too large") << picture << pngHeaderOnly(20000, 20000) << QString() << dejaVu
+        << "the picture is 20000 x 20000 pixels (at most 100000000)";
+    QTest::newRow("trace too large") << trace << pngHeaderOnly(100001, 1000) << QString() << dejaVu
+        << "the picture is 100001 x 1000 pixels (at most 100000000)";
     QTest::newRow("svg of text") << drawing << QByteArray("hello") << QString() << dejaVu << "not an SVG drawing";
     QTest::newRow("svg cut short") << drawing << QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\"><rect")
         << QString() << dejaVu << "not an SVG drawing";
