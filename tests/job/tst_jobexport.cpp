@@ -483,12 +483,17 @@ void TestJobExport::summaryLines()
     cut.name = QStringLiteral("Cut");
     cut.seconds = 0.4;
     cut.burnMm = 0.04;
-    result.layers = {photo, cut};
-    result.itemCounts = {3, 1};
+    // A name of several lines stays on its layer's one line.
+    JobEstimate::Layer text;
+    text.index = 3;
+    text.name = QStringLiteral("Two\nlines\r\tand a tab");
+    result.layers = {photo, cut, text};
+    result.itemCounts = {3, 1, 2};
     const QStringList expected = {
         QStringLiteral("Estimated time: 1h 02min 03s"),
         QStringLiteral("layer 1 Photo %1: 3 items, burn 1234.6 mm, 3min 05s"),
         QStringLiteral("layer 3 Cut: 1 items, burn 0.0 mm, 0s"),
+        QStringLiteral("layer 4 Two lines  and a tab: 2 items, burn 0.0 mm, 0s"),
     };
     QCOMPARE(JobExport::summary(result), expected);
 }
