@@ -1,5 +1,6 @@
-// Times the vector side of the job engine: 20,000 traced outlines planned as a line layer, and a
-// full-bed page of text (traced, and as vector text) hatched at 0.1 mm as a fill layer.
+// Times the vector side of the job engine: 20,000 traced outlines planned as a line layer, a
+// full-bed page of text (traced, and as vector text) hatched at 0.1 mm as a fill layer, and one
+// line of 10,000 characters filled and cut.
 #include "benchsupport.h"
 #include "jobgeometry.h"
 #include "jobvector.h"
@@ -152,6 +153,33 @@ int main(int argc, char **argv)
             JobVector::planFill({*job.second}, fill, settings, sink, &x, &y);
         });
         out << "  moves: " << sink.moves << ", travels: " << sink.travels << ", burn: " << sink.burn << " mm\n";
+    }
+
+    // One line of 10,000 characters: thousands of outlines side by side across every hatch line.
+    QString longLine;
+    for (int i = 0; longLine.size() < 10000; ++i)
+        longLine += QStringLiteral("Lorem ipsum dolor sit amet %1 ").arg(i);
+    longLine.truncate(10000);
+    JobItem lineItem = bedItem(SourceKind::Text, QByteArray(), longLine);
+    lineItem.height = 2;
+    JobGeometry lineText;
+    JobSources::geometry(lineItem, &lineText, &error);
+    out << "one line of 10,000 characters of vector text, 170 x 2 mm: " << contourCount(lineText) << " outlines\n";
+    {
+        CountingSink sink;
+        report(out, QStringLiteral("  fill at 0.1 mm"), [&] {
+            sink = CountingSink();
+            qint32 x = 0, y = 0;
+            JobVector::planFill({lineText}, fill, settings, sink, &x, &y);
+        });
+        LineParams inside;
+        inside.kerfSide = KerfSide::Inside;
+        inside.kerf = 0.01;
+        report(out, QStringLiteral("  line, kerf inside"), [&] {
+            sink = CountingSink();
+            qint32 x = 0, y = 0;
+            JobVector::planLine({lineText}, inside, settings, sink, &x, &y);
+        });
     }
     if (!error.isEmpty())
         out << "error: " << error << "\n";

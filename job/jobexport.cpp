@@ -135,13 +135,21 @@ bool run(const JobDocument &doc, JobExportResult *result, QString *error)
 
 QStringList summary(const JobExportResult &result)
 {
+    // A layer's name on its one line, as the G-code comment writes it: control characters as spaces.
+    auto oneLine = [](QString name) {
+        for (QChar &c : name)
+            if (c.category() == QChar::Other_Control || c.category() == QChar::Separator_Line
+                || c.category() == QChar::Separator_Paragraph)
+                c = QLatin1Char(' ');
+        return name;
+    };
     QStringList lines;
     lines << QStringLiteral("Estimated time: ") + QString::fromLatin1(JobFormat::duration(result.seconds));
     for (size_t i = 0; i < result.layers.size(); ++i) {
         const JobEstimate::Layer &layer = result.layers[i];
         const int items = i < result.itemCounts.size() ? result.itemCounts[i] : 0;
         lines << QStringLiteral("layer %1 %2: %3 items, burn %4 mm, %5")
-                     .arg(QString::number(layer.index + 1), layer.name, QString::number(items),
+                     .arg(QString::number(layer.index + 1), oneLine(layer.name), QString::number(items),
                           QString::number(layer.burnMm, 'f', 1),
                           QString::fromLatin1(JobFormat::duration(layer.seconds)));
     }

@@ -394,8 +394,22 @@ void resolveSize(JobItem *item, bool hasWidth, bool hasHeight, const QString &pa
     QString error;
     if (!JobSources::naturalSize(item->source, &naturalWidth, &naturalHeight, &error))
         refuse(member(path, "source"), error);
-    if (!(naturalWidth > 0 && naturalHeight > 0 && std::isfinite(naturalWidth) && std::isfinite(naturalHeight)))
+    const bool hasNaturalWidth = naturalWidth > 0 && std::isfinite(naturalWidth);
+    const bool hasNaturalHeight = naturalHeight > 0 && std::isfinite(naturalHeight);
+    if (!hasNaturalWidth && !hasNaturalHeight)
         refuse(member(path, "source"), QStringLiteral("has no size"));
+    if (!hasNaturalWidth || !hasNaturalHeight) {
+        // A straight line along one axis has no proportions to follow: both sides are given, and
+        // the line runs along the middle of the rectangle.
+        const char *flat = hasNaturalHeight ? "width" : "height";
+        if (!hasWidth || !hasHeight)
+            refuse(
+                member(path, flat),
+                QStringLiteral("missing (the drawing has no %1: give both width and height)").arg(QLatin1String(flat)));
+        checkBounds(item->width, member(path, "width"), ItemSize);
+        checkBounds(item->height, member(path, "height"), ItemSize);
+        return;
+    }
     const double aspect = naturalWidth / naturalHeight;
     if (!hasWidth && !hasHeight) {
         if (item->source.kind != SourceKind::Text)

@@ -7,10 +7,12 @@
 #include "svgimage.h"
 #include "svgreader.h"
 
+#include <QBuffer>
 #include <QFont>
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QImageReader>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -31,6 +33,11 @@ const int TextEmPixels = 1000;
 // from which finer flattening is asked of the tracer.
 const int TracePrecision = 10;
 const double TraceFinePixel = 0.1;
+// The most pixels a picture may have (10000 x 10000): a larger one is refused before it is decoded.
+const double MaxPicturePixels = 1e8;
+// Rasterised outlines are painted in tiles of at most this many pixels a side and in all.
+const int RasterTileSide = 4096;
+const int RasterTilePixels = 1 << 22;
 
 // One outline of a source in its own units, y growing downwards. With `cubic`, `pts` is a start
 // point followed by three points (two controls and an end) per segment; otherwise a polygon.
@@ -203,11 +210,33 @@ JobGeometry place(const SourceDrawing &drawing, const QRectF &bounds, const JobI
     return out;
 }
 
+QString tooManyPixels(const QSize &size)
+{
+    return QStringLiteral("the picture is %1 x %2 pixels (at most %3)")
+        .arg(size.width())
+        .arg(size.height())
+        .arg(qint64(MaxPicturePixels));
+}
+
 bool decodePicture(const QByteArray &data, QImage *image, QString *error)
 {
+    // The size from the file's header first: a small file can hold a picture larger than memory.
+    QBuffer buffer;
+    buffer.setData(data);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    const QSize declared = reader.size();
+    if (declared.isValid() && double(declared.width()) * declared.height() > MaxPicturePixels) {
+        *error = tooManyPixels(declared);
+        return false;
+    }
     QImage picture;
     if (data.isEmpty() || !picture.loadFromData(data) || picture.isNull()) {
         *error = QStringLiteral("not a picture");
+        return false;
+    }
+    if (double(picture.width()) * picture.height() > MaxPicturePixels) {
+        *error = tooManyPixels(picture.size());
         return false;
     }
     *image = picture;
@@ -528,33 +557,66 @@ QImage rasterise(const JobGeometry &geometry, const QRectF &rect, double interva
         return QImage();
     const int columns = std::max(1, int(std::lround(rect.width() / interval)));
     const int rows = std::max(1, int(std::lround(rect.height() / interval)));
-    QImage canvas(columns, rows, QImage::Format_RGB32);
-    canvas.fill(Qt::white);
-    {
-        QPainter painter(&canvas);
-        painter.setRenderHint(QPainter::Antialiasing, false);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(Qt::black);
-        // rect.y() is the bottom edge in machine coordinates; picture row 0 is the top.
-        const double kx = columns / rect.width(), ky = rows / rect.height();
-        const double top = rect.y() + rect.height();
-        for (const JobShape &shape : geometry) {
-            QPainterPath path;
-            path.setFillRule(shape.evenOdd ? Qt::OddEvenFill : Qt::WindingFill);
-            for (const JobContour &c : shape.contours) {
-                if (!c.closed || c.points.size() < 3)
-                    continue;
-                QPolygonF poly;
-                poly.reserve(int(c.points.size()));
-                for (const QPointF &p : c.points)
-                    poly << QPointF((p.x() - rect.x()) * kx, (top - p.y()) * ky);
-                path.addPolygon(poly);
-                path.closeSubpath();
+    QImage out(columns, rows, QImage::Format_Grayscale8);
+    if (out.isNull())
+        return out;
+    out.fill(255);
+
+    // The shapes in cell units: rect.y() is the bottom edge in machine coordinates; row 0 is the top.
+    const double kx = columns / rect.width(), ky = rows / rect.height();
+    const double top = rect.y() + rect.height();
+    std::vector<QPainterPath> paths;
+    for (const JobShape &shape : geometry) {
+        QPainterPath path;
+        path.setFillRule(shape.evenOdd ? Qt::OddEvenFill : Qt::WindingFill);
+        for (const JobContour &c : shape.contours) {
+            if (!c.closed || c.points.size() < 3)
+                continue;
+            QPolygonF poly;
+            poly.reserve(int(c.points.size()));
+            for (const QPointF &p : c.points)
+                poly << QPointF((p.x() - rect.x()) * kx, (top - p.y()) * ky);
+            path.addPolygon(poly);
+            path.closeSubpath();
+        }
+        if (!path.isEmpty())
+            paths.push_back(std::move(path));
+    }
+    if (paths.empty())
+        return out;
+
+    // The painter reaches 32767 pixels at most, so large grids are painted tile by tile, each tile
+    // shifted by whole cells (which fills the same cells as one large painting would).
+    const int tileWidth = std::min(columns, RasterTileSide);
+    const int tileHeight = std::min({rows, RasterTileSide, std::max(1, RasterTilePixels / tileWidth)});
+    QImage tile(tileWidth, tileHeight, QImage::Format_RGB32);
+    if (tile.isNull())
+        return QImage();
+    for (int ty = 0; ty < rows; ty += tileHeight) {
+        for (int tx = 0; tx < columns; tx += tileWidth) {
+            tile.fill(Qt::white);
+            {
+                QPainter painter(&tile);
+                painter.setRenderHint(QPainter::Antialiasing, false);
+                painter.setPen(Qt::NoPen);
+                painter.setBrush(Qt::black);
+                painter.translate(-tx, -ty);
+                const QRectF view(tx, ty, tileWidth, tileHeight);
+                for (const QPainterPath &path : paths)
+                    if (path.controlPointRect().intersects(view))
+                        painter.drawPath(path);
             }
-            painter.drawPath(path);
+            const int w = std::min(tileWidth, columns - tx);
+            const int h = std::min(tileHeight, rows - ty);
+            for (int y = 0; y < h; ++y) {
+                const QRgb *in = reinterpret_cast<const QRgb *>(tile.constScanLine(y));
+                uchar *target = out.scanLine(ty + y) + tx;
+                for (int x = 0; x < w; ++x)
+                    target[x] = uchar(qGray(in[x]));
+            }
         }
     }
-    return canvas.convertToFormat(QImage::Format_Grayscale8);
+    return out;
 }
 
 }  // namespace JobSources

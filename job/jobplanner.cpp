@@ -34,6 +34,50 @@ qint32 powerStep(const MachineProfile &profile)
     return step;
 }
 
+// Why an item is too fine to plan on its layer (its grid, or its hatch lines, would not fit in
+// memory or any sensible file); empty when it is not.
+QString tooFine(const QRectF &rect, const JobLayer &layer, int layerIndex)
+{
+    const QString key = QStringLiteral("layers[%1].%2.interval").arg(layerIndex);
+    if (layer.operation == Operation::Image) {
+        const double interval = layer.image.interval;
+        const double columns = std::max(1.0, std::round(rect.width() / interval));
+        const double rows = std::max(1.0, std::round(rect.height() / interval));
+        if (!(columns * rows <= JobRaster::MaxGridCells))
+            return QStringLiteral("too fine to engrave: %1 x %2 cells at %3 %4 mm (at most %5 cells)")
+                .arg(QString::number(columns, 'f', 0), QString::number(rows, 'f', 0), key.arg(QStringLiteral("image")),
+                     QString::number(interval), QString::number(JobRaster::MaxGridCells, 'f', 0));
+    } else if (layer.operation == Operation::Fill) {
+        // The hatch lines of each direction span the rectangle across that direction.
+        const double a = layer.fill.angle * M_PI / 180.0;
+        double span = std::fabs(rect.width() * std::sin(a)) + std::fabs(rect.height() * std::cos(a));
+        if (layer.fill.crossHatch)
+            span = std::max(span, std::fabs(rect.width() * std::cos(a)) + std::fabs(rect.height() * std::sin(a)));
+        const double lines = std::round(span / layer.fill.interval);
+        if (!(lines <= double(JobVector::MaxHatchLines)))
+            return QStringLiteral("too fine to fill: %1 hatch lines at %2 %3 mm (at most %4)")
+                .arg(QString::number(lines, 'f', 0), key.arg(QStringLiteral("fill")),
+                     QString::number(layer.fill.interval), QString::number(JobVector::MaxHatchLines));
+    }
+    return QString();
+}
+
+// Why a line layer's cut of an item leaves the bed, half a kerf outside its rectangle; empty when it
+// does not.
+QString cutLeavesBed(const QRectF &rect, const JobLayer &layer, int layerIndex, const MachineProfile &machine)
+{
+    if (layer.operation != Operation::Line || layer.line.kerfSide != KerfSide::Outside || !(layer.line.kerf > 0))
+        return QString();
+    const double half = layer.line.kerf / 2;
+    const double slack = 1e-9;
+    if (rect.left() - half >= -slack && rect.top() - half >= -slack && rect.right() + half <= machine.bedWidth + slack
+        && rect.bottom() + half <= machine.bedHeight + slack)
+        return QString();
+    return QStringLiteral("the cut, half of layers[%1].line.kerf outside it, leaves the bed (%2 x %3 mm)")
+        .arg(layerIndex)
+        .arg(QString::number(machine.bedWidth), QString::number(machine.bedHeight));
+}
+
 // An image layer's items, ready to scan: their cells on the layer's grid.
 struct RasterItem
 {
@@ -83,6 +127,14 @@ bool prepare(const JobDocument &doc, std::vector<PreparedItem> *items, QString *
         PreparedItem p;
         p.index = i;
         p.rect = QRectF(item.x, item.y, item.width, item.height);
+        QString refusal = tooFine(p.rect, layer, item.layer);
+        if (refusal.isEmpty())
+            refusal = cutLeavesBed(p.rect, layer, item.layer, doc.machine);
+        if (!refusal.isEmpty()) {
+            if (error)
+                *error = itemKey(i) + QStringLiteral(": ") + refusal;
+            return false;
+        }
         QString message;
         bool ok = true;
         if (layer.operation == Operation::Image) {
@@ -93,6 +145,10 @@ bool prepare(const JobDocument &doc, std::vector<PreparedItem> *items, QString *
                 if (ok) {
                     p.gray = JobSources::rasterise(p.geometry, p.rect, layer.image.interval);
                     p.geometry.clear();
+                    if (p.gray.isNull()) {
+                        ok = false;
+                        message = QStringLiteral("not enough memory to rasterise it");
+                    }
                 }
             }
         } else if (isBitmap(item.source.kind)) {
@@ -137,6 +193,11 @@ bool plan(const JobDocument &doc, MoveSink &sink, QString *error)
                 RasterItem r;
                 r.rect = p.rect;
                 r.cells = JobRaster::sample(p.gray, grid, layer.image);
+                if (r.cells.isNull()) {
+                    if (error)
+                        *error = itemKey(p.index) + QStringLiteral(": not enough memory for its cells");
+                    return false;
+                }
                 JobRaster::reduce(&r.cells, layer.image);
                 items.push_back(std::move(r));
             }

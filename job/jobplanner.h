@@ -23,7 +23,9 @@ struct PreparedItem
 namespace JobPlanner {
 
 // Decodes the sources of the items on enabled layers. False with a message naming the item
-// ("items[2].source: not a picture").
+// ("items[2].source: not a picture"), also when its layer's interval would give it more cells
+// (JobRaster::MaxGridCells) or hatch lines (JobVector::MaxHatchLines) than a job may hold, or
+// when a cut with its kerf outside would leave the bed.
 bool prepare(const JobDocument &doc, std::vector<PreparedItem> *items, QString *error);
 
 // Plans the whole job into `sink`, from the origin. Inside a layer, items follow each other by

@@ -22,6 +22,9 @@ struct Grid
 };
 Grid grid(const QRectF &rect, double interval);
 
+// The most cells one item's grid may hold (a byte each); the planner refuses a finer grid by name.
+constexpr double MaxGridCells = 1e8;
+
 // The gray picture (Format_Grayscale8) sampled onto the grid (area average), brightness, contrast,
 // gamma and invert applied: one byte per cell, row 0 at the top, 0 black ... 255 white.
 QImage sample(const QImage &gray, const Grid &grid, const ImageParams &params);

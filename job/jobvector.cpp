@@ -23,8 +23,6 @@ using ClipperLib::Paths;
 const double Scale = 1e5;
 // Round joins of the kerf offset stay as close to the true arc as curves are flattened.
 const double ArcTolerance = 0.0025 * Scale;
-// Most hatch lines one set may have; a finer request is refused as absurd.
-const long MaxScanLines = 4000000;
 // How much longer than the two overscans a gap along a hatch line must be to be crossed by travel
 // rather than at zero power without stopping (as raster rows do).
 const double GapTravel = 10.0;
@@ -42,6 +40,57 @@ Path toPath(const std::vector<QPointF> &points)
 
 QPointF toPoint(const IntPoint &p) { return QPointF(double(p.X) / Scale, double(p.Y) / Scale); }
 
+// Closed paths split into runs whose X extents, widened by `margin` each way, overlap no other
+// run's; each run keeps the paths in their own order. A path only changes the fill (and its offset
+// only reaches) inside its own widened box, so the runs can be united or offset apart: Clipper's
+// time grows with the square of the edges that lie side by side, and a long line of text has
+// thousands of them.
+std::vector<Paths> runsAlongX(const Paths &in, cInt margin)
+{
+    std::vector<std::pair<cInt, cInt>> extent(in.size());
+    for (size_t i = 0; i < in.size(); ++i) {
+        cInt lo = std::numeric_limits<cInt>::max(), hi = std::numeric_limits<cInt>::min();
+        for (const IntPoint &p : in[i]) {
+            lo = std::min(lo, p.X);
+            hi = std::max(hi, p.X);
+        }
+        extent[i] = {lo - margin, hi + margin};
+    }
+    std::vector<size_t> byLeft(in.size());
+    std::iota(byLeft.begin(), byLeft.end(), size_t(0));
+    std::stable_sort(byLeft.begin(), byLeft.end(),
+                     [&](size_t a, size_t b) { return extent[a].first < extent[b].first; });
+    // A run ends where the next path starts right of everything before it.
+    std::vector<size_t> run(in.size(), 0);
+    size_t runs = 0;
+    cInt reach = std::numeric_limits<cInt>::min();
+    for (size_t k = 0; k < byLeft.size(); ++k) {
+        const size_t i = byLeft[k];
+        if (k > 0 && extent[i].first > reach)
+            ++runs;
+        reach = k == 0 ? extent[i].second : std::max(reach, extent[i].second);
+        run[i] = runs;
+    }
+    std::vector<Paths> parts(in.empty() ? 0 : runs + 1);
+    for (size_t i = 0; i < in.size(); ++i)
+        parts[run[i]].push_back(in[i]);
+    return parts;
+}
+
+// The union of closed paths by a fill rule, run by run.
+Paths unite(const Paths &in, ClipperLib::PolyFillType rule)
+{
+    Paths out;
+    for (const Paths &part : runsAlongX(in, 0)) {
+        ClipperLib::Clipper clipper;
+        clipper.AddPaths(part, ClipperLib::ptSubject, true);
+        Paths united;
+        clipper.Execute(ClipperLib::ctUnion, united, rule, rule);
+        out.insert(out.end(), std::make_move_iterator(united.begin()), std::make_move_iterator(united.end()));
+    }
+    return out;
+}
+
 // The closed contours of one shape united by its fill rule: outer outlines and holes that no
 // longer overlap, so the even-odd and nonzero readings of the result agree.
 Paths unitedShape(const JobShape &shape)
@@ -52,12 +101,7 @@ Paths unitedShape(const JobShape &shape)
             in.push_back(toPath(c.points));
     if (in.empty())
         return in;
-    ClipperLib::Clipper clipper;
-    clipper.AddPaths(in, ClipperLib::ptSubject, true);
-    Paths out;
-    const ClipperLib::PolyFillType rule = shape.evenOdd ? ClipperLib::pftEvenOdd : ClipperLib::pftNonZero;
-    clipper.Execute(ClipperLib::ctUnion, out, rule, rule);
-    return out;
+    return unite(in, shape.evenOdd ? ClipperLib::pftEvenOdd : ClipperLib::pftNonZero);
 }
 
 // Every shape filled by its rule, then all of them united.
@@ -72,13 +116,8 @@ Paths filledArea(const JobGeometry &geometry)
         ++shapes;
         all.insert(all.end(), std::make_move_iterator(one.begin()), std::make_move_iterator(one.end()));
     }
-    if (shapes > 1) {
-        ClipperLib::Clipper clipper;
-        clipper.AddPaths(all, ClipperLib::ptSubject, true);
-        Paths out;
-        clipper.Execute(ClipperLib::ctUnion, out, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
-        return out;
-    }
+    if (shapes > 1)
+        return unite(all, ClipperLib::pftNonZero);
     return all;
 }
 
@@ -112,7 +151,7 @@ ScanLines scanLines(const Paths &area, double angleDegrees, double interval)
     // Lines `interval` apart, centred on the area across the hatch direction.
     const double span = vMax - vMin;
     const long count = std::max(1L, std::lround(span / interval));
-    if (count > MaxScanLines)
+    if (count > JobVector::MaxHatchLines)
         return lines;
     const double first = vMin + (span - double(count - 1) * interval) / 2;
     auto lineAt = [&](long k) { return first + double(k) * interval; };
@@ -474,9 +513,10 @@ JobGeometry offset(const JobGeometry &geometry, const LineParams &params)
         JobShape shifted;
         shifted.evenOdd = shape.evenOdd;
         const Paths united = unitedShape(shape);
-        if (!united.empty()) {
+        // The offset of each run reaches no other run, so the runs are offset apart.
+        for (const Paths &part : runsAlongX(united, cInt(std::ceil(std::fabs(delta))) + 1)) {
             ClipperLib::ClipperOffset clipperOffset(2.0, ArcTolerance);
-            clipperOffset.AddPaths(united, ClipperLib::jtRound, ClipperLib::etClosedPolygon);
+            clipperOffset.AddPaths(part, ClipperLib::jtRound, ClipperLib::etClosedPolygon);
             Paths result;
             clipperOffset.Execute(result, delta);
             for (const Path &path : result) {

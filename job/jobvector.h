@@ -11,6 +11,9 @@
 
 namespace JobVector {
 
+// The most hatch lines one direction of a fill may have; the planner refuses a finer fill by name.
+constexpr long MaxHatchLines = 4000000;
+
 // The kerf offset: closed contours of each shape shifted by `kerf` / 2 outward (Outside) or inward
 // (Inside), by the shape's fill rule; open paths and KerfSide::On are left as they are.
 JobGeometry offset(const JobGeometry &geometry, const LineParams &params);

@@ -373,12 +373,49 @@ void TestJobExport::refused_data()
     outside.items = {itemOf(0, SourceKind::Picture, picture, QRectF(10, 10, 4, 2)),
                      itemOf(0, SourceKind::Picture, picture, QRectF(168, 10, 4, 2))};
     outside.items[1].source.name = QStringLiteral("dot.png");
+    // Grids and hatchings past what memory or a file can hold, on a bed large enough to take them.
+    JobDocument fineGrid;
+    fineGrid.machine.bedWidth = fineGrid.machine.bedHeight = 1000;
+    fineGrid.layers = {layerOf("Image", Operation::Image, 1000, 50)};
+    fineGrid.layers[0].image.interval = 0.001;
+    fineGrid.items = {itemOf(0, SourceKind::Picture, picture, QRectF(0, 0, 1000, 500))};
+    JobDocument fineDrawing = fineGrid;
+    fineDrawing.layers.insert(fineDrawing.layers.begin(), layerOf("Cut", Operation::Line, 100, 90));
+    fineDrawing.items = {itemOf(1, SourceKind::Svg, rectangleSvg(2, 1), QRectF(0, 0, 1000, 500))};
+    JobDocument fineFill;
+    fineFill.machine.bedWidth = fineFill.machine.bedHeight = 10000;
+    fineFill.layers = {layerOf("Fill", Operation::Fill, 1000, 50)};
+    fineFill.layers[0].fill.interval = 0.001;
+    fineFill.items = {itemOf(0, SourceKind::Svg, rectangleSvg(1, 1), QRectF(0, 0, 10000, 10000))};
+    JobDocument fineSlantedFill = fineFill;
+    fineSlantedFill.layers[0].fill.interval = 0.003;
+    fineSlantedFill.layers[0].fill.angle = 45;
+    JobDocument fineCrossFill = fineFill;
+    fineCrossFill.layers[0].fill.interval = 0.002;
+    fineCrossFill.items[0].height = 1000;
+    fineCrossFill.layers[0].fill.crossHatch = true;
+    // A cut with its kerf outside, around items that touch the bed's edges.
+    JobDocument kerfOff;
+    kerfOff.layers = {layerOf("Image", Operation::Image, 1000, 50), layerOf("Cut", Operation::Line, 100, 90)};
+    kerfOff.layers[1].line.kerfSide = KerfSide::Outside;
+    kerfOff.layers[1].line.kerf = 0.2;
+    kerfOff.items = {itemOf(1, SourceKind::Svg, rectangleSvg(2, 1), QRectF(0.1, 10, 20, 10)),
+                     itemOf(1, SourceKind::Svg, rectangleSvg(2, 1), QRectF(0.05, 10, 20, 10))};
+    JobDocument kerfOffTop = kerfOff;
+    kerfOffTop.items = {itemOf(1, SourceKind::Svg, rectangleSvg(2, 1), QRectF(150, 190, 20, 10))};
     // clang-format off
     QTest::newRow("outside the bed")         << outside       << "items[1] (dot.png): outside the bed (170 x 200 mm)" << false;
     QTest::newRow("picture on a fill layer") << pictureOnFill << "items[0].source: a picture belongs on an image layer" << true;
     QTest::newRow("qr on a line layer")      << qrOnLine      << "items[1].source: a QR code belongs on an image layer" << true;
     QTest::newRow("no such layer")           << noLayer       << "items[1].layer: no such layer" << true;
     QTest::newRow("undecodable picture")     << notAPicture   << "items[1].source: " << true;
+    QTest::newRow("kerf off the left edge")  << kerfOff       << "items[1]: the cut, half of layers[1].line.kerf outside it, leaves the bed (170 x 200 mm)" << true;
+    QTest::newRow("kerf off the top corner") << kerfOffTop    << "items[0]: the cut, half of layers[1].line.kerf outside it, leaves the bed (170 x 200 mm)" << true;
+    QTest::newRow("picture grid too fine")   << fineGrid      << "items[0]: too fine to engrave: 1000000 x 500000 cells at layers[0].image.interval 0.001 mm (at most 100000000 cells)" << true;
+    QTest::newRow("drawing grid too fine")   << fineDrawing   << "items[0]: too fine to engrave: 1000000 x 500000 cells at layers[1].image.interval 0.001 mm (at most 100000000 cells)" << true;
+    QTest::newRow("fill too fine")           << fineFill      << "items[0]: too fine to fill: 10000000 hatch lines at layers[0].fill.interval 0.001 mm (at most 4000000)" << true;
+    QTest::newRow("slanted fill too fine")   << fineSlantedFill << "items[0]: too fine to fill: 4714045 hatch lines at layers[0].fill.interval 0.003 mm (at most 4000000)" << true;
+    QTest::newRow("cross hatch too fine")    << fineCrossFill << "items[0]: too fine to fill: 5000000 hatch lines at layers[0].fill.interval 0.002 mm (at most 4000000)" << true;
     // clang-format on
 }
 
@@ -446,12 +483,17 @@ void TestJobExport::summaryLines()
     cut.name = QStringLiteral("Cut");
     cut.seconds = 0.4;
     cut.burnMm = 0.04;
-    result.layers = {photo, cut};
-    result.itemCounts = {3, 1};
+    // A name of several lines stays on its layer's one line.
+    JobEstimate::Layer text;
+    text.index = 3;
+    text.name = QStringLiteral("Two\nlines\r\tand a tab");
+    result.layers = {photo, cut, text};
+    result.itemCounts = {3, 1, 2};
     const QStringList expected = {
         QStringLiteral("Estimated time: 1h 02min 03s"),
         QStringLiteral("layer 1 Photo %1: 3 items, burn 1234.6 mm, 3min 05s"),
         QStringLiteral("layer 3 Cut: 1 items, burn 0.0 mm, 0s"),
+        QStringLiteral("layer 4 Two lines  and a tab: 2 items, burn 0.0 mm, 0s"),
     };
     QCOMPARE(JobExport::summary(result), expected);
 }

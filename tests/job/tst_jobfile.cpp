@@ -4,6 +4,9 @@
 #include "jobgeometry.h"
 #include "testsupport.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include <QBuffer>
 #include <QImage>
 
@@ -341,6 +344,59 @@ private slots:
         QVERIFY(readJob(pictureJob(keys + R"(,"source":{"kind":"picture","data":"PIC"})"), &doc));
         QCOMPARE(doc.items[0].width, width);
         QCOMPARE(doc.items[0].height, height);
+    }
+
+    // A drawing that is a straight line along one axis: both sides given, or the missing one named.
+    void flatDrawings_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<QByteArray>("keys");
+        QTest::addColumn<QString>("message");  // empty: read with the width and height given
+        const QByteArray across = "M0 5 L50 5", up = "M5 0 L5 50", twice = "M0 5 L20 5 M30 5 L50 5";
+        // clang-format off
+        QTest::newRow("across, both given")  << across << QByteArray(R"("width":40,"height":2)") << QString();
+        QTest::newRow("across, unkept")      << across << QByteArray(R"("width":40,"height":2,"keep_aspect":false)") << QString();
+        QTest::newRow("two pieces in a row") << twice  << QByteArray(R"("width":40,"height":0.5)") << QString();
+        QTest::newRow("up, both given")      << up     << QByteArray(R"("width":1,"height":30)") << QString();
+        QTest::newRow("across, width only")  << across << QByteArray(R"("width":40)")
+            << "items[0].height: missing (the drawing has no height: give both width and height)";
+        QTest::newRow("up, height only")     << up     << QByteArray(R"("height":40)")
+            << "items[0].width: missing (the drawing has no width: give both width and height)";
+        QTest::newRow("across, zero height") << across << QByteArray(R"("width":40,"height":0)")
+            << "items[0].height: must be above 0";
+        QTest::newRow("a single point")      << QByteArray("M5 5 L5 5") << QByteArray(R"("width":40,"height":2)")
+            << "items[0].source: has no size";
+        // clang-format on
+    }
+
+    void flatDrawings()
+    {
+        QFETCH(QByteArray, path);
+        QFETCH(QByteArray, keys);
+        QFETCH(QString, message);
+        const QByteArray svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"50\" height=\"50\"><path d=\"" + path
+                               + "\" fill=\"none\" stroke=\"black\"/></svg>";
+        QByteArray json = R"({"layers":[{"operation":"line"}],"items":[{"x":10,"y":10,KEYS,)"
+                          R"("source":{"kind":"svg","data":"SVG"}}]})";
+        json.replace("KEYS", keys);
+        json.replace("SVG", svg.toBase64());
+        JobDocument doc;
+        QString error;
+        const bool read = readJob(json, &doc, &error);
+        if (!message.isEmpty()) {
+            QVERIFY(!read);
+            QCOMPARE(error, message);
+            return;
+        }
+        QVERIFY2(read, qPrintable(error));
+        const JobItem &item = doc.items[0];
+        const QJsonObject given = QJsonDocument::fromJson("{" + keys + "}").object();
+        QCOMPARE(item.width, given.value(QStringLiteral("width")).toDouble());
+        QCOMPARE(item.height, given.value(QStringLiteral("height")).toDouble());
+        // Written and read again, it stays the same.
+        JobDocument back;
+        QVERIFY(readJob(JobFile::write(doc), &back));
+        QVERIFY(back == doc);
     }
 
     // A text with neither width nor height takes its natural size; one given, the other follows.

@@ -65,6 +65,34 @@ QString rectText(const QRectF &r)
     return QStringLiteral("%1,%2 %3x%4").arg(num(r.x()), num(r.y()), num(r.width()), num(r.height()));
 }
 
+// The CRC-32 of a PNG chunk (its type and data).
+quint32 crc32(const QByteArray &bytes)
+{
+    quint32 crc = 0xffffffffu;
+    for (const char c : bytes) {
+        crc ^= quint8(c);
+        for (int k = 0; k < 8; ++k)
+            crc = crc & 1 ? (crc >> 1) ^ 0xedb88320u : crc >> 1;
+    }
+    return ~crc;
+}
+
+// A PNG file that declares a w x h RGB picture in its header and holds no pixels.
+QByteArray pngHeaderOnly(quint32 w, quint32 h)
+{
+    auto bigEndian = [](quint32 v) {
+        const char bytes[4] = {char(v >> 24), char(v >> 16 & 0xff), char(v >> 8 & 0xff), char(v & 0xff)};
+        return QByteArray(bytes, 4);
+    };
+    auto chunk = [&](const QByteArray &type, const QByteArray &data) {
+        return bigEndian(quint32(data.size())) + type + data + bigEndian(crc32(type + data));
+    };
+    const QByteArray header = bigEndian(w) + bigEndian(h) + QByteArray("\x08\x02\x00\x00\x00", 5);
+    const QByteArray noPixels("\x78\x9c\x03\x00\x00\x00\x00\x01", 8);  // zlib of nothing
+    return QByteArray("\x89PNG\r\n\x1a\n", 8) + chunk("IHDR", header) + chunk("IDAT", noPixels)
+           + chunk("IEND", QByteArray());
+}
+
 // A white picture with a black square of `side` pixels at (x, y), and a white square hole of
 // `hole` pixels in its middle when asked.
 QImage squarePicture(int width, int height, int x, int y, int side, int hole = 0)
@@ -107,6 +135,8 @@ private slots:
     void pictureGray();
     void rasterise_data();
     void rasterise();
+    void rasteriseLarge_data();
+    void rasteriseLarge();
 };
 
 void TestJobGeometry::naturalSize_data()
@@ -200,6 +230,10 @@ void TestJobGeometry::refused_data()
     // clang-format off
     QTest::newRow("picture of text") << picture << QByteArray("hello") << QString() << dejaVu << "not a picture";
     QTest::newRow("empty picture") << picture << QByteArray() << QString() << dejaVu << "not a picture";
+    QTest::newRow("picture too large") << picture << pngHeaderOnly(20000, 20000) << QString() << dejaVu
+        << "the picture is 20000 x 20000 pixels (at most 100000000)";
+    QTest::newRow("trace too large") << trace << pngHeaderOnly(100001, 1000) << QString() << dejaVu
+        << "the picture is 100001 x 1000 pixels (at most 100000000)";
     QTest::newRow("svg of text") << drawing << QByteArray("hello") << QString() << dejaVu << "not an SVG drawing";
     QTest::newRow("svg cut short") << drawing << QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\"><rect")
         << QString() << dejaVu << "not an SVG drawing";
@@ -532,6 +566,50 @@ void TestJobGeometry::rasterise()
         got << row;
     }
     QCOMPARE(got, rows);
+}
+
+void TestJobGeometry::rasteriseLarge_data()
+{
+    QTest::addColumn<QRectF>("rect");
+    QTest::addColumn<double>("interval");
+    QTest::addColumn<QRectF>("shape");  // a filled rectangle, its edges on cell edges
+
+    // Grids wider or taller than a painter reaches in one go (32767 pixels), and one of many tiles.
+    // clang-format off
+    QTest::newRow("right half of a wide row")  << QRectF(0, 0, 170, 0.05) << 0.005 << QRectF(85, 0, 85, 0.05);
+    QTest::newRow("bottom half of a tall one") << QRectF(0, 0, 0.05, 200) << 0.005 << QRectF(0, 0, 0.05, 100);
+    QTest::newRow("middle of a very wide row") << QRectF(0, 0, 10000, 0.2) << 0.1 << QRectF(2500, 0, 5000, 0.1);
+    QTest::newRow("square across tiles")       << QRectF(10, 20, 50, 50) << 0.01 << QRectF(20, 30, 30, 30);
+    // clang-format on
+}
+
+void TestJobGeometry::rasteriseLarge()
+{
+    QFETCH(QRectF, rect);
+    QFETCH(double, interval);
+    QFETCH(QRectF, shape);
+    JobShape square;
+    square.contours.push_back(
+        JobContour{{shape.bottomLeft(), shape.bottomRight(), shape.topRight(), shape.topLeft()}, true});
+    const QImage image = JobSources::rasterise({square}, rect, interval);
+    QCOMPARE(image.format(), QImage::Format_Grayscale8);
+    QCOMPARE(image.width(), qRound(rect.width() / interval));
+    QCOMPARE(image.height(), qRound(rect.height() / interval));
+    // A cell is black exactly when its centre lies in the shape; rows from the top.
+    const double top = rect.y() + rect.height();
+    qint64 wrong = 0;
+    QString first;
+    for (int j = 0; j < image.height(); ++j) {
+        const double y = top - (j + 0.5) * rect.height() / image.height();
+        const uchar *row = image.constScanLine(j);
+        for (int i = 0; i < image.width(); ++i) {
+            const double x = rect.x() + (i + 0.5) * rect.width() / image.width();
+            const uchar expected = shape.contains(x, y) ? 0 : 255;
+            if (row[i] != expected && wrong++ == 0)
+                first = QStringLiteral("cell %1, %2 is %3").arg(i).arg(j).arg(row[i]);
+        }
+    }
+    QVERIFY2(wrong == 0, qPrintable(QStringLiteral("%1 cells wrong, the first: %2").arg(wrong).arg(first)));
 }
 
 TARNWELL_TEST_MAIN(TestJobGeometry)

@@ -85,6 +85,8 @@ private slots:
     void kerfOffset_data();
     void kerfOffset();
     void kerfOffsetOfRing();
+    void kerfOffsetSideBySide_data();
+    void kerfOffsetSideBySide();
     void innerBeforeOuter_data();
     void innerBeforeOuter();
     void openPathInsideIsCutFirst();
@@ -287,6 +289,48 @@ void TestJobVector::kerfOffsetOfRing()
         std::swap(outer, inner);
     QVERIFY(std::fabs(outer.left() + 0.1) < 1e-4 && std::fabs(outer.right() - 4.1) < 1e-4);
     QVERIFY(std::fabs(inner.left() - 1.1) < 1e-4 && std::fabs(inner.right() - 2.9) < 1e-4);
+}
+
+void TestJobVector::kerfOffsetSideBySide_data()
+{
+    QTest::addColumn<double>("gap");  // between two 4 mm squares side by side in one shape
+    QTest::addColumn<int>("side");
+    QTest::addColumn<double>("kerf");
+    QTest::addColumn<QString>("expected");  // the offset contours' X extents, left to right
+
+    // Shapes apart are offset apart, but never when their offsets meet.
+    // clang-format off
+    QTest::newRow("apart, outside")      << 1.0  << int(KerfSide::Outside) << 0.4 << "-0.2..4.2 4.8..9.2";
+    QTest::newRow("offsets meet")        << 0.3  << int(KerfSide::Outside) << 0.4 << "-0.2..8.5";
+    QTest::newRow("offsets just touch")  << 0.4  << int(KerfSide::Outside) << 0.4 << "-0.2..8.6";
+    QTest::newRow("close, inside")       << 0.1  << int(KerfSide::Inside)  << 0.4 << "0.2..3.8 4.3..7.9";
+    QTest::newRow("overlapping squares") << -1.0 << int(KerfSide::Outside) << 0.4 << "-0.2..7.2";
+    // clang-format on
+}
+
+void TestJobVector::kerfOffsetSideBySide()
+{
+    QFETCH(double, gap);
+    QFETCH(int, side);
+    QFETCH(double, kerf);
+    QFETCH(QString, expected);
+    JobShape shape;
+    shape.contours = {rectContour(0, 0, 4, 4), rectContour(4 + gap, 0, 8 + gap, 4)};
+    LineParams params;
+    params.kerfSide = KerfSide(side);
+    params.kerf = kerf;
+    const JobGeometry out = JobVector::offset({shape}, params);
+    QCOMPARE(out.size(), size_t(1));
+    std::vector<QRectF> boxes;
+    for (const JobContour &c : out[0].contours)
+        boxes.push_back(bounds(c.points));
+    std::sort(boxes.begin(), boxes.end(), [](const QRectF &a, const QRectF &b) { return a.left() < b.left(); });
+    QStringList got;
+    for (const QRectF &b : boxes)
+        got << QStringLiteral("%1..%2")
+                   .arg(std::round(b.left() * 1000) / 1000)
+                   .arg(std::round(b.right() * 1000) / 1000);
+    QCOMPARE(got.join(QLatin1Char(' ')), expected);
 }
 
 void TestJobVector::innerBeforeOuter_data()

@@ -90,6 +90,9 @@ private slots:
                                        << "broken.tljob: items[0].source: not a picture";
         QTest::newRow("outside the bed") << QStringList{"job", "--input", "outside.tljob"} + out
                                          << "outside.tljob: items[0] (photo.png): outside the bed (170 x 200 mm)";
+        QTest::newRow("grid too fine") << QStringList{"job", "--input", "fine.tljob"} + out
+            << "fine.tljob: items[0]: too fine to engrave: 1000000 x 750000 cells at layers[0].image.interval 0.001 mm "
+               "(at most 100000000 cells)";
         QTest::newRow("unknown dialect") << QStringList{"job", "--input", "good.tljob", "--dialect", "smoothie"} + out
                                          << "job: --dialect: unknown dialect 'smoothie' (grbl, marlin or fan)";
         QTest::newRow("max power not a number") << QStringList{"job", "--input", "good.tljob", "--max-power", "full"} + out
@@ -145,6 +148,10 @@ private slots:
         QByteArray outside = twoLayerJob();
         outside.replace(R"("x":20,"y":30)", R"("x":140,"y":30)");
         TestFiles::write(QStringLiteral("outside.tljob"), outside);
+        QByteArray fine = R"({"machine":{"bed":[1000,1000]},"layers":[{"image":{"interval":0.001}}],)"
+                          R"("items":[{"width":1000,"source":{"kind":"picture","data":"PIC"}}]})";
+        fine.replace("PIC", pngBase64());
+        TestFiles::write(QStringLiteral("fine.tljob"), fine);
         const QStringList before = files();
         const ExportRun run = runExport(args);
         QCOMPARE(run.status, 2);
