@@ -9,12 +9,7 @@ namespace {
 bool valid(const JobDocument &doc, int item) { return item >= 0 && item < int(doc.items.size()); }
 }  // namespace
 
-QString layerColor(int index)
-{
-    static const char *const Colors[] = {"#2060c0", "#d03030", "#20a040", "#e08000",
-                                         "#8040c0", "#00a0a0", "#c04080", "#606060"};
-    return QString::fromLatin1(Colors[std::abs(index) % 8]);
-}
+QString layerColor(int index) { return JobLayer::defaultColor(index); }
 
 int addLayer(JobDocument *doc, Operation operation, const QString &name)
 {

@@ -31,6 +31,13 @@ bool JobLayer::operator==(const JobLayer &o) const
            && power == o.power && passes == o.passes && image == o.image && fill == o.fill && line == o.line;
 }
 
+QString JobLayer::defaultColor(int index)
+{
+    static const char *const Colors[] = {"#2060c0", "#d03030", "#20a040", "#e08000",
+                                         "#8040c0", "#00a0a0", "#c04080", "#606060"};
+    return QString::fromLatin1(Colors[(index % 8 + 8) % 8]);
+}
+
 bool JobSource::operator==(const JobSource &o) const
 {
     return kind == o.kind && name == o.name && data == o.data && text == o.text && font == o.font && size == o.size

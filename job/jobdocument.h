@@ -83,6 +83,9 @@ struct JobLayer
     FillParams fill;
     LineParams line;
 
+    // The colour a layer gets when none is given: eight distinct colours in turn, by its index.
+    static QString defaultColor(int index);
+
     bool operator==(const JobLayer &o) const;
 };
 

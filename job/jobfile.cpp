@@ -301,7 +301,7 @@ JobLayer readLayer(const Json &value, const QString &path, size_t index)
              {"name", "color", "enabled", "operation", "speed", "power", "passes", "image", "fill", "line"});
     JobLayer layer;
     layer.name = text(object, path, "name", QStringLiteral("Layer %1").arg(index + 1));
-    layer.color = text(object, path, "color", layer.color);
+    layer.color = text(object, path, "color", JobLayer::defaultColor(int(index)));
     if (!QColor::isValidColor(layer.color))
         refuse(member(path, "color"), QStringLiteral("not a colour"));
     layer.enabled = boolean(object, path, "enabled", layer.enabled);

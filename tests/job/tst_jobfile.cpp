@@ -266,6 +266,7 @@ private slots:
         QCOMPARE(image.name, QStringLiteral("Layer 1"));
         QCOMPARE(doc.layers[1].name, QStringLiteral("Layer 2"));
         QCOMPARE(image.color, QStringLiteral("#2060c0"));
+        QCOMPARE(doc.layers[1].color, QStringLiteral("#d03030"));  // layers without a colour differ
         QCOMPARE(image.enabled, true);
         QCOMPARE(image.operation, Operation::Image);
         QCOMPARE(image.speed, 3000.0);
