@@ -231,7 +231,12 @@ int main(int argc, char *argv[])
                    .arg(w.peak.kb < 0        ? QStringLiteral("not measured")
                         : peakMb <= budgetMb ? QStringLiteral("within")
                                              : QStringLiteral("OVER"));
+        out.flush();
+        std::fflush(stdout);
+        _exit(0);
     }
+    if (exporter > 0)
+        waitpid(exporter, nullptr, 0);
 
     // Peak memory of one run, above what the process held with the picture already made. First in
     // a child process whose allocator maps every large block on its own, which is what the job
